@@ -1,0 +1,10 @@
+#include "MethodTable.h"
+
+#include "TextMethods.h"
+
+MethodRegistry buildMethodTable()
+{
+    MethodRegistry registry;
+    registerTextMethods(registry);
+    return registry;
+}

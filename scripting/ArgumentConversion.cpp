@@ -1,0 +1,82 @@
+#include "ArgumentConversion.h"
+
+namespace ArgumentConversion {
+
+bool isNil(const QVariant &value)
+{
+    return !value.isValid() || value.typeId() == QMetaType::Nullptr;
+}
+
+bool isNumber(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isUnsignedInteger(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::UChar:
+    case QMetaType::UShort:
+    case QMetaType::UInt:
+    case QMetaType::ULong:
+    case QMetaType::ULongLong:
+        return true;
+    default:
+        return false;
+    }
+}
+
+QString kindOf(const QVariant &value)
+{
+    if (isNil(value))
+        return QStringLiteral("nil");
+    if (value.typeId() == QMetaType::Bool)
+        return QStringLiteral("a boolean");
+    if (isNumber(value))
+        return QStringLiteral("a number");
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return QStringLiteral("a string");
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList:
+        return QStringLiteral("a list");
+    case QMetaType::QVariantMap:
+        return QStringLiteral("a dictionary");
+    case QMetaType::QDateTime:
+        return QStringLiteral("a date");
+    case QMetaType::QByteArray:
+        return QStringLiteral("data");
+    default:
+        return QStringLiteral("a %1").arg(QString::fromLatin1(value.metaType().name()));
+    }
+}
+
+quint64 wrapToUnsigned64(double value)
+{
+    if (!std::isfinite(value))
+        return 0;
+    constexpr double twoTo64 = 18446744073709551616.0;
+    const double whole = std::fmod(std::trunc(value), twoTo64);
+    if (whole >= 0)
+        return quint64(whole);
+    return ~quint64(-whole) + 1;
+}
+
+} // namespace ArgumentConversion

@@ -1,0 +1,114 @@
+#include "StringAdditions.h"
+#include "SystemLog.h"
+#include "TextScanner.h"
+
+#include <algorithm>
+
+namespace ROZ_NSStringAdditions {
+
+namespace {
+
+// The trailing space belongs to the list: it is what makes " Yet " a search.
+const QString smallWordList = QStringLiteral(
+    "A | An | And | As | At | Both | But | By | Either | For | From | In | Is | Neither | Nor | Of | On | Or | "
+    "So | The | To | With | Yet ");
+
+QString capitalized(const QString &word)
+{
+    if (word.size() < 2)
+        return word.toUpper();
+    return firstCharacter(word).toUpper() + word.mid(1);
+}
+
+bool isMarkCodePoint(char32_t c)
+{
+    const auto category = QChar::category(c);
+    return category == QChar::Mark_NonSpacing || category == QChar::Mark_SpacingCombining
+           || category == QChar::Mark_Enclosing;
+}
+
+} // namespace
+
+const CharacterSet &allWhitespaceCharacterSet()
+{
+    static const CharacterSet set = CharacterSet::fromCharacters(QStringLiteral(" \t\n\r\013\014"));
+    return set;
+}
+
+const CharacterSet &newlineCharacterSet()
+{
+    static const CharacterSet set = CharacterSet::fromCharacters(QStringLiteral("\n\r"));
+    return set;
+}
+
+void log(const QString &self)
+{
+    // The receiver is the format on purpose, so directives in it are read.
+    SystemLog::write(SystemLog::formatWithoutArguments(self));
+}
+
+bool isBlankString(const QString &self)
+{
+    return self.isEmpty();
+}
+
+QString reverse(const QString &self)
+{
+    QString reversed = self;
+    std::reverse(reversed.begin(), reversed.end());
+    return reversed;
+}
+
+QString titleCaseString(const QString &self)
+{
+    if (isBlankString(self))
+        return self;
+    TextScanner scanner(self);
+    QString result;
+    while (!scanner.isAtEnd()) {
+        QString word;
+        if (scanner.scanUpToCharactersFromSet(allWhitespaceCharacterSet(), &word))
+            result += capitalized(word);
+        const qsizetype location = scanner.scanLocation();
+        if (location < self.size()) {
+            result += self[location];
+            scanner.setScanLocation(location + 1);
+        }
+    }
+    static const QStringList search = smallWordList.split(u'|');
+    static const QStringList lowered = smallWordList.toLower().split(u'|');
+    return snrBatch(result, search, lowered);
+}
+
+QString stripDiacritical(const QString &self)
+{
+    if (isBlankString(self))
+        return self;
+    const QString decomposed = self.normalized(QString::NormalizationForm_D);
+    QString result;
+    result.reserve(decomposed.size());
+    for (qsizetype i = 0; i < decomposed.size(); ++i) {
+        const QChar c = decomposed[i];
+        if (c.isHighSurrogate() && i + 1 < decomposed.size() && decomposed[i + 1].isLowSurrogate()) {
+            const char32_t codePoint = QChar::surrogateToUcs4(c, decomposed[i + 1]);
+            if (!isMarkCodePoint(codePoint))
+                result.append(c).append(decomposed[i + 1]);
+            ++i;
+        } else if (!CharacterSet::nonBase().contains(c)) {
+            result += c;
+        }
+    }
+    return result;
+}
+
+bool hasCaseInsensitivePrefix(const QString &self, const QString &prefix)
+{
+    return !prefix.isEmpty() && self.toLower().startsWith(prefix.toLower());
+}
+
+bool hasCaseInsensitiveSuffix(const QString &self, const QString &suffix)
+{
+    return !suffix.isEmpty() && self.toLower().endsWith(suffix.toLower());
+}
+
+} // namespace ROZ_NSStringAdditions
