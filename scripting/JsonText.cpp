@@ -17,6 +17,9 @@ QString number(double value)
 {
     if (!std::isfinite(value))
         return QStringLiteral("null");
+    // Whole numbers print in full, as JavaScript prints them below 1e21.
+    if (std::trunc(value) == value && std::abs(value) < 9.2e18)
+        return QString::number(qint64(value));
     return QString::number(value, 'g', QLocale::FloatingPointShortest);
 }
 

@@ -1,0 +1,112 @@
+#include "MethodTable.h"
+#include "TestPrinting.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct ScriptRun {
+    int exitCode;
+    QString out;
+    QString err;
+};
+
+ScriptRun nomenScript(const QStringList &arguments, const QString &timeZone = QStringLiteral("UTC"))
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TZ"), timeZone);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(NOMEN_SCRIPT_PATH), arguments);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(30000))
+        return {-1, QString(), QStringLiteral("timed out")};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+QString readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+// Every selector of the text toolkit, spelled exactly as scripts call it.
+const QStringList textSelectors = {
+    "log", "isBlankString", "characters", "characterCount", "charAtIndex:", "firstCharacter", "words", "wordCount",
+    "wordAtIndex:", "paragraphs", "paragraphCount", "paragraphAtIndex:", "tokensSeparatedByCharactersFromSet:",
+    "reverse", "titleCaseString", "stripDiacritical", "clean:", "cleanWithReplace:withCharacter:", "trimFromStart:",
+    "trimFromEnd:", "trimFromBoth:", "hasCaseInsensitivePrefix:", "hasCaseInsensitiveSuffix:", "deprefix:",
+    "desuffix:", "deprefixCaseInsensitive:", "desuffixCaseInsensitive:", "snr:replaceWith:",
+    "snrBatch:replaceArray:", "containsString:consideringCase:", "substringToDelim:", "substringFromDelim:toDelim:",
+    "validateWithRegEx:", "grep:options:", "substringsMatchingRegularExpression:count:options:ranges:error:"};
+
+TEST(MethodTable, RegistersEveryTextSelectorByItsExactName)
+{
+    const MethodRegistry table = buildMethodTable();
+    QStringList expected = textSelectors;
+    expected.sort();
+    EXPECT_EQ(table.selectors(MethodKind::Instance, QStringLiteral("NSString")), expected);
+    EXPECT_EQ(table.selectors(MethodKind::Class, QStringLiteral("NSCharacterSet")),
+              QStringList({"allWhitespaceCharacterSet", "newlineCharacterSet"}));
+}
+
+TEST(NomenScript, AnswersEverySelectorByName)
+{
+    const QString script = QStringLiteral(NOMEN_TEST_DATA "/every_selector.js");
+    const ScriptRun run = nomenScript({script});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, readFile(QStringLiteral(NOMEN_TEST_DATA "/every_selector.expected")));
+    // Each selector printed once, so none was skipped.
+    for (const QString &selector : textSelectors)
+        EXPECT_TRUE(run.out.contains(u'\n' + selector + u' ') || run.out.startsWith(selector + u' '))
+            << selector.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("] a (null) b\n"))) << "log writes to the system log";
+}
+
+TEST(NomenScript, PrintsTheCompletionValue)
+{
+    EXPECT_EQ(nomenScript({"-e", R"(callMethod("the lord of the rings", "titleCaseString", []))"}).out,
+              QStringLiteral("The Lord of the Rings\n"));
+    EXPECT_EQ(nomenScript({"-e", "var x = 1"}).out, QString());
+    EXPECT_EQ(nomenScript({"-e", "({a: [1, 'b'], c: null})"}).out, QStringLiteral("{\"a\":[1,\"b\"],\"c\":null}\n"));
+    EXPECT_EQ(nomenScript({"-e", "new Date(2024, 6, 14, 9, 30, 5)"}, QStringLiteral("Europe/Paris")).out,
+              QStringLiteral("\"2024-07-14T09:30:05+02:00\"\n"));
+    EXPECT_EQ(nomenScript({"-e", "new Date(2024, 0, 14, 9, 30, 5, 250)"}, QStringLiteral("America/New_York")).out,
+              QStringLiteral("\"2024-01-14T09:30:05.250-05:00\"\n"));
+    EXPECT_EQ(nomenScript({"-e", "print('a', 1, [true]); 'done'"}).out, QStringLiteral("a 1 [true]\ndone\n"));
+}
+
+TEST(NomenScript, ReportsErrorsWithFileAndLine)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("broken.js"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("var a = 1;\n\ncallMethod('x', 'noSuchSelector', []);\n");
+    file.close();
+    const ScriptRun run = nomenScript({path});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.out, QString());
+    EXPECT_EQ(run.err, path + QStringLiteral(":3: NSInvalidArgumentException: -[NSString noSuchSelector]: "
+                                             "unrecognized selector sent to instance\n"));
+
+    const ScriptRun syntax = nomenScript({"-e", "1 +"});
+    EXPECT_EQ(syntax.exitCode, 1);
+    EXPECT_TRUE(syntax.err.startsWith(QStringLiteral("-e:1: SyntaxError"))) << syntax.err.toStdString();
+}
+
+TEST(NomenScript, RefusesBadCommandLines)
+{
+    EXPECT_EQ(nomenScript({}).exitCode, 2);
+    EXPECT_EQ(nomenScript({"-e"}).exitCode, 2);
+    EXPECT_EQ(nomenScript({"-x", "y"}).exitCode, 2);
+    const ScriptRun missing = nomenScript({"/nonexistent/script.js"});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_TRUE(missing.err.contains(QStringLiteral("cannot read /nonexistent/script.js")));
+}
+
+} // namespace
