@@ -22,7 +22,7 @@ scripts/build.sh build-fuzz -DNOMEN_FUZZ=ON -DNOMEN_TESTS=OFF -DNOMEN_BENCH=OFF 
   -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_COMPILER=clang
 seconds=${NOMEN_FUZZ_SECONDS:-10}
 for target in build-fuzz/fuzz/fuzz_*; do
-  [[ -x "$target" ]] || continue
+  [[ -f "$target" && -x "$target" ]] || continue
   corpus="build-fuzz/corpus/$(basename "$target")"
   mkdir -p "$corpus"
   echo "-- $(basename "$target") for ${seconds}s"

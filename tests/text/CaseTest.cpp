@@ -9,6 +9,7 @@ namespace {
 
 struct Case {
     const char *name;
+    friend void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
     QString input;
     QString expected;
 };

@@ -9,6 +9,7 @@ namespace {
 
 struct CleanCase {
     const char *name;
+    friend void PrintTo(const CleanCase &c, std::ostream *os) { *os << c.name; }
     QString input;
     QString allowed;
     QString expected;
@@ -35,6 +36,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 struct TrimCase {
     const char *name;
+    friend void PrintTo(const TrimCase &c, std::ostream *os) { *os << c.name; }
     QString input;
     QStringList set;
     QString start;
@@ -73,6 +75,7 @@ TEST(CleanWithReplace, ReplacesEachMemberByTheReplacement)
 
 struct AffixCase {
     const char *name;
+    friend void PrintTo(const AffixCase &c, std::ostream *os) { *os << c.name; }
     QString (*operation)(const QString &, const QString &);
     QString input;
     QString affix;

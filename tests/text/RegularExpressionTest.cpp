@@ -9,6 +9,7 @@ namespace {
 
 struct MatchCase {
     const char *name;
+    friend void PrintTo(const MatchCase &c, std::ostream *os) { *os << c.name; }
     QString input;
     QString pattern;
     int count;

@@ -50,6 +50,7 @@ TEST(ContainsString, ConsidersCaseOnRequest)
 
 struct DelimCase {
     const char *name;
+    friend void PrintTo(const DelimCase &c, std::ostream *os) { *os << c.name; }
     QString input;
     QString start;
     QString end;

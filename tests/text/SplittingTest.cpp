@@ -10,6 +10,7 @@ namespace {
 
 struct SplitCase {
     const char *name;
+    friend void PrintTo(const SplitCase &c, std::ostream *os) { *os << c.name; }
     QString input;
     QStringList expected;
 };

@@ -9,6 +9,7 @@ namespace {
 
 struct FormatCase {
     const char *name;
+    friend void PrintTo(const FormatCase &c, std::ostream *os) { *os << c.name; }
     QString format;
     QString expected;
 };
