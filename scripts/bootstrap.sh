@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake pkg-config ninja-build
-  qt6-base-dev qt6-declarative-dev qt6-tools-dev libqt6opengl6-dev
+  qt6-base-dev qt6-declarative-dev qt6-tools-dev
   libgl-dev
   libicu-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
