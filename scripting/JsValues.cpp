@@ -41,8 +41,10 @@ QJSValue mapToJs(QJSEngine &engine, const QVariantMap &map)
 
 bool isArrayBuffer(const QJSValue &value)
 {
+    // Asked of the prototype, so no script code (a toString of its own) runs.
     return value.isObject() && !value.isArray() && !value.isVariant() && !value.isQObject()
-           && value.toString() == QLatin1String("[object ArrayBuffer]");
+           && value.prototype().property(QStringLiteral("constructor")).property(QStringLiteral("name")).toString()
+                  == QLatin1String("ArrayBuffer");
 }
 
 bool isBox(const QJSValue &value)

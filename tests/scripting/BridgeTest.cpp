@@ -84,6 +84,8 @@ TEST_F(Bridge, ReceiverKindPicksTheClass)
               QStringLiteral("-[NSDictionary count]: unrecognized selector sent to instance"));
     EXPECT_EQ(run(R"(try { callMethod(new Date(), "count") } catch (e) { e.reason })"),
               QStringLiteral("-[NSDate count]: unrecognized selector sent to instance"));
+    EXPECT_EQ(run(R"(try { callMethod(new ArrayBuffer(2), "count") } catch (e) { e.reason })"),
+              QStringLiteral("-[NSData count]: unrecognized selector sent to instance"));
     EXPECT_EQ(run(R"(try { callClassMethod("NSString", "titleCaseString") } catch (e) { e.reason })"),
               QStringLiteral("+[NSString titleCaseString]: unrecognized selector sent to class"));
     EXPECT_EQ(run(R"(var set = callClassMethod("NSCharacterSet", "newlineCharacterSet");
