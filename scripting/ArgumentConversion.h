@@ -1,6 +1,9 @@
 #pragma once
 
 #include "CharacterSet.h"
+#include "ScriptCoertions.h"
+
+#include <QObject>
 
 #include <QDateTime>
 #include <QStringList>
@@ -102,6 +105,24 @@ T convert(const QVariant &value, int index)
         if (value.typeId() != QMetaType::QDateTime)
             throw WrongType{index, QStringLiteral("a date"), kindOf(value)};
         return value.toDateTime();
+    } else if constexpr (std::is_same_v<T, QByteArray>) {
+        if (isNil(value))
+            return QByteArray();
+        if (value.typeId() != QMetaType::QByteArray)
+            throw WrongType{index, QStringLiteral("data"), kindOf(value)};
+        return value.toByteArray();
+    } else if constexpr (std::is_same_v<T, Descriptor>) {
+        // Any other value stands for its descriptor.
+        if (value.metaType() == QMetaType::fromType<Descriptor>())
+            return value.value<Descriptor>();
+        return ROZ_ScriptCoertions::aeDescriptorValue(value);
+    } else if constexpr (std::is_pointer_v<T> && std::is_base_of_v<QObject, std::remove_pointer_t<T>>) {
+        if (isNil(value))
+            return nullptr;
+        if (auto *object = qobject_cast<T>(value.value<QObject *>()))
+            return object;
+        throw WrongType{index, QStringLiteral("a %1").arg(QString::fromLatin1(std::remove_pointer_t<T>::staticMetaObject.className())),
+                        kindOf(value)};
     } else if constexpr (std::is_same_v<T, CharacterSet>) {
         // A string stands for the set of its characters.
         if (value.metaType() == QMetaType::fromType<CharacterSet>())

@@ -3,6 +3,7 @@
 #include "ArgumentConversion.h"
 #include "ErrorInfo.h"
 #include "NamedException.h"
+#include "ScriptCoertions.h"
 #include "TextRange.h"
 
 #include <QDateTime>
@@ -110,11 +111,10 @@ QJSValue toJs(QJSEngine &engine, const QVariant &value)
     case QMetaType::QDateTime:
     case QMetaType::QByteArray:
         return engine.toScriptValue(value);
-    case QMetaType::QObjectStar: {
-        QObject *object = value.value<QObject *>();
-        QJSEngine::setObjectOwnership(object, QJSEngine::CppOwnership);
-        return engine.newQObject(object);
-    }
+    case QMetaType::QObjectStar:
+        // An object with no parent belongs to the script from now on; one
+        // with a parent, or marked as native-owned, stays with its owner.
+        return engine.newQObject(value.value<QObject *>());
     default:
         break;
     }
@@ -128,6 +128,13 @@ QJSValue toJs(QJSEngine &engine, const QVariant &value)
         return mapToJs(engine, {{QStringLiteral("domain"), error.domain},
                                 {QStringLiteral("code"), error.code},
                                 {QStringLiteral("message"), error.localizedDescription}});
+    }
+    if (value.metaType() == QMetaType::fromType<MixedKeyDictionary>()) {
+        // Number keys (four-character keywords) become their decimal text.
+        QJSValue object = engine.newObject();
+        for (const auto &[key, item] : value.value<MixedKeyDictionary>().entries)
+            object.setProperty(key.toString(), toJs(engine, item));
+        return object;
     }
     if (value.metaType().flags() & QMetaType::PointerToQObject)
         return toJs(engine, QVariant::fromValue(value.value<QObject *>()));

@@ -10,7 +10,10 @@
 // One call as the bridge hands it to native code: the receiver (nil for a
 // class method), the arguments in order, and what the method leaves in its
 // out-parameters, for the bridge to write back into the caller's boxes.
+class MethodRegistry;
+
 struct Invocation {
+    const MethodRegistry *methods = nullptr; // the table the call came through
     QVariant receiver;
     QVariantList arguments;
     QList<bool> boxed;            // whether argument i came as a box to fill

@@ -88,6 +88,7 @@ QJSValue ScriptBridge::dispatch(MethodKind kind, const QString &className, const
     }
     try {
         Invocation invocation;
+        invocation.methods = &m_registry;
         invocation.receiver = JsValues::fromJs(receiver);
         for (quint32 i = 0; i < given; ++i) {
             const QJSValue param = params.property(i);

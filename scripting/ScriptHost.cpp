@@ -14,15 +14,43 @@ ScriptHost::ScriptHost(const MethodRegistry &registry) : m_bridge(new ScriptBrid
     )JS"));
     m_engine.globalObject().setProperty(QStringLiteral("print"), installer.call({m_engine.newQObject(this)}));
     QJSEngine::setObjectOwnership(this, QJSEngine::CppOwnership);
+    // A function's call reports a thrown value only as its result, so calls
+    // go through a guard that tells the two apart.
+    m_guard = m_engine.evaluate(QStringLiteral(R"JS(
+        (function (f, args) {
+            try { return {ok: true, value: f.apply(null, args)}; }
+            catch (e) { return {ok: false, error: e}; }
+        })
+    )JS"));
+}
+
+ScriptHost::Outcome ScriptHost::thrown(const QJSValue &value, int line, const QString &fileName) const
+{
+    if (value.isError())
+        line = value.property(QStringLiteral("lineNumber")).toInt();
+    return {value, true, line, QStringLiteral("%1:%2: %3").arg(fileName).arg(line).arg(value.toString())};
 }
 
 ScriptHost::Outcome ScriptHost::evaluate(const QString &program, const QString &fileName)
 {
-    const QJSValue value = m_engine.evaluate(program, fileName);
-    if (!value.isError())
-        return {value, QString()};
-    const int line = value.property(QStringLiteral("lineNumber")).toInt();
-    return {value, QStringLiteral("%1:%2: %3").arg(fileName).arg(line).arg(value.toString())};
+    QStringList stackTrace;
+    const QJSValue value = m_engine.evaluate(program, fileName, 1, &stackTrace);
+    if (stackTrace.isEmpty() && !value.isError())
+        return {value, false, 0, QString()};
+    // Frames read "function:line:column:file"; the first is where it was thrown.
+    const int line = stackTrace.isEmpty() ? 0 : stackTrace.first().section(u':', 1, 1).toInt();
+    return thrown(value, line, fileName);
+}
+
+ScriptHost::Outcome ScriptHost::call(const QJSValue &function, const QJSValueList &arguments, const QString &fileName)
+{
+    QJSValue argumentArray = m_engine.newArray(quint32(arguments.size()));
+    for (qsizetype i = 0; i < arguments.size(); ++i)
+        argumentArray.setProperty(quint32(i), arguments[i]);
+    const QJSValue outcome = QJSValue(m_guard).call({function, argumentArray});
+    if (outcome.property(QStringLiteral("ok")).toBool())
+        return {outcome.property(QStringLiteral("value")), false, 0, QString()};
+    return thrown(outcome.property(QStringLiteral("error")), 0, fileName);
 }
 
 std::optional<QString> ScriptHost::printable(const QJSValue &value) const

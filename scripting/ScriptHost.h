@@ -17,12 +17,17 @@ public:
     QJSEngine &engine() { return m_engine; }
     ScriptBridge &bridge() { return *m_bridge; }
 
+    // What running script code came to: its value, or what it threw (any
+    // value, not only an Error) with the line it was thrown at.
     struct Outcome {
         QJSValue value;
-        QString error; // "file:line: message", empty on success
-        bool ok() const { return error.isEmpty(); }
+        bool threw = false;
+        int line = 0;
+        QString error; // "file:line: message" when it threw
+        bool ok() const { return !threw; }
     };
     Outcome evaluate(const QString &program, const QString &fileName);
+    Outcome call(const QJSValue &function, const QJSValueList &arguments, const QString &fileName);
 
     // What nomen-script prints for a completion value: a string as it is,
     // nothing for undefined, anything else as JSON with dates in ISO 8601
@@ -32,6 +37,9 @@ public:
     Q_INVOKABLE void printValues(const QJSValue &values);
 
 private:
+    Outcome thrown(const QJSValue &value, int line, const QString &fileName) const;
+
     QJSEngine m_engine;
     ScriptBridge *m_bridge;
+    QJSValue m_guard;
 };

@@ -14,3 +14,10 @@ inline void PrintTo(const QStringList &list, std::ostream *os)
 {
     *os << '(' << ('"' + list.join(QStringLiteral("\", \"")) + '"').toStdString() << ')';
 }
+
+#include <QVariant>
+
+inline void PrintTo(const QVariant &v, std::ostream *os)
+{
+    *os << v.typeName() << '(' << v.toString().toStdString() << ')';
+}

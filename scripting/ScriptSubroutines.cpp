@@ -1,0 +1,152 @@
+#include "ScriptSubroutines.h"
+
+#include "DataAdditions.h"
+#include "ScriptCoertions.h"
+
+#include <QFile>
+#include <unistd.h>
+
+namespace ROZ_ScriptSubroutines {
+
+QVariant ROZ_runScriptSubroutine(CompiledScript &script, const QString &name)
+{
+    return ROZ_runScriptSubroutineWithParameters(script, name, {});
+}
+
+QVariant ROZ_runScriptSubroutine(CompiledScript &script, const QString &name, const QVariant &parameter)
+{
+    if (!parameter.isValid())
+        throw NamedException(NSInvalidArgumentException, QStringLiteral("Parameter cannot be nil."));
+    return ROZ_runScriptSubroutineWithParameters(script, name, {parameter});
+}
+
+QVariant ROZ_runScriptSubroutineWithParameters(CompiledScript &script, const QString &name,
+                                               const QVariantList &nilTerminated)
+{
+    QVariantList parameters;
+    for (const QVariant &parameter : nilTerminated) {
+        if (!parameter.isValid())
+            break;
+        parameters.append(parameter);
+    }
+    return ROZ_runScriptSubroutineWithParametersFromArray(script, name, parameters);
+}
+
+QVariant ROZ_runScriptSubroutineWithParametersFromArray(CompiledScript &script, const QString &name,
+                                                        const QVariantList &parameters)
+{
+    std::optional<QVariantMap> error;
+    const Descriptor list = ROZ_ScriptCoertions::aeDescriptorValue(parameters);
+    const auto result = ROZ_ExecuteWithoutTranslationSubroutine(script, name, &error, list);
+    if (error)
+        return ROZ_HandleASError(error);
+    return ROZ_ScriptCoertions::objCObjectValue(result.value_or(Descriptor::null()));
+}
+
+Descriptor handlerCallEvent(const QString &name, const Descriptor &parameters)
+{
+    // Handler names are matched in lower case, so callers may spell them in
+    // any case.
+    const Descriptor target = Descriptor::ofValue<qint32>(DescType::KernelProcessID, qint32(getpid()));
+    Descriptor event = Descriptor::appleEvent(fourCharCode("ascr"), fourCharCode("psbr"), target, -1, 0);
+    event.setDescriptorForKeyword(Descriptor::string(name.toLower()), fourCharCode("snam"));
+    event.setDescriptorForKeyword(parameters, DescType::DirectObject);
+    return event;
+}
+
+std::optional<Descriptor> ROZ_ExecuteWithoutTranslationSubroutine(CompiledScript &script, const QString &name,
+                                                                  std::optional<QVariantMap> *error,
+                                                                  const Descriptor &parameters)
+{
+    QVariantMap errorInfo;
+    const auto result = script.executeAppleEvent(handlerCallEvent(name, parameters), &errorInfo);
+    if (error)
+        *error = result ? std::nullopt : std::optional(errorInfo);
+    return result;
+}
+
+QVariant ROZ_HandleASError(const std::optional<QVariantMap> &error)
+{
+    if (!error)
+        return QString(QLatin1String(""));
+    QString message = error->value(QStringLiteral("NSAppleScriptErrorMessage")).toString();
+    if (message.isEmpty())
+        message = error->value(QStringLiteral("NSAppleScriptErrorBriefMessage")).toString();
+    if (message.isEmpty())
+        message = QStringLiteral("Unidentified AppleScript error.");
+    const QVariant number = error->value(QStringLiteral("NSAppleScriptErrorNumber"));
+    return QVariantList{number.isValid() ? number.toInt() : 0, message};
+}
+
+namespace {
+
+// The file's bytes, mapped; empty when it cannot be read.
+struct MappedFile {
+    QFile file;
+    QByteArray bytes;
+
+    explicit MappedFile(const QString &path) : file(path)
+    {
+        if (!file.open(QIODevice::ReadOnly) || file.size() == 0)
+            return;
+        if (uchar *mapped = file.map(0, file.size()))
+            bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), file.size());
+    }
+};
+
+} // namespace
+
+QVariant ROZ_subroutinesInScriptFile(const QString &path)
+{
+    // Never lists handlers: callers only learn whether the file is readable.
+    const MappedFile file(path);
+    return file.bytes.isEmpty() ? QVariant() : QVariant(QVariantList());
+}
+
+QVariant ROZ_validSubroutinesFromArray(const QVariantList &names, const QString &path)
+{
+    const MappedFile file(path);
+    if (file.bytes.isEmpty())
+        return QVariant();
+    QVariantList valid;
+    for (const QVariant &name : names) {
+        // A name that is not ASCII has no bytes to look for; an empty search
+        // finds offset 0, so such a name is kept.
+        const QString text = name.toString();
+        const bool ascii = std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 128; });
+        const QByteArray bytes = ascii ? text.toLatin1() : QByteArray();
+        if (ROZ_NSDataAdditions::offsetOfData(file.bytes, bytes) != ROZ_NSDataAdditions::NotFound)
+            valid.append(name);
+    }
+    return valid;
+}
+
+} // namespace ROZ_ScriptSubroutines
+
+namespace ScriptRunner {
+
+namespace {
+
+QVariant resultOf(CompiledScript &script)
+{
+    QVariantMap error;
+    const auto result = script.executeAndReturnError(&error);
+    return result ? ROZ_ScriptCoertions::objCObjectValue(*result) : QVariant();
+}
+
+} // namespace
+
+QVariant runScript(const MethodRegistry &methods, const QString &source)
+{
+    CompiledScript script(methods, source);
+    return resultOf(script);
+}
+
+QVariant runScriptFile(const MethodRegistry &methods, const QString &path)
+{
+    QVariantMap error;
+    std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(methods, path, &error));
+    return script ? resultOf(*script) : QVariant();
+}
+
+} // namespace ScriptRunner
