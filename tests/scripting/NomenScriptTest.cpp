@@ -108,6 +108,22 @@ TEST(NomenScript, AnswersEverySelectorByName)
     EXPECT_TRUE(run.err.contains(QStringLiteral("] a (null) b\n"))) << "log writes to the system log";
 }
 
+TEST(NomenScript, AnswersEveryScriptBridgeSelectorByName)
+{
+    const ScriptRun run = nomenScript({QStringLiteral(NOMEN_TEST_DATA "/script_bridge.js")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, readFile(QStringLiteral(NOMEN_TEST_DATA "/script_bridge.expected")));
+    for (const ClassSelectors &group : scriptSelectors) {
+        if (QStringLiteral("NSString NSCharacterSet").contains(QLatin1String(group.className)))
+            continue;
+        for (const QString &selector : group.selectors) {
+            EXPECT_TRUE(run.out.contains(selector) || selector == QLatin1String("logDescriptorType"))
+                << selector.toStdString();
+        }
+    }
+    EXPECT_TRUE(run.err.contains(QStringLiteral("] typeAEList\n"))) << "logDescriptorType writes the type's name";
+}
+
 TEST(NomenScript, PrintsTheCompletionValue)
 {
     EXPECT_EQ(nomenScript({"-e", R"(callMethod("the lord of the rings", "titleCaseString", []))"}).out,
