@@ -37,6 +37,24 @@ TEST_F(ScriptCalls, HandlerNamesAreMatchedInLowerCase)
               QVariant(QStringLiteral("ran x")));
 }
 
+TEST(HelperScriptFile, LowerCaseHandlerAnswersAMixedCaseCall)
+{
+    const MethodRegistry methods = buildMethodTable();
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("perl.scpt")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("function execute_perl(program) { return program.split('').reverse().join(''); }\n");
+    file.close();
+    QVariantMap error;
+    std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(methods, file.fileName(), &error));
+    ASSERT_NE(script, nullptr) << error.value(QStringLiteral("NSAppleScriptErrorMessage")).toString().toStdString();
+    EXPECT_EQ(ROZ_runScriptSubroutine(*script, QStringLiteral("Execute_Perl"), QStringLiteral("abc")),
+              QVariant(QStringLiteral("cba")));
+    EXPECT_EQ(ROZ_validSubroutinesFromArray({"execute_perl", "Execute_Perl"}, file.fileName()),
+              QVariant(QVariantList{"execute_perl"}))
+        << "the file scan is case-sensitive";
+}
+
 TEST_F(ScriptCalls, ParametersArriveInOrderAndStopAtTheFirstNil)
 {
     EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("echo_all")), QVariant(QVariantList()));
