@@ -1,5 +1,6 @@
 #include "MethodTable.h"
 
+#include "DesktopMethods.h"
 #include "ScriptMethods.h"
 #include "TextMethods.h"
 
@@ -8,5 +9,6 @@ MethodRegistry buildMethodTable()
     MethodRegistry registry;
     registerTextMethods(registry);
     registerScriptMethods(registry);
+    registerDesktopMethods(registry);
     return registry;
 }

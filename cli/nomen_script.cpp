@@ -1,11 +1,15 @@
 // nomen-script: runs JavaScript with the native bridge and prints the
 // completion value, so every script-callable method can be tried from a shell.
 
+#include "DeferredCalls.h"
 #include "MethodTable.h"
 #include "ScriptHost.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QDir>
 #include <QFile>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <cstdio>
 
 namespace {
@@ -22,11 +26,30 @@ void writeTo(FILE *stream, const QString &text)
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
 }
 
+// Qt wants a private runtime directory and warns on every run without one;
+// this is the one it would pick.
+void ensureRuntimeDirectory()
+{
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        return;
+    const QByteArray directory = QDir::tempPath().toLocal8Bit() + "/runtime-" + QByteArray::number(getuid());
+    mkdir(directory.constData(), 0700);
+    struct stat info;
+    if (stat(directory.constData(), &info) == 0 && info.st_uid == getuid() && (info.st_mode & 0777) == 0700)
+        qputenv("XDG_RUNTIME_DIR", directory);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    QCoreApplication application(argc, argv);
+    // Without a display the clipboard and windows still work, inside this
+    // process, on Qt's offscreen platform.
+    if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
+        && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    ensureRuntimeDirectory();
+    QGuiApplication application(argc, argv);
     const QStringList args = application.arguments().mid(1);
     QString program;
     QString fileName;
@@ -54,5 +77,7 @@ int main(int argc, char **argv)
     }
     if (const auto text = host.printable(outcome.value))
         writeTo(stdout, *text);
+    // Work the script left for later, such as a clipboard to put back.
+    DeferredCalls::waitForPending(5000);
     return 0;
 }

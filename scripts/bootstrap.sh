@@ -10,7 +10,7 @@ packages=(
   libgl-dev
   libicu-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb xauth
+  xvfb xauth libx11-dev libxtst-dev
   clang libclang-rt-14-dev
 )
 

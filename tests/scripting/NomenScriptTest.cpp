@@ -45,6 +45,7 @@ const QStringList textSelectors = {
     "validateWithRegEx:", "grep:options:", "substringsMatchingRegularExpression:count:options:ranges:error:"};
 
 struct ClassSelectors {
+    const char *subsystem; // which golden run calls them
     MethodKind kind;
     const char *className;
     QStringList selectors;
@@ -52,36 +53,41 @@ struct ClassSelectors {
 
 // Every selector scripts may call, by class, spelled exactly as they call it.
 const QList<ClassSelectors> scriptSelectors = {
-    {MethodKind::Instance, "NSString", textSelectors},
-    {MethodKind::Class, "NSCharacterSet", {"allWhitespaceCharacterSet", "newlineCharacterSet"}},
-    {MethodKind::Instance, "NSAppleEventDescriptor",
+    {"text", MethodKind::Instance, "NSString", textSelectors},
+    {"text", MethodKind::Class, "NSCharacterSet", {"allWhitespaceCharacterSet", "newlineCharacterSet"}},
+    {"bridge", MethodKind::Instance, "NSAppleEventDescriptor",
      {"aeDescriptorValue", "objCObjectValue", "logDescriptorType", "isMissingValue", "int16Value",
       "unsignedInt32Value", "float32Value", "float64Value", "longDateTimeValue"}},
-    {MethodKind::Class, "NSAppleEventDescriptor",
+    {"bridge", MethodKind::Class, "NSAppleEventDescriptor",
      {"descriptorWithInt16:", "descriptorWithUnsignedInt32:", "descriptorWithFloat32:", "descriptorWithFloat64:",
       "descriptorWithLongDateTime:", "registerConversionSubroutine:selector:forDescriptorTypes:"}},
-    {MethodKind::Instance, "NSNumber",
+    {"bridge", MethodKind::Instance, "NSNumber",
      {"aeDescriptorValue", "ROZ_DescriptorValueWithSignedIntP:byteCount:",
       "ROZ_DescriptorValueWithUnsignedIntP:byteCount:", "ROZ_DescriptorValueWithFloatP:byteCount:"}},
-    {MethodKind::Class, "NSNumber",
+    {"bridge", MethodKind::Class, "NSNumber",
      {"numberWithAEDesc:", "ROZ_NumberWithSignedIntP:byteCount:", "ROZ_NumberWithUnsignedIntP:byteCount:",
       "ROZ_NumberWithFloatP:byteCount:"}},
-    {MethodKind::Instance, "NSString", {"aeDescriptorValue"}},
-    {MethodKind::Instance, "NSArray", {"aeDescriptorValue"}},
-    {MethodKind::Instance, "NSDictionary", {"aeDescriptorValue"}},
-    {MethodKind::Instance, "NSDate", {"aeDescriptorValue"}},
-    {MethodKind::Class, "NSArray", {"arrayWithAEDesc:"}},
-    {MethodKind::Class, "NSDictionary", {"dictionaryWithAEDesc:"}},
-    {MethodKind::Class, "NSString", {"stringWithAEDesc:"}},
-    {MethodKind::Class, "NSNull", {"nullWithAEDesc:"}},
-    {MethodKind::Class, "NSDate", {"dateWithAEDesc:"}},
-    {MethodKind::Instance, "NSData", {"offsetOfData:"}},
-    {MethodKind::Instance, "NSAppleScript",
+    {"bridge", MethodKind::Instance, "NSString", {"aeDescriptorValue"}},
+    {"bridge", MethodKind::Instance, "NSArray", {"aeDescriptorValue"}},
+    {"bridge", MethodKind::Instance, "NSDictionary", {"aeDescriptorValue"}},
+    {"bridge", MethodKind::Instance, "NSDate", {"aeDescriptorValue"}},
+    {"bridge", MethodKind::Class, "NSArray", {"arrayWithAEDesc:"}},
+    {"bridge", MethodKind::Class, "NSDictionary", {"dictionaryWithAEDesc:"}},
+    {"bridge", MethodKind::Class, "NSString", {"stringWithAEDesc:"}},
+    {"bridge", MethodKind::Class, "NSNull", {"nullWithAEDesc:"}},
+    {"bridge", MethodKind::Class, "NSDate", {"dateWithAEDesc:"}},
+    {"bridge", MethodKind::Instance, "NSData", {"offsetOfData:"}},
+    {"bridge", MethodKind::Instance, "NSAppleScript",
      {"ROZ_runScriptSubroutine:", "ROZ_runScriptSubroutine:withParameter:", "ROZ_runScriptSubroutine:withParameters:",
       "ROZ_runScriptSubroutine:withParametersFromArray:",
       "ROZ_ExecuteWithoutTranslationSubroutine:error:withParametersDesc:", "ROZ_HandleASError:"}},
-    {MethodKind::Class, "NSAppleScript", {"ROZ_subroutinesInScriptFile:", "ROZ_validSubroutinesFromArray:inScriptFile:"}},
-    {MethodKind::Class, "ROZ_MiscMethods", {"runScript:", "runScriptFile:"}},
+    {"bridge", MethodKind::Class, "NSAppleScript", {"ROZ_subroutinesInScriptFile:", "ROZ_validSubroutinesFromArray:inScriptFile:"}},
+    {"bridge", MethodKind::Class, "ROZ_MiscMethods", {"runScript:", "runScriptFile:"}},
+    {"desktop", MethodKind::Class, "ROZ_MiscMethods",
+     {"runTask:withArguments:onData:atWorkingDirectory:", "returnOSVersion", "return104Plus", "return105Plus",
+      "returnHostName", "returnShortUserName", "returnFullUserName", "returnFullUserNameInits",
+      "returnClipboardString", "returnClipboard", "setClipboard:", "resetClipboard:", "pasteAndRestore:",
+      "returnStartupItem", "setStartupItem:"}},
 };
 
 TEST(MethodTable, RegistersEverySelectorByItsExactName)
@@ -114,7 +120,7 @@ TEST(NomenScript, AnswersEveryScriptBridgeSelectorByName)
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_EQ(run.out, readFile(QStringLiteral(NOMEN_TEST_DATA "/script_bridge.expected")));
     for (const ClassSelectors &group : scriptSelectors) {
-        if (QStringLiteral("NSString NSCharacterSet").contains(QLatin1String(group.className)))
+        if (QLatin1String(group.subsystem) != QLatin1String("bridge"))
             continue;
         for (const QString &selector : group.selectors) {
             EXPECT_TRUE(run.out.contains(selector) || selector == QLatin1String("logDescriptorType"))
@@ -122,6 +128,47 @@ TEST(NomenScript, AnswersEveryScriptBridgeSelectorByName)
         }
     }
     EXPECT_TRUE(run.err.contains(QStringLiteral("] typeAEList\n"))) << "logDescriptorType writes the type's name";
+}
+
+TEST(NomenScript, AnswersEveryDesktopSelectorByName)
+{
+    // Without a display: the clipboard lives in the process, and the paste
+    // has no window to go to but the old contents still come back.
+    QTemporaryDir config;
+    const QString script = QStringLiteral(R"JS(
+        var M = "ROZ_MiscMethods";
+        var r = {};
+        r.task = callClassMethod(M, "runTask:withArguments:onData:atWorkingDirectory:", ["/bin/cat", ["-"], "fed\n\n", ""]);
+        r.version = callClassMethod(M, "returnOSVersion");
+        r.plus = [callClassMethod(M, "return104Plus"), callClassMethod(M, "return105Plus")];
+        r.names = [callClassMethod(M, "returnHostName"), callClassMethod(M, "returnShortUserName"),
+                   callClassMethod(M, "returnFullUserName"), callClassMethod(M, "returnFullUserNameInits")];
+        r.set = callClassMethod(M, "setClipboard:", ["first"]);
+        var saved = callClassMethod(M, "returnClipboard");
+        callClassMethod(M, "setClipboard:", ["second"]);
+        r.second = callClassMethod(M, "returnClipboardString");
+        callClassMethod(M, "resetClipboard:", [saved]);
+        r.restored = callClassMethod(M, "returnClipboardString");
+        callClassMethod(M, "pasteAndRestore:", ["pasted"]);
+        r.duringPaste = callClassMethod(M, "returnClipboardString");
+        callClassMethod(M, "setStartupItem:", [true]);
+        r.startup = callClassMethod(M, "returnStartupItem");
+        callClassMethod(M, "setStartupItem:", [false]);
+        r.startupAfter = callClassMethod(M, "returnStartupItem");
+        [r.task, /^\d+\.\d+\.\d+ \((Intel|PPC)\)$/.test(r.version), typeof r.plus[0], typeof r.names[0],
+         r.set, r.second, r.restored, r.duringPaste, r.startup, r.startupAfter].join("|")
+    )JS");
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(NOMEN_SCRIPT_PATH), {QStringLiteral("-e"), script});
+    ASSERT_TRUE(process.waitForFinished(30000));
+    EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()),
+              QStringLiteral("fed|true|boolean|string|true|second|first|pasted|true|false\n"))
+        << process.readAllStandardError().toStdString();
 }
 
 TEST(NomenScript, PrintsTheCompletionValue)

@@ -1,0 +1,6 @@
+#pragma once
+
+class MethodRegistry;
+
+// The desktop services, as class methods of ROZ_MiscMethods.
+void registerDesktopMethods(MethodRegistry &registry);
