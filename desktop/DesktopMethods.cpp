@@ -52,4 +52,7 @@ void registerDesktopMethods(MethodRegistry &registry)
 
     addClassMethod(registry, Misc, QStringLiteral("returnStartupItem"), &M::returnStartupItem);
     addClassMethod(registry, Misc, QStringLiteral("setStartupItem:"), &M::setStartupItem);
+
+    registerFileItemMethods(registry);
+    installKeyEventTracking();
 }

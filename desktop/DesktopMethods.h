@@ -4,3 +4,5 @@ class MethodRegistry;
 
 // The desktop services, as class methods of ROZ_MiscMethods.
 void registerDesktopMethods(MethodRegistry &registry);
+// Paths, file items, type tests, introspection and colours.
+void registerFileItemMethods(MethodRegistry &registry);

@@ -2,8 +2,12 @@
 
 #include <QString>
 #include <QStringList>
+#include <QDateTime>
 #include <QVariant>
 #include <optional>
+
+class QColor;
+class QTreeView;
 
 // The desktop services scripts reach as class methods of ROZ_MiscMethods.
 // The implementation is split by concern: tasks, system information,
@@ -38,7 +42,84 @@ public:
     // Login items: a freedesktop autostart entry for this executable.
     static bool returnStartupItem();
     static void setStartupItem(bool enabled);
+
+    // File items. Every path may be a POSIX or a colon path. Answers that
+    // mix kinds (a date, or NO for a missing item) are values.
+    static bool itemExists(const QString &path);
+    static QVariant returnCreationDate(const QString &path);
+    static QVariant returnModificationDate(const QString &path);
+    static QVariantMap returnCreationAndModificationDate(const QString &path);
+    static QString returnCreatorCode(const QString &path);
+    static QString returnFileType(const QString &path);
+    static std::optional<QVariantMap> returnItemInfo(const QString &path);
+    static QVariant returnItemUTI(const QString &path);
+    static QVariant returnItemDisplayKind(const QString &path);
+    static QVariant returnItemDefaultApp(const QString &path);
+    static bool returnItemIsImage(const QString &path);
+    static QString returnItemName(const QString &path);
+    static QString returnItemDisplayedName(const QString &path);
+    static QString returnItemExtension(const QString &path);
+    static QString returnItemContainer(const QString &path);
+    static bool returnItemIsLocked(const QString &path);
+    static QString returnItemOwner(const QString &path);
+    static QString returnItemGroup(const QString &path);
+    static QVariant returnItemPermissions(const QString &path);
+    static QVariant returnItemVisiblity(const QString &path); // YES, NO, or nil for a hidden-list entry
+    static bool returnItemIsFolder(const QString &path);
+    static bool returnItemIsPackage(const QString &path);
+    static bool returnItemIsWritable(const QString &path);
+    static std::optional<QStringList> returnFolderContents(const QString &path);
+    static QVariantMap returnCompleteFolderContents(const QString &path, bool withInvisibles);
+
+    // Setters answer YES on success. Linux keeps no settable creation date,
+    // so changes that must set one answer NO.
+    static bool setCreationDate(const QString &path, const QString &date);
+    static bool setModificationDate(const QString &path, const QString &date);
+    static bool setCreationAndModificationDate(const QString &path, const QString &date);
+    static bool randomizeDate(const QString &path);
+    static QString randomDateString();
+    static bool setCreatorCode(const QString &path, const QString &code);
+    static bool setFileType(const QString &path, const QString &type);
+    static bool setItemName(const QString &path, const QString &name);
+    static bool setItemOwner(const QString &path, const QString &owner);
+    static bool setItemGroup(const QString &path, const QString &group);
+    static bool setItemPermissions(const QString &path, const QVariant &permissions);
+
+    // The file manager's attribute dictionary of an item (its own, not its
+    // link target's), with the "NSFile..." keys.
+    static std::optional<QVariantMap> attributesOfItem(const QString &path);
+    // "2005-03-14 09:05:00 +0100"
+    static std::optional<QDateTime> dateFromString(const QString &text);
+
+    // Keys, values of loose kinds, and type tests.
+    static bool deleteKeyPressed(const QVariant &keyCode);
+    static bool arrowKeyPressed(const QVariant &ignored);
+    static quint32 uintForElement(const QVariant &element);
+    static QVariant stringForElement(const QVariant &element);
+    static QVariant dateForElement(const QVariant &element);
+    static bool isThisAString(const QVariant &element);
+    static bool isThisAnArray(const QVariant &element);
+    static bool isThisADictionary(const QVariant &element);
+    static bool isThisANumber(const QVariant &element);
+    static bool isThisADate(const QVariant &element);
+    static bool isThisABoolean(const QVariant &element);
+
+    // Images and outline rows.
+    static QVariant returnImage(const QString &path);
+    static QVariant returnIcon(const QString &path);
+    static bool expandOutlineItem(QTreeView *outline, int row);
+    static bool isOutlineItemExpanded(QTreeView *outline, int row);
 };
+
+// Colours kept in dictionaries as their archived bytes.
+namespace ROZ_ColorArchiving {
+QByteArray archivedData(const QColor &color);
+std::optional<QColor> colorFromData(const QByteArray &data);
+} // namespace ROZ_ColorArchiving
+
+// Key events are tracked from the start, so that the current one is known
+// when a script asks.
+void installKeyEventTracking();
 
 // Keys shared with other applications.
 namespace ROZ_GlobalKeys {

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QVariant>
 #include <functional>
+#include <optional>
 
 // One call as the bridge hands it to native code: the receiver (nil for a
 // class method), the arguments in order, and what the method leaves in its
@@ -18,6 +19,9 @@ struct Invocation {
     QVariantList arguments;
     QList<bool> boxed;            // whether argument i came as a box to fill
     QMap<int, QVariant> outputs;  // out-parameter index -> value to store
+    // A method that changes its receiver (a mutable dictionary) leaves the
+    // new value here, for the bridge to write into the script's object.
+    std::optional<QVariant> receiverOutput;
 
     bool hasBox(int index) const { return index < boxed.size() && boxed[index]; }
 };

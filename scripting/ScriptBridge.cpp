@@ -96,6 +96,10 @@ QJSValue ScriptBridge::dispatch(MethodKind kind, const QString &className, const
             invocation.boxed.append(JsValues::isBox(param));
         }
         const QVariant result = (*native)(invocation);
+        if (invocation.receiverOutput && JsValues::isBox(receiver)) {
+            QJSValue box = receiver;
+            JsValues::fillBox(m_engine, box, *invocation.receiverOutput);
+        }
         for (auto it = invocation.outputs.cbegin(); it != invocation.outputs.cend(); ++it) {
             QJSValue box = params.property(quint32(it.key()));
             JsValues::fillBox(m_engine, box, it.value());

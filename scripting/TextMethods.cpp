@@ -1,6 +1,8 @@
 #include "TextMethods.h"
 
+#include "DictionaryAdditions.h"
 #include "NativeBinding.h"
+#include "SortFunctions.h"
 #include "StringAdditions.h"
 
 namespace {
@@ -31,6 +33,60 @@ QVariant substringsMatching(Invocation &invocation)
     if (invocation.hasBox(4))
         invocation.outputs[4] = error ? QVariant::fromValue(*error) : QVariant();
     return ArgumentConversion::toVariant(matches);
+}
+
+// A setter of a mutable dictionary: the receiver comes back changed.
+template <typename T, void (*setter)(QVariantMap &, T, const QString &)>
+QVariant dictionarySetter(Invocation &invocation)
+{
+    using ArgumentConversion::convert;
+    QVariantMap self = convert<QVariantMap>(invocation.receiver, -1);
+    setter(self, convert<T>(invocation.arguments[0], 0), convert<QString>(invocation.arguments[1], 1));
+    invocation.receiverOutput = self;
+    return QVariant();
+}
+
+void registerDictionaryMethods(MethodRegistry &registry)
+{
+    using namespace ROZ_NSDictionaryAdditions;
+    using NativeBinding::addInstanceMethod;
+    for (const QString &dictionary : {QStringLiteral("NSDictionary"), QStringLiteral("NSMutableDictionary")}) {
+        registry.addInstanceMethod(dictionary, QStringLiteral("setBool:forKey:"),
+                                   &dictionarySetter<bool, &ROZ_NSMutableDictionaryAdditions::setBool>);
+        registry.addInstanceMethod(dictionary, QStringLiteral("setInteger:forKey:"),
+                                   &dictionarySetter<qint32, &ROZ_NSMutableDictionaryAdditions::setInteger>);
+        registry.addInstanceMethod(dictionary, QStringLiteral("setUnsignedInteger:forKey:"),
+                                   &dictionarySetter<quint32, &ROZ_NSMutableDictionaryAdditions::setUnsignedInteger>);
+        registry.addInstanceMethod(dictionary, QStringLiteral("setFloat:forKey:"),
+                                   &dictionarySetter<float, &ROZ_NSMutableDictionaryAdditions::setFloat>);
+    }
+    const QString NSDictionary = QStringLiteral("NSDictionary");
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("stringForKey:"), &stringForKey);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("dateForKey:"), &dateForKey);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("boolForKey:"), &boolForKey);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("integerForKey:"), &integerForKey);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("floatForKey:"), &floatForKey);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("uintForKey:"), &uintForKey);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("size"), &size);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("owner"), &owner);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("posixPermissions"), &posixPermissions);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("creationDate"), &creationDate);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("modificationDate"), &modificationDate);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("type"), &type);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isType:"), &isType);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isDirectory"), &isDirectory);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isFile"), &isFile);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isSymbolicLink"), &isSymbolicLink);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isSocket"), &isSocket);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isCharacterSpecial"), &isCharacterSpecial);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isBlockSpecial"), &isBlockSpecial);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isUnknownType"), &isUnknownType);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isExtensionHidden"), &isExtensionHidden);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("hfsCreatorCode"), &hfsCreatorCode);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("hfsTypeCode"), &hfsTypeCode);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isReadOnly"), &isReadOnly);
+    addInstanceMethod(registry, NSDictionary, QStringLiteral("isAppendOnly"), &isAppendOnly);
+    NativeBinding::addClassMethod(registry, NSDictionary, QStringLiteral("osType:"), &osType);
 }
 
 } // namespace
@@ -89,4 +145,8 @@ void registerTextMethods(MethodRegistry &registry)
     addInstanceMethod(registry, NSString, QStringLiteral("grep:options:"), &grep);
     registry.addInstanceMethod(NSString, QStringLiteral("substringsMatchingRegularExpression:count:options:ranges:error:"),
                                &substringsMatching);
+
+    // Sorting and dictionaries.
+    addInstanceMethod(registry, NSString, QStringLiteral("stringAsNumberSort:"), &ROZ_NSStringAdditions::stringAsNumberSort);
+    registerDictionaryMethods(registry);
 }

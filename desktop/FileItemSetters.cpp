@@ -1,0 +1,198 @@
+#include "MiscMethods.h"
+
+#include "FileMoves.h"
+#include "FileStatus.h"
+#include "PathConversion.h"
+#include "StringAdditions.h"
+#include "DictionaryAdditions.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTimeZone>
+#include <fcntl.h>
+#include <grp.h>
+#include <pwd.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char **environ;
+
+using ROZ_PathConversion::pathPOSIX;
+
+namespace {
+
+// The platform's HFS code conversion reads exactly four characters.
+std::optional<quint32> codeFrom(const QString &text)
+{
+    if (text.size() != 4)
+        return quint32(0);
+    quint32 code = 0;
+    for (QChar c : text) {
+        if (c.unicode() > 0xFF)
+            return std::nullopt;
+        code = (code << 8) | c.unicode();
+    }
+    return code;
+}
+
+// Runs a change with administrator rights through polkit's pkexec, which
+// asks for the password; answers whether the change succeeded.
+bool runAsAdministrator(const QStringList &command)
+{
+    const QString pkexec = QStandardPaths::findExecutable(QStringLiteral("pkexec"));
+    if (pkexec.isEmpty())
+        return false;
+    std::vector<QByteArray> bytes = {QFile::encodeName(pkexec)};
+    for (const QString &word : command)
+        bytes.push_back(word.toLocal8Bit());
+    std::vector<char *> argv;
+    for (QByteArray &word : bytes)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    pid_t pid = -1;
+    if (posix_spawn(&pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0)
+        return false;
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool setOwnership(const QString &path, const QString &owner, const QString &group)
+{
+    const passwd *user = getpwnam(owner.toLocal8Bit().constData());
+    const struct group *team = getgrnam(group.toLocal8Bit().constData());
+    if (user && team && chown(QFile::encodeName(path).constData(), user->pw_uid, team->gr_gid) == 0)
+        return true;
+    return runAsAdministrator({QStringLiteral("chown"), owner + u':' + group, path});
+}
+
+} // namespace
+
+std::optional<QDateTime> ROZ_MiscMethods::dateFromString(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral(
+        "^\\s*(\\d{4})-(\\d{1,2})-(\\d{1,2}) (\\d{1,2}):(\\d{1,2}):(\\d{1,2}) ([+-])(\\d{2})(\\d{2})\\s*$"));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QDate date(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt());
+    const QTime time(match.captured(4).toInt(), match.captured(5).toInt(), match.captured(6).toInt());
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    const int offset = (match.captured(8).toInt() * 3600 + match.captured(9).toInt() * 60)
+                       * (match.captured(7) == QLatin1String("-") ? -1 : 1);
+    return QDateTime(date, time, QTimeZone(offset)).toLocalTime();
+}
+
+bool ROZ_MiscMethods::setCreationDate(const QString &, const QString &)
+{
+    // Linux has no call that sets a birth time.
+    return false;
+}
+
+bool ROZ_MiscMethods::setModificationDate(const QString &path, const QString &date)
+{
+    const auto when = dateFromString(date);
+    const QString posix = pathPOSIX(path);
+    if (!when || !FileStatus::of(posix, true))
+        return false;
+    const qint64 ms = when->toMSecsSinceEpoch();
+    const timespec times[2] = {{0, UTIME_OMIT}, {time_t(ms / 1000), long((ms % 1000) * 1000000)}};
+    return utimensat(AT_FDCWD, QFile::encodeName(posix).constData(), times, 0) == 0;
+}
+
+bool ROZ_MiscMethods::setCreationAndModificationDate(const QString &path, const QString &date)
+{
+    // Both dates change in one go or not at all, and the creation date
+    // cannot be set here: nothing changes.
+    Q_UNUSED(path);
+    Q_UNUSED(date);
+    return false;
+}
+
+QString ROZ_MiscMethods::randomDateString()
+{
+    // The zero hour, minute and second never come up, and no day after the
+    // 28th: kept as it always was.
+    QRandomGenerator *random = QRandomGenerator::global();
+    const int year = random->bounded(2002, 2007);
+    const int month = random->bounded(1, 13);
+    const int day = random->bounded(1, 29);
+    const int hour = random->bounded(1, 24);
+    const int minute = random->bounded(1, 60);
+    const int second = random->bounded(1, 60);
+    return QString::asprintf("%d-%02d-%02d %02d:%02d:%02d +0600", year, month, day, hour, minute, second);
+}
+
+bool ROZ_MiscMethods::randomizeDate(const QString &path)
+{
+    return setCreationAndModificationDate(path, randomDateString());
+}
+
+bool ROZ_MiscMethods::setCreatorCode(const QString &path, const QString &code)
+{
+    const QString posix = pathPOSIX(path);
+    const auto value = codeFrom(code);
+    return value && FileStatus::of(posix, true) && FinderInfo::writeCodes(posix, std::nullopt, *value);
+}
+
+bool ROZ_MiscMethods::setFileType(const QString &path, const QString &type)
+{
+    const QString posix = pathPOSIX(path);
+    const auto value = codeFrom(type);
+    return value && FileStatus::of(posix, true) && FinderInfo::writeCodes(posix, *value, std::nullopt);
+}
+
+bool ROZ_MiscMethods::setItemName(const QString &path, const QString &name)
+{
+    const QString posix = pathPOSIX(path);
+    if (!FileStatus::of(posix, false) || name.isEmpty() || name.contains(u'/'))
+        return false;
+    const QString renamed = ROZ_NSStringAdditions::desuffix(posix, returnItemName(posix)) + name;
+    return FileMoves::moveWithoutReplacing(posix, renamed) == 0;
+}
+
+bool ROZ_MiscMethods::setItemOwner(const QString &path, const QString &owner)
+{
+    const QString posix = pathPOSIX(path);
+    const auto status = FileStatus::of(posix, true);
+    if (!status)
+        return false;
+    if (FileStatus::ownerName(status->owner) == owner)
+        return true;
+    return setOwnership(posix, owner, FileStatus::groupName(status->group));
+}
+
+bool ROZ_MiscMethods::setItemGroup(const QString &path, const QString &group)
+{
+    const QString posix = pathPOSIX(path);
+    const auto status = FileStatus::of(posix, true);
+    if (!status)
+        return false;
+    if (FileStatus::groupName(status->group) == group)
+        return true;
+    return setOwnership(posix, FileStatus::ownerName(status->owner), group);
+}
+
+bool ROZ_MiscMethods::setItemPermissions(const QString &path, const QVariant &permissions)
+{
+    const QString posix = pathPOSIX(path);
+    const auto status = FileStatus::of(posix, true);
+    if (!status)
+        return false;
+    // Compared by integer value; text is read as the platform reads numbers.
+    const int requested = permissions.typeId() == QMetaType::QString
+                              ? ROZ_NSDictionaryAdditions::intValue(permissions.toString())
+                              : permissions.toInt();
+    if (int(status->mode & 07777) == requested)
+        return true;
+    if (chmod(QFile::encodeName(posix).constData(), mode_t(requested) & 07777) == 0)
+        return true;
+    // The text form goes to chmod, which reads it as an octal mode.
+    return runAsAdministrator({QStringLiteral("chmod"), QString::number(requested), posix});
+}

@@ -1,0 +1,226 @@
+#include "MiscMethods.h"
+
+#include "DictionaryAdditions.h"
+#include "FileStatus.h"
+#include "PathConversion.h"
+#include "StringAdditions.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using ROZ_PathConversion::pathHFS;
+using ROZ_PathConversion::pathPOSIX;
+
+namespace {
+
+const QVariant NO = QVariant(false);
+
+QString fourCharacters(quint32 code)
+{
+    QString text;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        text += QChar(char16_t((code >> shift) & 0xFF));
+    return text;
+}
+
+// The platform's last path component: trailing slashes do not count, and
+// the root is itself.
+QString lastPathComponent(const QString &path)
+{
+    QString trimmed = path;
+    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
+        trimmed.chop(1);
+    if (trimmed == QLatin1String("/"))
+        return trimmed;
+    return trimmed.section(u'/', -1);
+}
+
+QString parentOf(const QString &posix)
+{
+    QString trimmed = posix;
+    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
+        trimmed.chop(1);
+    const qsizetype slash = trimmed.lastIndexOf(u'/');
+    if (slash < 0)
+        return QStringLiteral(".");
+    return slash == 0 ? QStringLiteral("/") : trimmed.left(slash);
+}
+
+} // namespace
+
+bool ROZ_MiscMethods::itemExists(const QString &path)
+{
+    return FileStatus::of(pathPOSIX(path), true).has_value();
+}
+
+QVariant ROZ_MiscMethods::returnCreationDate(const QString &path)
+{
+    const auto status = FileStatus::of(pathPOSIX(path), true);
+    return status && status->created ? QVariant(*status->created) : NO;
+}
+
+QVariant ROZ_MiscMethods::returnModificationDate(const QString &path)
+{
+    const auto status = FileStatus::of(pathPOSIX(path), true);
+    return status ? QVariant(status->modified) : NO;
+}
+
+QVariantMap ROZ_MiscMethods::returnCreationAndModificationDate(const QString &path)
+{
+    return {{QStringLiteral("creation_date"), returnCreationDate(path)},
+            {QStringLiteral("modification_date"), returnModificationDate(path)}};
+}
+
+QString ROZ_MiscMethods::returnCreatorCode(const QString &path)
+{
+    const auto info = FinderInfo::read(pathPOSIX(path));
+    return info && info->creator ? fourCharacters(info->creator) : QString(QLatin1String(""));
+}
+
+QString ROZ_MiscMethods::returnFileType(const QString &path)
+{
+    const auto info = FinderInfo::read(pathPOSIX(path));
+    if (!info || !info->type)
+        return QString(QLatin1String(""));
+    // Spelled as the platform quotes a type, then unquoted.
+    const QString quoted = u'\'' + fourCharacters(info->type) + u'\'';
+    return ROZ_NSStringAdditions::desuffix(ROZ_NSStringAdditions::deprefix(quoted, QStringLiteral("'")),
+                                           QStringLiteral("'"));
+}
+
+QString ROZ_MiscMethods::returnItemName(const QString &path)
+{
+    return lastPathComponent(pathPOSIX(path));
+}
+
+QString ROZ_MiscMethods::returnItemDisplayedName(const QString &path)
+{
+    const QString posix = pathPOSIX(path);
+    if (!FileStatus::of(posix, true))
+        return QString(QLatin1String(""));
+    return lastPathComponent(posix);
+}
+
+QString ROZ_MiscMethods::returnItemExtension(const QString &path)
+{
+    const QString posix = pathPOSIX(path);
+    const auto status = FileStatus::of(posix, true);
+    if (status && status->isDirectory())
+        return QString(QLatin1String(""));
+    const QString name = lastPathComponent(posix);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.mid(dot + 1) : QString(QLatin1String(""));
+}
+
+QString ROZ_MiscMethods::returnItemContainer(const QString &path)
+{
+    const QString posix = pathPOSIX(path);
+    QString container = parentOf(posix);
+    if (!container.endsWith(u'/'))
+        container += u'/';
+    return posix == path ? container : pathHFS(container);
+}
+
+bool ROZ_MiscMethods::returnItemIsLocked(const QString &path)
+{
+    const auto flags = FileStatus::flags(pathPOSIX(path));
+    return flags && uintForElement(QVariant(flags->immutable ? 1u : 0u)) != 0;
+}
+
+QString ROZ_MiscMethods::returnItemOwner(const QString &path)
+{
+    const auto status = FileStatus::of(pathPOSIX(path), true);
+    return status ? FileStatus::ownerName(status->owner) : QString(QLatin1String(""));
+}
+
+QString ROZ_MiscMethods::returnItemGroup(const QString &path)
+{
+    const auto status = FileStatus::of(pathPOSIX(path), true);
+    return status ? FileStatus::groupName(status->group) : QString(QLatin1String(""));
+}
+
+QVariant ROZ_MiscMethods::returnItemPermissions(const QString &path)
+{
+    const auto status = FileStatus::of(pathPOSIX(path), true);
+    return status ? QVariant(int(status->mode & 07777)) : QVariant(QString(QLatin1String("")));
+}
+
+bool ROZ_MiscMethods::returnItemIsFolder(const QString &path)
+{
+    const auto status = FileStatus::of(pathPOSIX(path), false);
+    return status && status->isDirectory();
+}
+
+bool ROZ_MiscMethods::returnItemIsPackage(const QString &)
+{
+    // Linux file managers show every folder as a folder: there are no
+    // packages to treat as single items.
+    return false;
+}
+
+bool ROZ_MiscMethods::returnItemIsWritable(const QString &path)
+{
+    const QByteArray bytes = QFile::encodeName(pathPOSIX(path));
+    return !bytes.isEmpty() && access(bytes.constData(), W_OK) == 0;
+}
+
+std::optional<QStringList> ROZ_MiscMethods::returnFolderContents(const QString &path)
+{
+    const QString posix = pathPOSIX(path);
+    const auto status = FileStatus::of(posix, true);
+    if (!status || !status->isDirectory())
+        return std::nullopt;
+    return QDir(posix).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                                 QDir::Name);
+}
+
+std::optional<QVariantMap> ROZ_MiscMethods::attributesOfItem(const QString &path)
+{
+    using namespace FileAttributeKeys;
+    const QString posix = pathPOSIX(path);
+    const auto status = FileStatus::of(posix, false);
+    if (!status)
+        return std::nullopt;
+    QString type = TypeUnknown;
+    if (S_ISDIR(status->mode))
+        type = TypeDirectory;
+    else if (S_ISREG(status->mode))
+        type = TypeRegular;
+    else if (S_ISLNK(status->mode))
+        type = TypeSymbolicLink;
+    else if (S_ISSOCK(status->mode))
+        type = TypeSocket;
+    else if (S_ISCHR(status->mode))
+        type = TypeCharacterSpecial;
+    else if (S_ISBLK(status->mode))
+        type = TypeBlockSpecial;
+    QVariantMap attributes = {
+        {Size, QVariant::fromValue(qulonglong(status->size))},
+        {Type, type},
+        {OwnerAccountName, FileStatus::ownerName(status->owner)},
+        {GroupOwnerAccountName, FileStatus::groupName(status->group)},
+        {OwnerAccountID, QVariant::fromValue(qulonglong(status->owner))},
+        {GroupOwnerAccountID, QVariant::fromValue(qulonglong(status->group))},
+        {PosixPermissions, QVariant::fromValue(qulonglong(status->mode & 07777))},
+        {ModificationDate, status->modified},
+        {ReferenceCount, QVariant::fromValue(qulonglong(status->links))},
+        {SystemNumber, QVariant::fromValue(qulonglong(status->device))},
+        {SystemFileNumber, QVariant::fromValue(qulonglong(status->inode))},
+        {ExtensionHidden, false},
+    };
+    if (status->created)
+        attributes.insert(CreationDate, *status->created);
+    if (!status->isSymbolicLink()) {
+        if (const auto info = FinderInfo::read(posix)) {
+            attributes.insert(HFSCreatorCode, QVariant::fromValue(qulonglong(info->creator)));
+            attributes.insert(HFSTypeCode, QVariant::fromValue(qulonglong(info->type)));
+        }
+        if (const auto flags = FileStatus::flags(posix)) {
+            attributes.insert(Immutable, flags->immutable);
+            attributes.insert(AppendOnly, flags->appendOnly);
+        }
+    }
+    return attributes;
+}

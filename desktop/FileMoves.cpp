@@ -1,0 +1,21 @@
+#include "FileMoves.h"
+
+#include <QFile>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+
+namespace FileMoves {
+
+int moveWithoutReplacing(const QString &from, const QString &to)
+{
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray destination = QFile::encodeName(to);
+    if (source.isEmpty() || destination.isEmpty())
+        return ENOENT;
+    if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, destination.constData(), RENAME_NOREPLACE) == 0)
+        return 0;
+    return errno;
+}
+
+} // namespace FileMoves

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+// Moves an item without ever replacing one: the move fails when the
+// destination exists, atomically on one file system (renameat2 with
+// RENAME_NOREPLACE). Answers an errno-style code, 0 on success.
+namespace FileMoves {
+int moveWithoutReplacing(const QString &from, const QString &to);
+}

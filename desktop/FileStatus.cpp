@@ -1,0 +1,134 @@
+#include "FileStatus.h"
+
+#include <QFile>
+#include <QHash>
+#include <QMutex>
+#include <QtEndian>
+#include <cerrno>
+#include <fcntl.h>
+#include <grp.h>
+#include <linux/fs.h>
+#include <pwd.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+bool ItemStatus::isDirectory() const
+{
+    return S_ISDIR(mode);
+}
+
+bool ItemStatus::isSymbolicLink() const
+{
+    return S_ISLNK(mode);
+}
+
+namespace {
+
+QDateTime fromTimestamp(const statx_timestamp &time)
+{
+    return QDateTime::fromMSecsSinceEpoch(qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000);
+}
+
+} // namespace
+
+namespace FileStatus {
+
+std::optional<ItemStatus> of(const QString &path, bool followLinks)
+{
+    const QByteArray bytes = QFile::encodeName(path);
+    struct statx info {};
+    const int flags = AT_STATX_SYNC_AS_STAT | (followLinks ? 0 : AT_SYMLINK_NOFOLLOW);
+    if (bytes.isEmpty() || statx(AT_FDCWD, bytes.constData(), flags, STATX_BASIC_STATS | STATX_BTIME, &info) != 0)
+        return std::nullopt;
+    ItemStatus status;
+    status.mode = info.stx_mode;
+    status.owner = info.stx_uid;
+    status.group = info.stx_gid;
+    status.size = info.stx_size;
+    status.inode = info.stx_ino;
+    status.device = makedev(info.stx_dev_major, info.stx_dev_minor);
+    status.links = info.stx_nlink;
+    status.modified = fromTimestamp(info.stx_mtime);
+    if (info.stx_mask & STATX_BTIME)
+        status.created = fromTimestamp(info.stx_btime);
+    return status;
+}
+
+QString ownerName(uid_t uid)
+{
+    // Listing a large folder asks for the same few names again and again.
+    static QMutex lock;
+    static QHash<uid_t, QString> names;
+    QMutexLocker guard(&lock);
+    if (const auto found = names.constFind(uid); found != names.constEnd())
+        return *found;
+    const passwd *entry = getpwuid(uid);
+    return names[uid] = entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(uid);
+}
+
+QString groupName(gid_t gid)
+{
+    static QMutex lock;
+    static QHash<gid_t, QString> names;
+    QMutexLocker guard(&lock);
+    if (const auto found = names.constFind(gid); found != names.constEnd())
+        return *found;
+    const group *entry = getgrgid(gid);
+    return names[gid] = entry ? QString::fromLocal8Bit(entry->gr_name) : QString::number(gid);
+}
+
+std::optional<Flags> flags(const QString &path)
+{
+    // Only files and folders are opened: opening a device or a pipe could
+    // have effects of its own.
+    const auto status = of(path, true);
+    if (!status)
+        return std::nullopt;
+    if (!S_ISREG(status->mode) && !S_ISDIR(status->mode))
+        return Flags{};
+    const int fd = open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0)
+        return std::nullopt;
+    int bits = 0;
+    const bool ok = ioctl(fd, FS_IOC_GETFLAGS, &bits) == 0;
+    close(fd);
+    if (!ok)
+        return Flags{};
+    return Flags{(bits & FS_IMMUTABLE_FL) != 0, (bits & FS_APPEND_FL) != 0};
+}
+
+} // namespace FileStatus
+
+namespace FinderInfo {
+
+namespace {
+const char *const attribute = "user.com.apple.FinderInfo";
+constexpr int infoSize = 32;
+} // namespace
+
+std::optional<Info> read(const QString &path)
+{
+    unsigned char bytes[infoSize];
+    const ssize_t got = getxattr(QFile::encodeName(path).constData(), attribute, bytes, sizeof bytes);
+    if (got < 10)
+        return std::nullopt;
+    return Info{qFromBigEndian<quint32>(bytes), qFromBigEndian<quint32>(bytes + 4),
+                qFromBigEndian<quint16>(bytes + 8)};
+}
+
+bool writeCodes(const QString &path, std::optional<quint32> type, std::optional<quint32> creator)
+{
+    const QByteArray name = QFile::encodeName(path);
+    unsigned char bytes[infoSize] = {};
+    getxattr(name.constData(), attribute, bytes, sizeof bytes);
+    if (type)
+        qToBigEndian(*type, bytes);
+    if (creator)
+        qToBigEndian(*creator, bytes + 4);
+    return setxattr(name.constData(), attribute, bytes, sizeof bytes, 0) == 0;
+}
+
+} // namespace FinderInfo

@@ -1,0 +1,106 @@
+#include "SortFunctions.h"
+
+#include "StringAdditions.h"
+
+#include <QCollator>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <unicode/ucol.h>
+
+namespace SortFunctions {
+
+namespace {
+
+QVariant operand(const QVariant &value, const QVariant &context)
+{
+    if (!context.isValid() || context.isNull())
+        return value;
+    return value.toMap().value(context.toString());
+}
+
+// One collator for the natural order, made once: numbers by value, strength
+// secondary (case and width ignored, accents kept), punctuation not
+// ignorable, canonical equivalents equal.
+UCollator *naturalCollator()
+{
+    static UCollator *collator = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        UCollator *made = ucol_open("", &status);
+        ucol_setAttribute(made, UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
+        ucol_setAttribute(made, UCOL_STRENGTH, UCOL_SECONDARY, &status);
+        ucol_setAttribute(made, UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &status);
+        ucol_setAttribute(made, UCOL_NORMALIZATION_MODE, UCOL_ON, &status);
+        return made;
+    }();
+    return collator;
+}
+
+int sign(int value)
+{
+    return (value > 0) - (value < 0);
+}
+
+} // namespace
+
+int localizedCaseInsensitiveCompare(const QString &a, const QString &b)
+{
+    static const QCollator collator = [] {
+        QCollator made(QLocale::system());
+        made.setCaseSensitivity(Qt::CaseInsensitive);
+        return made;
+    }();
+    return sign(collator.compare(a, b));
+}
+
+int stringAsNumberCompare(const QString &a, const QString &b)
+{
+    // The strings' own UTF-16 buffers go to the collator: nothing is copied
+    // or allocated per comparison.
+    return ucol_strcoll(naturalCollator(), reinterpret_cast<const UChar *>(a.utf16()), int32_t(a.size()),
+                        reinterpret_cast<const UChar *>(b.utf16()), int32_t(b.size()));
+}
+
+QStringList stripList()
+{
+    static const QStringList list = QCoreApplication::translate("ui", "TheStripList").split(u'|');
+    return list;
+}
+
+int stringSort(const QVariant &a, const QVariant &b, const QVariant &)
+{
+    return localizedCaseInsensitiveCompare(a.toString(), b.toString());
+}
+
+int cleanedStringSort(const QVariant &a, const QVariant &b, const QVariant &context)
+{
+    QString left = operand(a, context).toString();
+    QString right = operand(b, context).toString();
+    for (const QString &word : stripList()) {
+        left = ROZ_NSStringAdditions::deprefixCaseInsensitive(left, word);
+        right = ROZ_NSStringAdditions::deprefixCaseInsensitive(right, word);
+    }
+    return localizedCaseInsensitiveCompare(left, right);
+}
+
+int dateSort(const QVariant &a, const QVariant &b, const QVariant &context)
+{
+    const QPartialOrdering order = QVariant::compare(operand(a, context), operand(b, context));
+    return order == QPartialOrdering::Less ? -1 : order == QPartialOrdering::Greater ? 1 : 0;
+}
+
+int numericSort(const QVariant &a, const QVariant &b, const QVariant &context)
+{
+    return dateSort(a, b, context);
+}
+
+int stringAsNumberSort(const QVariant &a, const QVariant &b, const QVariant &)
+{
+    return stringAsNumberCompare(a.toString(), b.toString());
+}
+
+} // namespace SortFunctions
+
+int ROZ_NSStringAdditions::stringAsNumberSort(const QString &self, const QString &other)
+{
+    return SortFunctions::stringAsNumberCompare(self, other);
+}

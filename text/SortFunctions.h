@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+// Comparison functions for sorting lists of strings and of item records.
+// Each answers negative, zero or positive for ascending, same, descending.
+// Where a context is used it is a dictionary key, and the operands are
+// dictionaries whose values for that key are compared.
+namespace SortFunctions {
+
+int stringSort(const QVariant &a, const QVariant &b, const QVariant &context = {});
+// Words of the "ui" table's "TheStripList" are removed from the front of
+// both names, in list order, before they are compared.
+int cleanedStringSort(const QVariant &a, const QVariant &b, const QVariant &context = {});
+int dateSort(const QVariant &a, const QVariant &b, const QVariant &context);
+int numericSort(const QVariant &a, const QVariant &b, const QVariant &context);
+// Natural order: digits compare as numbers, case and width are ignored,
+// punctuation and accents count.
+int stringAsNumberSort(const QVariant &a, const QVariant &b, const QVariant &context = {});
+
+int localizedCaseInsensitiveCompare(const QString &a, const QString &b);
+int stringAsNumberCompare(const QString &a, const QString &b);
+QStringList stripList();
+
+} // namespace SortFunctions
+
+namespace ROZ_NSStringAdditions {
+int stringAsNumberSort(const QString &self, const QString &other);
+}
