@@ -149,8 +149,10 @@ QVariant ROZ_MiscMethods::returnItemPermissions(const QString &path)
 
 bool ROZ_MiscMethods::returnItemIsFolder(const QString &path)
 {
-    const auto status = FileStatus::of(pathPOSIX(path), false);
-    return status && status->isDirectory();
+    // Asked for every item of a listing: one lstat, nothing more.
+    struct stat info;
+    const QByteArray bytes = QFile::encodeName(pathPOSIX(path));
+    return !bytes.isEmpty() && lstat(bytes.constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 bool ROZ_MiscMethods::returnItemIsPackage(const QString &)
@@ -217,7 +219,10 @@ std::optional<QVariantMap> ROZ_MiscMethods::attributesOfItem(const QString &path
             attributes.insert(HFSCreatorCode, QVariant::fromValue(qulonglong(info->creator)));
             attributes.insert(HFSTypeCode, QVariant::fromValue(qulonglong(info->type)));
         }
-        if (const auto flags = FileStatus::flags(posix)) {
+        const auto flags = status->immutable && status->appendOnly
+                               ? std::optional(FileStatus::Flags{*status->immutable, *status->appendOnly})
+                               : FileStatus::flags(posix);
+        if (flags) {
             attributes.insert(Immutable, flags->immutable);
             attributes.insert(AppendOnly, flags->appendOnly);
         }

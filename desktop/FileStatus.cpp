@@ -54,6 +54,10 @@ std::optional<ItemStatus> of(const QString &path, bool followLinks)
     status.modified = fromTimestamp(info.stx_mtime);
     if (info.stx_mask & STATX_BTIME)
         status.created = fromTimestamp(info.stx_btime);
+    if (info.stx_attributes_mask & STATX_ATTR_IMMUTABLE)
+        status.immutable = (info.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+    if (info.stx_attributes_mask & STATX_ATTR_APPEND)
+        status.appendOnly = (info.stx_attributes & STATX_ATTR_APPEND) != 0;
     return status;
 }
 
@@ -87,6 +91,8 @@ std::optional<Flags> flags(const QString &path)
     const auto status = of(path, true);
     if (!status)
         return std::nullopt;
+    if (status->immutable && status->appendOnly)
+        return Flags{*status->immutable, *status->appendOnly};
     if (!S_ISREG(status->mode) && !S_ISDIR(status->mode))
         return Flags{};
     const int fd = open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);

@@ -16,6 +16,8 @@ struct ItemStatus {
     quint32 links = 0;
     QDateTime modified;
     std::optional<QDateTime> created; // only where the file system keeps a birth time
+    std::optional<bool> immutable;    // where the file system reports its flags
+    std::optional<bool> appendOnly;
 
     bool isDirectory() const;
     bool isSymbolicLink() const;
