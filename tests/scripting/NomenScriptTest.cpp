@@ -1,6 +1,7 @@
 #include "MethodTable.h"
 #include "TestPrinting.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -88,6 +89,30 @@ const QList<ClassSelectors> scriptSelectors = {
       "returnHostName", "returnShortUserName", "returnFullUserName", "returnFullUserNameInits",
       "returnClipboardString", "returnClipboard", "setClipboard:", "resetClipboard:", "pasteAndRestore:",
       "returnStartupItem", "setStartupItem:"}},
+    {"files", MethodKind::Instance, "NSString", {"pathHFS", "pathPOSIX", "alias", "aliasData", "fsRef", "stringAsNumberSort:"}},
+    {"files", MethodKind::Class, "NSString", {"stringWithFSRef:"}},
+    {"files", MethodKind::Instance, "NSDictionary",
+     {"setBool:forKey:", "setInteger:forKey:", "setUnsignedInteger:forKey:", "setFloat:forKey:", "setColor:forKey:",
+      "stringForKey:", "dateForKey:", "boolForKey:", "integerForKey:", "floatForKey:", "uintForKey:", "colorForKey:",
+      "size", "owner", "posixPermissions", "creationDate", "modificationDate", "type", "isType:", "isDirectory",
+      "isFile", "isSymbolicLink", "isSocket", "isCharacterSpecial", "isBlockSpecial", "isUnknownType",
+      "isExtensionHidden", "hfsCreatorCode", "hfsTypeCode", "isReadOnly", "isAppendOnly"}},
+    {"files", MethodKind::Class, "NSDictionary", {"osType:"}},
+    {"files", MethodKind::Class, "ROZ_MiscMethods",
+     {"itemExists:", "returnCreationDate:", "returnModificationDate:", "returnCreationAndModificationDate:",
+      "returnCreatorCode:", "returnFileType:", "returnItemInfo:", "returnItemUTI:", "returnItemDisplayKind:",
+      "returnItemDefaultApp:", "returnItemIsImage:", "returnItemName:", "returnItemDisplayedName:",
+      "returnItemExtension:", "returnItemContainer:", "returnItemIsLocked:", "returnItemOwner:", "returnItemGroup:",
+      "returnItemPermissions:", "returnItemVisiblity:", "returnItemIsFolder:", "returnItemIsPackage:",
+      "returnItemIsWritable:", "returnFolderContents:", "returnCompleteFolderContents:withInvisibles:",
+      "setCreationDate:toDate:", "setModificationDate:toDate:", "setCreationAndModificationDate:toDate:",
+      "randomizeDate:", "setCreatorCode:toCode:", "setFileType:toType:", "setItemName:toName:",
+      "setItemOwner:toOwner:", "setItemGroup:toGroup:", "setItemPermissions:toPermissions:", "returnImage:",
+      "returnIcon:", "deleteKeyPressed:", "arrowKeyPressed:", "expandOutlineItem:atRow:",
+      "isOutlineItemExpanded:atRow:", "uintForElement:", "stringForElement:", "dateForElement:", "isThisAString:",
+      "isThisAnArray:", "isThisADictionary:", "isThisANumber:", "isThisADate:", "isThisABoolean:",
+      "superclassesForObject:", "classMethodsForObject:", "instanceMethodsForObject:", "classMethodNamesForObject:",
+      "instanceMethodNamesForObject:", "ivarsForObject:", "describeObject:"}},
 };
 
 TEST(MethodTable, RegistersEverySelectorByItsExactName)
@@ -169,6 +194,91 @@ TEST(NomenScript, AnswersEveryDesktopSelectorByName)
     EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()),
               QStringLiteral("fed|true|boolean|string|true|second|first|pasted|true|false\n"))
         << process.readAllStandardError().toStdString();
+}
+
+TEST(NomenScript, AnswersEveryFileItemSelectorByName)
+{
+    // One call per selector, against a folder of ours; each line is
+    // "selector value" with the folder's path written as DIR.
+    QTemporaryDir dir;
+    QDir().mkpath(dir.filePath(QStringLiteral("Sub")));
+    QFile file(dir.filePath(QStringLiteral("a.txt")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("text");
+    file.close();
+    const QString script = QStringLiteral(R"JS(
+        var M = "ROZ_MiscMethods", D = "%1", f = D + "/a.txt", out = [];
+        function show(selector, value) { out.push(selector + " " + JSON.stringify(value).split(D).join("DIR")); }
+        function misc(selector, params) { show(selector, callClassMethod(M, selector, params)); }
+        show("pathHFS", callMethod(callMethod(f, "pathHFS"), "pathPOSIX"));
+        ["alias", "aliasData", "fsRef"].forEach(function (s) { show(s, callMethod(f, s)); });
+        show("stringWithFSRef:", callClassMethod("NSString", "stringWithFSRef:", [null]));
+        show("stringAsNumberSort:", callMethod("file2", "stringAsNumberSort:", ["file10"]));
+        var d = {};
+        callMethod(d, "setBool:forKey:", [true, "b"]);
+        callMethod(d, "setInteger:forKey:", [-3, "i"]);
+        callMethod(d, "setUnsignedInteger:forKey:", [3, "u"]);
+        callMethod(d, "setFloat:forKey:", [1.5, "f"]);
+        show("setters", d);
+        var strings = {s: "12", t: "yes", dd: new Date(0)};
+        ["stringForKey:", "boolForKey:", "integerForKey:", "floatForKey:", "uintForKey:"].forEach(function (s) {
+            show(s, [callMethod(strings, s, ["s"]), callMethod(d, s, ["i"])]); });
+        show("dateForKey:", callMethod(strings, "dateForKey:", ["dd"]) !== null);
+        show("colorForKey:", callMethod(d, "colorForKey:", ["b"]));
+        var attrs = {NSFileType: "NSFileTypeRegular", NSFileSize: 4, NSFileOwnerAccountName: "ann", NSFilePosixPermissions: 420};
+        ["size", "owner", "posixPermissions", "creationDate", "modificationDate", "type", "isDirectory", "isFile",
+         "isSymbolicLink", "isSocket", "isCharacterSpecial", "isBlockSpecial", "isUnknownType", "isExtensionHidden",
+         "hfsCreatorCode", "hfsTypeCode", "isReadOnly", "isAppendOnly"].forEach(function (s) { show(s, callMethod(attrs, s)); });
+        show("isType:", callMethod(attrs, "isType:", ["NSFileTypeRegular"]));
+        show("osType:", callClassMethod("NSDictionary", "osType:", ["TXT"]));
+        ["itemExists:", "returnItemName:", "returnItemDisplayedName:", "returnItemExtension:", "returnItemContainer:",
+         "returnItemIsLocked:", "returnItemVisiblity:", "returnItemIsFolder:", "returnItemIsPackage:",
+         "returnItemIsWritable:", "returnItemUTI:", "returnItemIsImage:", "returnCreatorCode:", "returnFileType:",
+         "returnItemPermissions:", "returnImage:", "returnIcon:"].forEach(function (s) { misc(s, [f]); });
+        show("dates", [typeof callClassMethod(M, "returnModificationDate:", [f]),
+                       Object.keys(callClassMethod(M, "returnCreationAndModificationDate:", [f])).sort(),
+                       callClassMethod(M, "returnCreationDate:", [D + "/none"])]);
+        show("info", Object.keys(callClassMethod(M, "returnItemInfo:", [f])).sort());
+        show("kind", [typeof callClassMethod(M, "returnItemDisplayKind:", [f]), typeof callClassMethod(M, "returnItemDefaultApp:", [f])]);
+        show("owner", [typeof callClassMethod(M, "returnItemOwner:", [f]), typeof callClassMethod(M, "returnItemGroup:", [f])]);
+        misc("returnFolderContents:", [D]);
+        misc("returnCompleteFolderContents:withInvisibles:", [D, true]);
+        misc("setModificationDate:toDate:", [f, "2005-03-14 09:05:00 +0100"]);
+        misc("setCreationDate:toDate:", [f, "2005-03-14 09:05:00 +0100"]);
+        misc("setCreationAndModificationDate:toDate:", [f, "2005-03-14 09:05:00 +0100"]);
+        misc("randomizeDate:", [f]);
+        misc("setCreatorCode:toCode:", [D + "/none", "ttxt"]);
+        misc("setFileType:toType:", [D + "/none", "TEXT"]);
+        misc("setItemOwner:toOwner:", [f, callClassMethod(M, "returnItemOwner:", [f])]);
+        misc("setItemGroup:toGroup:", [f, callClassMethod(M, "returnItemGroup:", [f])]);
+        misc("setItemPermissions:toPermissions:", [f, 384]);
+        misc("setItemName:toName:", [f, "b.txt"]);
+        misc("deleteKeyPressed:", ["127"]);
+        misc("arrowKeyPressed:", [null]);
+        misc("expandOutlineItem:atRow:", [null, 0]);
+        misc("isOutlineItemExpanded:atRow:", [null, 0]);
+        misc("uintForElement:", [-1]);
+        misc("stringForElement:", [5]);
+        misc("dateForElement:", ["x"]);
+        ["isThisAString:", "isThisAnArray:", "isThisADictionary:", "isThisANumber:", "isThisADate:", "isThisABoolean:"]
+            .forEach(function (s) { misc(s, [1]); });
+        misc("superclassesForObject:", [1]);
+        show("methods", [callClassMethod(M, "classMethodsForObject:", ["ROZ_MiscMethods"]).length > 50,
+                         callClassMethod(M, "instanceMethodsForObject:", ["x"])[0].method_types.indexOf("@@:") === 0,
+                         callClassMethod(M, "classMethodNamesForObject:", ["NSAppleScript"]).indexOf("scriptWithSource:") >= 0,
+                         callClassMethod(M, "instanceMethodNamesForObject:", [[]]).length]);
+        misc("ivarsForObject:", ["x"]);
+        show("describeObject:", callClassMethod(M, "describeObject:", [{}]).replace(/0x[0-9a-f]+/, "0xADDR").split("\n").slice(0, 6));
+        out.join("\n")
+    )JS").arg(dir.path());
+    const ScriptRun run = nomenScript({QStringLiteral("-e"), script});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, readFile(QStringLiteral(NOMEN_TEST_DATA "/file_items.expected")));
+    if (qEnvironmentVariableIsSet("NOMEN_WRITE_GOLDEN")) {
+        QFile golden(QStringLiteral(NOMEN_TEST_DATA "/file_items.expected"));
+        ASSERT_TRUE(golden.open(QIODevice::WriteOnly));
+        golden.write(run.out.toUtf8());
+    }
 }
 
 TEST(NomenScript, PrintsTheCompletionValue)
