@@ -1,5 +1,6 @@
 #include "MethodTable.h"
 
+#include "ApplicationMethods.h"
 #include "DesktopMethods.h"
 #include "ScriptMethods.h"
 #include "TextMethods.h"
@@ -10,5 +11,6 @@ MethodRegistry buildMethodTable()
     registerTextMethods(registry);
     registerScriptMethods(registry);
     registerDesktopMethods(registry);
+    registerApplicationMethods(registry);
     return registry;
 }

@@ -3,9 +3,10 @@
 
 #include "DeferredCalls.h"
 #include "MethodTable.h"
+#include "NamedException.h"
+#include "RZApplication.h"
 #include "ScriptHost.h"
 
-#include <QGuiApplication>
 #include <QDir>
 #include <QFile>
 #include <sys/stat.h>
@@ -49,7 +50,7 @@ int main(int argc, char **argv)
         && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ensureRuntimeDirectory();
-    QGuiApplication application(argc, argv);
+    RZApplication application(argc, argv);
     const QStringList args = application.arguments().mid(1);
     QString program;
     QString fileName;
@@ -69,7 +70,17 @@ int main(int argc, char **argv)
     }
 
     const MethodRegistry methods = buildMethodTable();
+    try {
+        application.init(methods);
+    } catch (const NamedException &failure) {
+        writeTo(stderr, QStringLiteral("nomen-script: %1: %2").arg(failure.name(), failure.reason()));
+        return 1;
+    }
     ScriptHost host(methods);
+    // The application object, with the window's interface loaded, as the
+    // window's own script sees it.
+    QJSEngine::setObjectOwnership(&application, QJSEngine::CppOwnership);
+    host.engine().globalObject().setProperty(QStringLiteral("application"), host.engine().newQObject(&application));
     const ScriptHost::Outcome outcome = host.evaluate(program, fileName);
     if (!outcome.ok()) {
         writeTo(stderr, outcome.error);

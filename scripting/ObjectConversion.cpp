@@ -116,7 +116,7 @@ QString description(const QVariant &value)
         const QVariant declared = object ? object->property("nomenClassName") : QVariant();
         const QString name = declared.isValid() ? declared.toString()
                                                 : QString::fromLatin1(object ? object->metaObject()->className() : "nil");
-        return QStringLiteral("<%1: 0x%2>").arg(name).arg(quintptr(object), 0, 16);
+        return QStringLiteral("<%1: 0x%2>").arg(name, QString::number(quintptr(object), 16));
     }
     return QStringLiteral("<%1>").arg(QString::fromLatin1(value.typeName()));
 }

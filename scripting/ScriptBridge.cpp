@@ -83,7 +83,7 @@ QJSValue ScriptBridge::dispatch(MethodKind kind, const QString &className, const
     const qsizetype wanted = MethodRegistry::parameterCount(selector);
     if (given != quint32(wanted)) {
         throwNamed(NSInvalidArgumentException,
-                   QStringLiteral("%1 takes %2 parameter(s), %3 given").arg(method).arg(wanted).arg(given));
+                   QStringLiteral("%1 takes %2 parameter(s), %3 given").arg(method, QString::number(wanted), QString::number(given)));
         return {};
     }
     try {

@@ -28,7 +28,7 @@ ScriptHost::Outcome ScriptHost::thrown(const QJSValue &value, int line, const QS
 {
     if (value.isError())
         line = value.property(QStringLiteral("lineNumber")).toInt();
-    return {value, true, line, QStringLiteral("%1:%2: %3").arg(fileName).arg(line).arg(value.toString())};
+    return {value, true, line, QStringLiteral("%1:%2: %3").arg(fileName, QString::number(line), value.toString())};
 }
 
 ScriptHost::Outcome ScriptHost::evaluate(const QString &program, const QString &fileName)

@@ -1,0 +1,99 @@
+#include "ApplicationMethods.h"
+
+#include "ExifDates.h"
+#include "GrepReplace.h"
+#include "NativeBinding.h"
+#include "PerlWorker.h"
+#include "RZApplication.h"
+
+#include <QLineEdit>
+
+namespace {
+
+using ArgumentConversion::convert;
+
+RZApplication &applicationOf(const Invocation &invocation)
+{
+    auto *application = convert<RZApplication *>(invocation.receiver, -1);
+    if (!application || !application->window())
+        throw NamedException(NSInvalidArgumentException, QStringLiteral("the application has not started"));
+    return *application;
+}
+
+// The edited field: the control itself, or its outlet name.
+QObject *fieldOf(RZApplication &application, const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QString)
+        return application.outlet(value.toString());
+    return convert<QObject *>(value, 0);
+}
+
+template <typename Method>
+void add(MethodRegistry &registry, const char *selector, Method method)
+{
+    registry.addInstanceMethod(QStringLiteral("RZApplication"), QString::fromLatin1(selector),
+                               [method](Invocation &invocation) { return method(applicationOf(invocation), invocation.arguments); });
+}
+
+} // namespace
+
+void registerApplicationMethods(MethodRegistry &registry)
+{
+    add(registry, "getConstantData", [](RZApplication &app, const QVariantList &) {
+        app.getConstantData();
+        return QVariant();
+    });
+    add(registry, "setConstantData:", [](RZApplication &app, const QVariantList &args) {
+        app.setConstantData(convert<QVariantList>(args[0], 0));
+        return QVariant();
+    });
+    add(registry, "generateNewName:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.generateNewName(convert<QVariantList>(args[0], 0)));
+    });
+    add(registry, "addLeadingZeros:", [](RZApplication &, const QVariantList &args) {
+        const QVariantList numbers = convert<QVariantList>(args[0], 0);
+        return QVariant(NameComposer::addLeadingZeros(convert<qint32>(numbers.value(0), 0), convert<qint32>(numbers.value(1), 0),
+                                                      convert<qint32>(numbers.value(2), 0)));
+    });
+    add(registry, "changeCase:theCase:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.engine().composer.changeCase(convert<QString>(args[0], 0), convert<QString>(args[1], 1)));
+    });
+    add(registry, "replaceInsertConstants:withDate:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.engine().composer.replaceInsertConstants(convert<QString>(args[0], 0), convert<QDateTime>(args[1], 1)));
+    });
+    add(registry, "getEXIFDate:", [](RZApplication &app, const QVariantList &args) { return app.engine().getEXIFDate(args[0]); });
+    add(registry, "setUseEXIFDate:", [](RZApplication &app, const QVariantList &args) {
+        app.engine().use_exif_date = convert<bool>(args[0], 0);
+        return QVariant();
+    });
+    add(registry, "snrGrep:searchFor:replaceWith:consideringCase:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.engine().snrGrep(convert<QString>(args[0], 0), convert<QString>(args[1], 1),
+                                             convert<QString>(args[2], 2), convert<bool>(args[3], 3)));
+    });
+    add(registry, "escapeString:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(GrepReplace::escapeString(convert<QString>(args[0], 0)));
+    });
+    add(registry, "escapeStringT:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(GrepReplace::escapeStringT(convert<QString>(args[0], 0)));
+    });
+    add(registry, "runPERL:", [](RZApplication &, const QVariantList &args) {
+        return GrepReplace::runPERL(convert<QStringList>(args[0], 0));
+    });
+    add(registry, "textDidChange:", [](RZApplication &app, const QVariantList &args) {
+        app.textDidChange(fieldOf(app, args[0]));
+        return QVariant();
+    });
+    add(registry, "setDisplayRealtimePreview:", [](RZApplication &app, const QVariantList &args) {
+        app.engine().display_realtime_preview = convert<bool>(args[0], 0);
+        return QVariant();
+    });
+
+    // What the helper scripts call.
+    NativeBinding::addClassMethod(registry, QStringLiteral("NomenPerl"), QStringLiteral("execute:"),
+                                  +[](const QString &program) -> std::optional<QString> {
+                                      const auto printed = PerlWorker::shared().run(program.toUtf8());
+                                      return printed ? std::optional(QString::fromUtf8(*printed)) : std::nullopt;
+                                  });
+    NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),
+                                  &ExifDates::imageCreatedDate);
+}

@@ -1,0 +1,259 @@
+#include "RZApplication.h"
+
+#include "DictionaryAdditions.h"
+#include "MiscMethods.h"
+#include "StringAdditions.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTranslator>
+#include <QUiLoader>
+
+#ifndef NOMEN_RESOURCE_DIR
+#define NOMEN_RESOURCE_DIR ""
+#endif
+#ifndef NOMEN_TRANSLATIONS_DIR
+#define NOMEN_TRANSLATIONS_DIR ""
+#endif
+
+namespace {
+
+// The fields whose edits refresh the preview. The two increment fields are
+// left out on purpose: the preview shows only the first name.
+const QStringList previewFields = {"prefix",          "prefix_start_num", "prefix_add_leading_zeros_min",
+                                   "search_1",        "replace_1",        "trim_start",
+                                   "trim_end",        "suffix",           "suffix_start_num",
+                                   "suffix_add_leading_zeros_min", "extension"};
+
+QDateTime fixedDate(const QString &text)
+{
+    return ROZ_MiscMethods::dateFromString(text).value_or(QDateTime());
+}
+
+} // namespace
+
+RZApplication::RZApplication(int &argc, char **argv) : QApplication(argc, argv)
+{
+    setApplicationName(QStringLiteral("Nomen"));
+    setOrganizationName(QStringLiteral("Nomen"));
+}
+
+RZApplication::~RZApplication() = default;
+
+RZApplication *RZApplication::instance()
+{
+    return qobject_cast<RZApplication *>(QCoreApplication::instance());
+}
+
+QString RZApplication::resourceDirectory()
+{
+    const QString configured = QString::fromLocal8Bit(qgetenv("NOMEN_RESOURCES"));
+    return configured.isEmpty() ? QStringLiteral(NOMEN_RESOURCE_DIR) : configured;
+}
+
+void RZApplication::init(const MethodRegistry &methods)
+{
+    loadTranslations();
+    loadInterface();
+    m_engine = std::make_unique<RenameEngine>(methods, resourceDirectory() + QStringLiteral("/Scripts"));
+}
+
+void RZApplication::loadTranslations()
+{
+    // English first, then the user's language over it: a key no table
+    // knows answers itself.
+    const QString directory = QString::fromLocal8Bit(qgetenv("NOMEN_TRANSLATIONS"));
+    const QString from = directory.isEmpty() ? QStringLiteral(NOMEN_TRANSLATIONS_DIR) : directory;
+    auto *english = new QTranslator(this);
+    if (english->load(QStringLiteral("ui_en"), from))
+        installTranslator(english);
+    auto *local = new QTranslator(this);
+    if (local->load(QLocale(), QStringLiteral("ui"), QStringLiteral("_"), from) && !local->language().startsWith(u'e'))
+        installTranslator(local);
+}
+
+void RZApplication::loadInterface()
+{
+    QUiLoader loader;
+    QFile file(resourceDirectory() + QStringLiteral("/MainWindow.ui"));
+    if (file.open(QIODevice::ReadOnly))
+        m_window.reset(loader.load(&file));
+    if (!m_window)
+        m_window = std::make_unique<QWidget>();
+    // User edits only: text set by the program is not an edit.
+    for (QLineEdit *field : m_window->findChildren<QLineEdit *>())
+        connect(field, &QLineEdit::textEdited, this, [this, field] { textDidChange(field); });
+}
+
+QWidget *RZApplication::outlet(const QString &name) const
+{
+    if (!m_window)
+        return nullptr;
+    if (m_window->objectName() == name)
+        return m_window.get();
+    return m_window->findChild<QWidget *>(name);
+}
+
+QString RZApplication::text(const QString &outletName) const
+{
+    if (const auto *field = qobject_cast<QLineEdit *>(outlet(outletName)))
+        return field->text();
+    return QString(QLatin1String(""));
+}
+
+qint32 RZApplication::integer(const QString &outletName) const
+{
+    return ROZ_NSDictionaryAdditions::intValue(text(outletName));
+}
+
+bool RZApplication::checked(const QString &outletName) const
+{
+    const auto *box = qobject_cast<QAbstractButton *>(outlet(outletName));
+    return box && box->isChecked();
+}
+
+QString RZApplication::popupTitle(const QString &outletName) const
+{
+    const auto *popup = qobject_cast<QComboBox *>(outlet(outletName));
+    return popup ? popup->currentText() : QString(QLatin1String(""));
+}
+
+int RZApplication::popupIndex(const QString &outletName) const
+{
+    const auto *popup = qobject_cast<QComboBox *>(outlet(outletName));
+    return popup ? popup->currentIndex() : -1;
+}
+
+// A matrix is a group of radio buttons in order; its selection is the index
+// of the checked one (its row or its column), -1 for none.
+int RZApplication::matrixSelection(const QString &outletName) const
+{
+    const QWidget *matrix = outlet(outletName);
+    if (!matrix)
+        return -1;
+    const QList<QRadioButton *> cells = matrix->findChildren<QRadioButton *>(QString(), Qt::FindDirectChildrenOnly);
+    for (qsizetype i = 0; i < cells.size(); ++i)
+        if (cells[i]->isChecked())
+            return int(i);
+    return -1;
+}
+
+void RZApplication::getConstantData()
+{
+    QString extension = QLatin1String("");
+    bool useNewExtension = false;
+    bool changeExtensionCase = false;
+    switch (matrixSelection(QStringLiteral("extension_matrix"))) {
+    case 1:
+        extension = text(QStringLiteral("extension"));
+        useNewExtension = true;
+        break;
+    case 2:
+        extension = popupTitle(QStringLiteral("extension_popup"));
+        useNewExtension = true;
+        break;
+    case 3:
+        changeExtensionCase = true;
+        break;
+    default:
+        break;
+    }
+    if (!ROZ_NSStringAdditions::isBlankString(extension) && !extension.startsWith(u'.'))
+        extension = u'.' + extension;
+
+    setConstantData({
+        text(QStringLiteral("prefix")),
+        integer(QStringLiteral("prefix_start_num")),
+        integer(QStringLiteral("prefix_ai_counter")),
+        checked(QStringLiteral("prefix_add_leading_zeros")),
+        integer(QStringLiteral("prefix_add_leading_zeros_min")),
+        checked(QStringLiteral("inc_original_name")),
+        text(QStringLiteral("search_1")),
+        text(QStringLiteral("replace_1")),
+        matrixSelection(QStringLiteral("snr_type_1")) == 1 ? QStringLiteral("GREP") : QStringLiteral("literal"),
+        checked(QStringLiteral("snr_consider_case_1")),
+        integer(QStringLiteral("trim_start")),
+        integer(QStringLiteral("trim_end")),
+        checked(QStringLiteral("change_case")),
+        popupTitle(QStringLiteral("the_case")),
+        checked(QStringLiteral("orig_strip_diacriticals")),
+        text(QStringLiteral("suffix")),
+        integer(QStringLiteral("suffix_start_num")),
+        integer(QStringLiteral("suffix_ai_counter")),
+        checked(QStringLiteral("suffix_add_leading_zeros")),
+        integer(QStringLiteral("suffix_add_leading_zeros_min")),
+        extension,
+        useNewExtension,
+        changeExtensionCase,
+        popupTitle(QStringLiteral("ext_case")),
+    });
+}
+
+void RZApplication::setConstantData(const QVariantList &entries)
+{
+    m_engine->settings().setConstantData(entries);
+}
+
+QString RZApplication::generateNewName(const QVariantList &request)
+{
+    // The counter is padded whenever the leading-zeros control exists.
+    m_engine->composer.prefixZerosControlConnected = outlet(QStringLiteral("prefix_add_leading_zeros")) != nullptr;
+    m_engine->composer.suffixZerosControlConnected = outlet(QStringLiteral("suffix_add_leading_zeros")) != nullptr;
+    return m_engine->composer.generateNewName(CompositionRequest::fromArray(request));
+}
+
+void RZApplication::textDidChange(QObject *field)
+{
+    if (!m_engine || !m_engine->display_realtime_preview || !field || !previewFields.contains(field->objectName())
+        || outlet(field->objectName()) != field)
+        return;
+    getConstantData();
+    RenameSettings &settings = m_engine->settings();
+    settings._prefix_date_to_use = popupIndex(QStringLiteral("prefix_date_to_use")) + 1;
+    settings._suffix_date_to_use = popupIndex(QStringLiteral("suffix_date_to_use")) + 1;
+
+    const QVariantList rows = tableRows();
+    QString sample;
+    qint32 rowCount = 10;
+    QDateTime created;
+    QDateTime modified;
+    if (rows.isEmpty()) {
+        sample = QCoreApplication::translate("ui", "sample_original_name");
+        created = fixedDate(QStringLiteral("2000-01-01 12:00:00 +0500"));
+        modified = fixedDate(QStringLiteral("2002-12-31 12:00:00 +0500"));
+    } else {
+        const QVariantMap first = rows.first().toMap();
+        sample = first.value(QStringLiteral("original")).toString();
+        rowCount = qint32(rows.size());
+        created = first.value(QStringLiteral("creation")).toDateTime();
+        modified = first.value(QStringLiteral("modification")).toDateTime();
+    }
+    auto dateFor = [&](qint32 choice) {
+        switch (choice) {
+        case 1:
+            return QDateTime::currentDateTime();
+        case 2:
+            return created;
+        case 3:
+            return modified;
+        default:
+            return QDateTime();
+        }
+    };
+    const QString preview = generateNewName({sample, rowCount, false, QString(QLatin1String("")),
+                                             dateFor(settings._prefix_date_to_use),
+                                             dateFor(settings._suffix_date_to_use)});
+    if (auto *previewField = qobject_cast<QLineEdit *>(outlet(QStringLiteral("preview_name"))))
+        previewField->setText(preview);
+    m_engine->sample_name = sample;
+    // The names in the table are stale now.
+    if (QWidget *rename = outlet(QStringLiteral("rename")))
+        rename->setEnabled(false);
+    if (QWidget *update = outlet(QStringLiteral("update")))
+        update->setEnabled(text(QStringLiteral("source_folder")) != QLatin1String(""));
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+// Formats a date with the platform's calendar-format directives, with no
+// locale (English names) in the default time zone:
+//   %Y year, %y year in two digits, %m month, %d day, %e day without zero,
+//   %H hour (24), %I hour (12), %M minute, %S second, %p AM/PM, %A weekday,
+//   %a short weekday, %B month name, %b short month name, %j day of year,
+//   %Z zone abbreviation, %z offset (+0100), %F milliseconds, %c date and
+//   time ("%a %b %d %H:%M:%S %Z %Y"), %x date ("%a %b %d %Y"), %X time
+//   ("%H:%M:%S"), %% a percent sign. Other text stays as it is.
+namespace CalendarFormat {
+QString format(const QDateTime &date, const QString &format);
+}

@@ -1,0 +1,148 @@
+#include "NameComposer.h"
+
+#include "CaseChange.h"
+#include "StringAdditions.h"
+
+using namespace ROZ_NSStringAdditions;
+
+namespace {
+
+QString lastPathComponent(const QString &path)
+{
+    QString trimmed = path;
+    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
+        trimmed.chop(1);
+    return trimmed == QLatin1String("/") ? trimmed : trimmed.section(u'/', -1);
+}
+
+} // namespace
+
+CompositionRequest CompositionRequest::fromArray(const QVariantList &e)
+{
+    CompositionRequest request;
+    request.name = e.value(0).toString();
+    request.rowCount = qint32(e.value(1).toLongLong());
+    request.numberDuplicates = e.value(2).toBool();
+    request.location = e.value(3).toString();
+    request.prefixDate = e.value(4).toDateTime();
+    request.suffixDate = e.value(5).toDateTime();
+    return request;
+}
+
+QString NameComposer::addLeadingZeros(qint32 counter, qint32 rowCount, qint32 minimumDigits)
+{
+    // A negative counter keeps its sign, and the zeros go in front of it.
+    QString text = QString::number(counter);
+    const qsizetype width = QString::number(rowCount).size();
+    if (text.size() < width)
+        text.prepend(QString(width - text.size(), u'0'));
+    while (quint32(text.size()) < quint32(minimumDigits))
+        text.prepend(u'0');
+    return text;
+}
+
+QString NameComposer::changeCase(const QString &text, const QString &theCase) const
+{
+    return CaseChange::changeCase(text, theCase, sentenceEndings);
+}
+
+QString NameComposer::replaceInsertConstants(const QString &text, const QDateTime &date) const
+{
+    return DateTokens::replaceInsertConstants(text, date, tokens);
+}
+
+QString NameComposer::counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const
+{
+    return padded ? addLeadingZeros(counter, rowCount, minimum) : QString::number(counter);
+}
+
+QString NameComposer::fillTokens(const QString &text, const QDateTime &date, const QString &counter,
+                                 const QString &folder) const
+{
+    QString filled = snr(replaceInsertConstants(text, date), QStringLiteral("«#»"), counter);
+    if (containsString(filled, QStringLiteral("«ƒ»"), false))
+        filled = snr(filled, QStringLiteral("«ƒ»"), folder);
+    return filled;
+}
+
+QString NameComposer::treatedBaseName(const QString &name)
+{
+    // Only the last extension goes: a.b.c gives a.b, .profile gives "".
+    QString base = name;
+    if (name.contains(u'.')) {
+        QStringList pieces = name.split(u'.');
+        pieces.removeLast();
+        base = pieces.join(u'.');
+    }
+    if (settings._filename_search_1 != QLatin1String("")) {
+        if (settings._search_type_1 == QLatin1String("GREP"))
+            base = grep ? grep(base, settings._filename_search_1, settings._filename_replace_1,
+                               settings._snr_consider_case_1)
+                        : base;
+        else
+            base = snr(base, settings._filename_search_1, settings._filename_replace_1);
+    }
+    // Compared as unsigned: a negative start trim always empties the base.
+    if (settings._trim_start != 0)
+        base = quint32(base.size()) > quint32(settings._trim_start) ? base.mid(settings._trim_start) : QString();
+    // A negative end trim keeps the last characters instead.
+    if (settings._trim_end > 0) {
+        base = base.size() > settings._trim_end ? base.left(base.size() - settings._trim_end) : QString();
+    } else if (settings._trim_end < 0) {
+        const qint64 keep = -qint64(settings._trim_end);
+        if (base.size() > keep)
+            base = base.right(keep);
+    }
+    if (settings._change_case)
+        base = changeCase(base, settings._case_transformation);
+    if (settings._orig_strip_diacriticals)
+        base = stripDiacritical(base);
+    return base;
+}
+
+QString NameComposer::generateNewName(const CompositionRequest &request)
+{
+    const QString folder = lastPathComponent(request.location);
+
+    QString newName = fillTokens(settings._prefix, request.prefixDate,
+                                 counterText(settings._prefix_start_num, request.rowCount,
+                                             settings._prefix_add_leading_zeros_min, prefixZerosControlConnected),
+                                 folder);
+    // Advances on every call, whether or not the prefix shows a counter.
+    settings._prefix_start_num += settings._prefix_ai_counter;
+
+    if (settings._inc_original_name)
+        newName += treatedBaseName(request.name);
+
+    newName += fillTokens(settings._suffix, request.suffixDate,
+                          counterText(settings._suffix_start_num, request.rowCount,
+                                      settings._suffix_add_leading_zeros_min, suffixZerosControlConnected),
+                          folder);
+    settings._suffix_start_num += settings._suffix_ai_counter;
+
+    // The extension comes from the current name even when the name itself
+    // is left out.
+    QString extension;
+    if (settings._use_new_extension)
+        extension = settings._extension;
+    else if (request.name.contains(u'.'))
+        extension = u'.' + request.name.section(u'.', -1);
+    if (settings._ext_change_case)
+        extension = changeCase(extension, settings._ext_case_transformation);
+
+    if (!request.numberDuplicates)
+        return newName + extension;
+
+    // Duplicates are counted among names given out earlier in this pass,
+    // never against the files on disk.
+    // Built by concatenation: names may hold "%" sequences of their own.
+    if (duplicate_check_list.contains(request.location + newName + extension)) {
+        int n = 1;
+        while (duplicate_check_list.contains(request.location + newName + u' ' + QString::number(n) + extension))
+            ++n;
+        newName = newName + u' ' + QString::number(n);
+    }
+    const QString result = newName + extension;
+    duplicate_check_list.append(request.location + result);
+    return result;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "DateTokens.h"
+#include "RenameSettings.h"
+
+#include <QDateTime>
+#include <QStringList>
+#include <QVariantList>
+#include <functional>
+
+// One composition request: the six entries the composer is given.
+struct CompositionRequest {
+    QString name;          // current full name, extension included
+    qint32 rowCount = 0;   // rows in the file table, for the counter's width
+    bool numberDuplicates = false;
+    QString location;      // containing folder with a trailing "/"
+    QDateTime prefixDate;  // invalid for none
+    QDateTime suffixDate;
+
+    // From the positional array scripts pass; missing or nil entries read
+    // as empty, zero, NO or no date.
+    static CompositionRequest fromArray(const QVariantList &entries);
+};
+
+// Turns an item's current name into its new name by the rename settings:
+// prefix (counter, folder, date tokens), the original base name (search and
+// replace, trimming, case, diacritics), suffix, extension; and numbers
+// duplicates given out earlier in the same pass. Each call advances the two
+// running counters.
+class NameComposer {
+public:
+    using GrepReplace = std::function<QString(const QString &text, const QString &pattern,
+                                              const QString &replacement, bool consideringCase)>;
+
+    RenameSettings settings;
+    QStringList duplicate_check_list;
+    QStringList sentenceEndings = {QStringLiteral("."), QStringLiteral("!"), QStringLiteral("?")};
+    LocalizedDateTokens tokens;
+    // With the leading-zeros controls present the counter is always padded;
+    // their check boxes are deliberately not consulted.
+    bool prefixZerosControlConnected = true;
+    bool suffixZerosControlConnected = true;
+    GrepReplace grep;
+
+    QString generateNewName(const CompositionRequest &request);
+    static QString addLeadingZeros(qint32 counter, qint32 rowCount, qint32 minimumDigits);
+    QString changeCase(const QString &text, const QString &theCase) const;
+    QString replaceInsertConstants(const QString &text, const QDateTime &date) const;
+
+private:
+    QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;
+    QString fillTokens(const QString &text, const QDateTime &date, const QString &counter, const QString &folder) const;
+    QString treatedBaseName(const QString &name);
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "CompiledScript.h"
+#include "NameComposer.h"
+
+#include <QDateTime>
+#include <memory>
+
+// The rename engine's state apart from any window: the composer with its
+// settings, counters and duplicate list, the helper scripts, the fixed
+// dates and the localized texts. Tests drive it directly.
+class RenameEngine {
+public:
+    // Loads "perl.scpt" and "exif_info.scpt" from `scriptsDirectory` and
+    // calls the EXIF script's "init". Raises NSGenericException with
+    // "Error loading \"perl.scpt\"." (or exif_info) when one is missing or
+    // does not compile.
+    RenameEngine(const MethodRegistry &methods, const QString &scriptsDirectory);
+    ~RenameEngine();
+
+    NameComposer composer;
+    bool display_realtime_preview = true;
+    bool use_exif_date = false;
+    bool stopProgressBool = true;
+    QString sample_name;
+    QString exiftime;
+    QString localTimeZone;
+    QDateTime date1904;
+    QDateTime date1970;
+    QDateTime date1970GMT;
+    QDateTime date2040;
+
+    RenameSettings &settings() { return composer.settings; }
+    CompiledScript &perl() { return *m_perl; }
+    CompiledScript &exif_info() { return *m_exifInfo; }
+
+    QString snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase);
+    QVariant getEXIFDate(const QVariant &path);
+
+private:
+    std::unique_ptr<CompiledScript> m_perl;
+    std::unique_ptr<CompiledScript> m_exifInfo;
+};
+
+// Whether the system counts as release 10.4 or later, set once at start-up.
+inline bool is104Plus = false;

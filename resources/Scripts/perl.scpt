@@ -1,0 +1,5 @@
+// Runs a Perl program text and answers what it prints; a failed program
+// answers null, which is not a string, so the name part stays as it was.
+function execute_perl(program) {
+    return callClassMethod("NomenPerl", "execute:", [program]);
+}
