@@ -18,7 +18,7 @@ QString twoDigits(int value)
 QString offsetText(int seconds)
 {
     const int minutes = std::abs(seconds) / 60;
-    return QStringLiteral("%1%2%3").arg(seconds < 0 ? u'-' : u'+').arg(twoDigits(minutes / 60), twoDigits(minutes % 60));
+    return QStringLiteral("%1%2%3").arg(QChar(seconds < 0 ? u'-' : u'+')).arg(twoDigits(minutes / 60), twoDigits(minutes % 60));
 }
 
 QString zoneAbbreviation(const QDateTime &local)

@@ -36,8 +36,11 @@ QString NameComposer::addLeadingZeros(qint32 counter, qint32 rowCount, qint32 mi
     const qsizetype width = QString::number(rowCount).size();
     if (text.size() < width)
         text.prepend(QString(width - text.size(), u'0'));
-    while (quint32(text.size()) < quint32(minimumDigits))
-        text.prepend(u'0');
+    // The minimum is compared as unsigned, so a negative one asks for
+    // billions of zeros; no file name can hold more than 255.
+    const quint32 minimum = std::min<quint32>(quint32(minimumDigits), 255);
+    if (quint32(text.size()) < minimum)
+        text.prepend(QString(qsizetype(minimum) - text.size(), u'0'));
     return text;
 }
 

@@ -1,0 +1,181 @@
+#include "NameComposer.h"
+#include "NamedException.h"
+#include "TestPrinting.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Settings with nothing but the original name: each case changes what it needs.
+RenameSettings plainSettings()
+{
+    RenameSettings s;
+    s._inc_original_name = true;
+    s._search_type_1 = QStringLiteral("literal");
+    return s;
+}
+
+struct CompositionCase {
+    const char *name;
+    std::function<void(RenameSettings &)> rules;
+    QStringList originals; // composed one after another, in one pass
+    QStringList expected;
+    qint32 rows = 10;
+    bool numberDuplicates = false;
+    friend void PrintTo(const CompositionCase &c, std::ostream *os) { *os << c.name; }
+};
+
+class Compositions : public testing::TestWithParam<CompositionCase> {};
+
+TEST_P(Compositions, ComposeInOrder)
+{
+    const CompositionCase &c = GetParam();
+    NameComposer composer;
+    composer.settings = plainSettings();
+    c.rules(composer.settings);
+    composer.grep = [](const QString &text, const QString &pattern, const QString &replacement, bool) {
+        return text == pattern ? replacement : text; // a stand-in: the real one is Perl
+    };
+    QStringList names;
+    for (const QString &original : c.originals)
+        names.append(composer.generateNewName({original, c.rows, c.numberDuplicates, QStringLiteral("/p/Holiday/"), {}, {}}));
+    EXPECT_EQ(names, c.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, Compositions,
+    testing::Values(
+        CompositionCase{"counter_padded_to_row_count_width",
+                        [](RenameSettings &s) { s._prefix = "IMG_«#»"; s._prefix_start_num = 1; s._prefix_ai_counter = 1; s._inc_original_name = false; },
+                        {"a.jpg", "b.jpg"}, {"IMG_001.jpg", "IMG_002.jpg"}, 250},
+        CompositionCase{"counter_with_few_rows_unpadded",
+                        [](RenameSettings &s) { s._prefix = "IMG_«#»"; s._prefix_start_num = 9; s._prefix_ai_counter = 1; s._inc_original_name = false; },
+                        {"a.jpg", "b.jpg"}, {"IMG_9.jpg", "IMG_10.jpg"}, 9},
+        CompositionCase{"minimum_digits", [](RenameSettings &s) { s._prefix = "«#»-"; s._prefix_start_num = 3; s._prefix_add_leading_zeros_min = 4; },
+                        {"x.png"}, {"0003-x.png"}, 12},
+        CompositionCase{"increment_zero_and_negative",
+                        [](RenameSettings &s) { s._prefix = "«#»"; s._prefix_start_num = 5; s._prefix_ai_counter = 0; s._suffix = "_«#»"; s._suffix_start_num = 2; s._suffix_ai_counter = -1; },
+                        {"a", "b", "c"}, {"5a_2", "5b_1", "5c_0"}, 9},
+        CompositionCase{"counter_advances_without_token",
+                        [](RenameSettings &s) { s._prefix = "P"; s._prefix_start_num = 1; s._prefix_ai_counter = 1; s._suffix = "«#»"; s._suffix_start_num = 1; s._suffix_ai_counter = 10; },
+                        {"a", "b"}, {"Pa1", "Pb11"}, 9},
+        CompositionCase{"folder_token", [](RenameSettings &s) { s._prefix = "«ƒ» - "; s._suffix = " («ƒ»)"; }, {"beach.jpg"},
+                        {"Holiday - beach (Holiday).jpg"}},
+        CompositionCase{"duplicates_numbered_before_extension",
+                        [](RenameSettings &s) { s._inc_original_name = false; }, {"a.jpg", "b.jpg", "c.jpg", "d.png"},
+                        {".jpg", " 1.jpg", " 2.jpg", ".png"}, 10, true},
+        CompositionCase{"duplicates_not_numbered_when_not_asked", [](RenameSettings &s) { s._inc_original_name = false; },
+                        {"a.jpg", "b.jpg"}, {".jpg", ".jpg"}},
+        CompositionCase{"only_last_extension_goes", [](RenameSettings &) {}, {"archive.tar.gz", ".profile", "README"},
+                        {"archive.tar.gz", ".profile", "README"}},
+        CompositionCase{"literal_replace_all", [](RenameSettings &s) { s._filename_search_1 = "_"; s._filename_replace_1 = " "; },
+                        {"a_b_c.txt"}, {"a b c.txt"}},
+        CompositionCase{"grep_goes_to_the_replacer",
+                        [](RenameSettings &s) { s._search_type_1 = "GREP"; s._filename_search_1 = "old"; s._filename_replace_1 = "new"; },
+                        {"old.txt", "older.txt"}, {"new.txt", "older.txt"}},
+        CompositionCase{"trim_start_past_length_empties", [](RenameSettings &s) { s._trim_start = 3; }, {"ab.txt", "abcd.txt"},
+                        {".txt", "d.txt"}},
+        CompositionCase{"negative_trim_start_always_empties", [](RenameSettings &s) { s._trim_start = -1; }, {"abcdef.txt"}, {".txt"}},
+        CompositionCase{"negative_trim_end_keeps_last", [](RenameSettings &s) { s._trim_end = -2; }, {"abcdef.txt", "a.txt"},
+                        {"ef.txt", "a.txt"}},
+        CompositionCase{"negative_trim_end_longer_keeps_all", [](RenameSettings &s) { s._trim_end = -10; }, {"abc.txt"}, {"abc.txt"}},
+        CompositionCase{"trim_end", [](RenameSettings &s) { s._trim_end = 2; }, {"abcdef.txt", "ab.txt"}, {"abcd.txt", ".txt"}},
+        CompositionCase{"case_then_diacritics",
+                        [](RenameSettings &s) { s._change_case = true; s._case_transformation = "UPPERCASE"; s._orig_strip_diacriticals = true; },
+                        {"crème.txt"}, {"CREME.txt"}},
+        CompositionCase{"new_extension_even_blank",
+                        [](RenameSettings &s) { s._use_new_extension = true; s._extension = ""; }, {"photo.jpeg"}, {"photo"}},
+        CompositionCase{"new_extension", [](RenameSettings &s) { s._use_new_extension = true; s._extension = ".jpg"; },
+                        {"photo.jpeg", "noext"}, {"photo.jpg", "noext.jpg"}},
+        CompositionCase{"extension_case", [](RenameSettings &s) { s._ext_change_case = true; s._ext_case_transformation = "lowercase"; },
+                        {"IMG.JPG"}, {"IMG.jpg"}},
+        CompositionCase{"names_with_percent_signs", [](RenameSettings &s) { s._inc_original_name = true; },
+                        {"50%3 off.txt", "50%3 off.txt"}, {"50%3 off.txt", "50%3 off 1.txt"}, 10, true}),
+    [](const auto &info) { return info.param.name; });
+
+TEST(Composer, CountersAndTheDuplicateListAfterAPass)
+{
+    NameComposer composer;
+    composer.settings = plainSettings();
+    composer.settings._prefix_start_num = 1;
+    composer.settings._prefix_ai_counter = 2;
+    composer.settings._suffix_start_num = 10;
+    composer.settings._suffix_ai_counter = -3;
+    composer.generateNewName({"a.jpg", 5, true, "/f/", {}, {}});
+    composer.generateNewName({"a.jpg", 5, true, "/f/", {}, {}});
+    composer.generateNewName({"a.jpg", 5, false, "/f/", {}, {}});
+    EXPECT_EQ(composer.settings._prefix_start_num, 7);
+    EXPECT_EQ(composer.settings._suffix_start_num, 1);
+    EXPECT_EQ(composer.duplicate_check_list, QStringList({"/f/a.jpg", "/f/a 1.jpg"}))
+        << "a pass without numbering leaves the list alone";
+}
+
+TEST(Composer, PaddingFollowsTheControlNotItsCheckBox)
+{
+    NameComposer composer;
+    composer.settings._prefix = "«#»";
+    composer.settings._prefix_start_num = 7;
+    composer.settings._prefix_add_leading_zeros = false; // not consulted
+    EXPECT_EQ(composer.generateNewName({"", 120, false, "", {}, {}}), QStringLiteral("007"));
+    composer.prefixZerosControlConnected = false;
+    EXPECT_EQ(composer.generateNewName({"", 120, false, "", {}, {}}), QStringLiteral("7"));
+}
+
+struct ZerosCase {
+    qint32 counter, rows, minimum;
+    const char *expected;
+};
+
+TEST(Composer, LeadingZeros)
+{
+    for (const ZerosCase &c : {ZerosCase{7, 120, 0, "007"}, ZerosCase{3, 12, 4, "0003"}, ZerosCase{1234, 10, 2, "1234"},
+                               ZerosCase{-5, 100, 0, "0-5"}, ZerosCase{1, 10, 0, "01"}})
+        EXPECT_EQ(NameComposer::addLeadingZeros(c.counter, c.rows, c.minimum), QString::fromLatin1(c.expected))
+            << c.counter << " " << c.rows << " " << c.minimum;
+    EXPECT_EQ(NameComposer::addLeadingZeros(5, 0, -1), QString(254, u'0') + u'5') << "a negative minimum stops at 255";
+}
+
+struct CaseCase {
+    const char *name;
+    QString text;
+    QString theCase;
+    QString expected;
+    friend void PrintTo(const CaseCase &c, std::ostream *os) { *os << c.name; }
+};
+
+class CaseChanges : public testing::TestWithParam<CaseCase> {};
+
+TEST_P(CaseChanges, ByExactName)
+{
+    NameComposer composer;
+    composer.sentenceEndings = {".", "!", "?"};
+    EXPECT_EQ(composer.changeCase(GetParam().text, GetParam().theCase), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, CaseChanges,
+    testing::Values(CaseCase{"upper", "straße", "UPPERCASE", "STRASSE"}, CaseCase{"lower", "ÉTÉ", "lowercase", "été"},
+                    CaseCase{"title", "hello wORLD", "Title Case", "Hello World"},
+                    CaseCase{"title_keeps_spacing", "a  b\tc", "Title Case", "A  B\tC"},
+                    CaseCase{"sentence", "hello. world", "Sentence case", "Hello. World"},
+                    CaseCase{"sentence_runs", "A. b! c? d e", "Sentence case", "A. B! C? D e"},
+                    CaseCase{"sentence_lowers_the_rest", "HELLO WORLD", "Sentence case", "Hello world"},
+                    CaseCase{"sentence_empty", "", "Sentence case", ""},
+                    CaseCase{"unknown_name_unchanged", "MiXeD", "Upper Case", "MiXeD"}),
+    [](const auto &info) { return info.param.name; });
+
+TEST(Settings, TwentyFourEntriesOrARangeError)
+{
+    RenameSettings settings;
+    settings._prefix_date_to_use = 2;
+    settings.setConstantData({"p", "12", 3, true, "4x", false, "s", "r", "GREP", "YES", -1, "-2", 1, "Title Case", 0,
+                              "x", 5, 6, false, 7, ".jpg", true, false, "lowercase"});
+    EXPECT_EQ(settings._prefix_start_num, 12) << "text read as the platform reads numbers";
+    EXPECT_EQ(settings._prefix_add_leading_zeros_min, 4);
+    EXPECT_TRUE(settings._snr_consider_case_1);
+    EXPECT_EQ(settings._trim_end, -2);
+    EXPECT_EQ(settings._prefix_date_to_use, 2) << "date choices are the callers'";
+    EXPECT_THROW(settings.setConstantData({"too", "short"}), NamedException);
+}
+
+} // namespace
