@@ -94,6 +94,15 @@ void registerApplicationMethods(MethodRegistry &registry)
                                       const auto printed = PerlWorker::shared().run(program.toUtf8());
                                       return printed ? std::optional(QString::fromUtf8(*printed)) : std::nullopt;
                                   });
+    registry.addClassMethod(QStringLiteral("NomenPerl"), QStringLiteral("executeAll:"), [](Invocation &invocation) {
+        std::vector<QByteArray> programs;
+        for (const QString &program : convert<QStringList>(invocation.arguments[0], 0))
+            programs.push_back(program.toUtf8());
+        QVariantList answers;
+        for (const auto &printed : PerlWorker::shared().runAll(programs))
+            answers.append(printed ? QVariant(QString::fromUtf8(*printed)) : QVariant::fromValue(nullptr));
+        return QVariant(answers);
+    });
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),
                                   &ExifDates::imageCreatedDate);
 }

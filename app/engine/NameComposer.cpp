@@ -68,15 +68,15 @@ QString NameComposer::fillTokens(const QString &text, const QDateTime &date, con
     return filled;
 }
 
+QString NameComposer::baseNameOf(const QString &name)
+{
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot < 0 ? name : name.left(dot);
+}
+
 QString NameComposer::treatedBaseName(const QString &name)
 {
-    // Only the last extension goes: a.b.c gives a.b, .profile gives "".
-    QString base = name;
-    if (name.contains(u'.')) {
-        QStringList pieces = name.split(u'.');
-        pieces.removeLast();
-        base = pieces.join(u'.');
-    }
+    QString base = baseNameOf(name);
     if (settings._filename_search_1 != QLatin1String("")) {
         if (settings._search_type_1 == QLatin1String("GREP"))
             base = grep ? grep(base, settings._filename_search_1, settings._filename_replace_1,

@@ -4,6 +4,7 @@
 #include "RenameSettings.h"
 
 #include <QDateTime>
+#include <QSet>
 #include <QStringList>
 #include <QVariantList>
 #include <functional>
@@ -22,6 +23,28 @@ struct CompositionRequest {
     static CompositionRequest fromArray(const QVariantList &entries);
 };
 
+// Full paths given out as new names in the current pass, in order, with a
+// set beside the list so that each check is one lookup, not a scan.
+class DuplicateList {
+public:
+    void append(const QString &path)
+    {
+        m_list.append(path);
+        m_set.insert(path);
+    }
+    bool contains(const QString &path) const { return m_set.contains(path); }
+    void clear()
+    {
+        m_list.clear();
+        m_set.clear();
+    }
+    const QStringList &toList() const { return m_list; }
+
+private:
+    QStringList m_list;
+    QSet<QString> m_set;
+};
+
 // Turns an item's current name into its new name by the rename settings:
 // prefix (counter, folder, date tokens), the original base name (search and
 // replace, trimming, case, diacritics), suffix, extension; and numbers
@@ -33,7 +56,7 @@ public:
                                               const QString &replacement, bool consideringCase)>;
 
     RenameSettings settings;
-    QStringList duplicate_check_list;
+    DuplicateList duplicate_check_list;
     QStringList sentenceEndings = {QStringLiteral("."), QStringLiteral("!"), QStringLiteral("?")};
     LocalizedDateTokens tokens;
     // With the leading-zeros controls present the counter is always padded;
@@ -46,6 +69,8 @@ public:
     static QString addLeadingZeros(qint32 counter, qint32 rowCount, qint32 minimumDigits);
     QString changeCase(const QString &text, const QString &theCase) const;
     QString replaceInsertConstants(const QString &text, const QDateTime &date) const;
+    // The name without its last extension: a.b.c gives a.b, .profile "".
+    static QString baseNameOf(const QString &name);
 
 private:
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;

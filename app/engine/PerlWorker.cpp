@@ -24,29 +24,69 @@ const char *const driver = R"PERL(
 use Opcode qw(opmask_add invert_opset opset);
 use PerlIO::scalar;
 { my $warm = "\x{e9}a1 "; $warm =~ s/\p{L}|\p{Lu}|\p{Digit}|\w|\s|\d/x/gi; my $lower = lc($warm) . uc($warm) . ucfirst($warm); }
-binmode STDIN; binmode STDOUT; $| = 1;
+binmode STDIN; binmode STDOUT;
 my $output = '';
 open(my $capture, '>', \$output) or die;
+my %compiled;
 sub run_sandboxed {
     local $@;
     eval "package Sandbox;\n#line 1\n" . $_[0];
     return $@ ? 1 : 0;
 }
+# The composer's programs differ only in their text. When the text cannot
+# interpolate anything and the pattern and replacement run no code, the
+# substitution is compiled once and reused: it does exactly what the whole
+# program would, and keeps no state between names.
+sub run_substitution {
+    my ($program) = @_;
+    return undef unless $program =~ m{\A\$x = "((?:[^"\\\$\@]|\\.)*)"; \$x =~ s/((?:[^/\\]|\\.)*)/((?:[^/\\]|\\.)*)/g(i?); print \$x;\z}s;
+    my ($text, $pattern, $replacement, $flags) = ($1, $2, $3, $4);
+    for ($pattern, $replacement) {
+        return undef if /[\@{]/ || /\$(?![0-9&])/ || /\(\?\??\{/;
+    }
+    $text =~ s/\\(.)/$1/gs;
+    my $key = "$flags\0$pattern\0$replacement";
+    %compiled = () if keys(%compiled) > 64;
+    my $code = $compiled{$key};
+    unless ($code) {
+        local $@;
+        $code = eval "package Sandbox;\nsub { \$x = \$_[0]; \$x =~ s/$pattern/$replacement/g$flags; print \$x; }";
+        return 1 unless $code;
+        $compiled{$key} = $code;
+    }
+    local $@;
+    eval { $code->($text); 1 } or return 1;
+    return 0;
+}
+# Requests are read in blocks and answered in blocks: everything that has
+# arrived is worked through before the answers go out in one write.
 sub serve {
-    while (defined(my $header = <STDIN>)) {
-        last unless $header =~ /^(\d+)$/;
-        my $length = $1;
-        my $program = '';
-        while (length($program) < $length) {
-            last unless read(STDIN, $program, $length - length($program), length($program));
+    my ($in, $out) = ('', '');
+    for (;;) {
+        while ($in =~ /\A(\d+)\n/) {
+            my ($length, $start) = ($1, length($1) + 1);
+            last if length($in) < $start + $length;
+            my $program = substr($in, $start, $length);
+            substr($in, 0, $start + $length) = '';
+            $output = '';
+            seek($capture, 0, 0);
+            my $previous = select($capture);
+            my $failed = run_substitution($program);
+            # Only a whole program can leave names behind; empty its package after it.
+            unless (defined $failed) {
+                $failed = run_sandboxed($program);
+                undef %Sandbox::;
+            }
+            select($previous);
+            $out .= "$failed " . length($output) . "\n" . $output;
         }
-        $output = '';
-        seek($capture, 0, 0);
-        my $previous = select($capture);
-        my $failed = run_sandboxed($program);
-        select($previous);
-        undef %Sandbox::;
-        print STDOUT "$failed ", length($output), "\n", $output;
+        return if length($in) && $in !~ /\A\d*\z/ && $in !~ /\A\d+\n/;
+        while (length $out) {
+            my $written = syswrite(STDOUT, $out);
+            return unless $written;
+            substr($out, 0, $written) = '';
+        }
+        return unless sysread(STDIN, $in, 1 << 20, length $in);
     }
 }
 opmask_add(invert_opset(opset(':default', 'print')));
@@ -114,7 +154,9 @@ bool PerlWorker::start()
     prlimit(m_pid, RLIMIT_AS, &limit, nullptr);
     m_toPerl = toPerl[1];
     m_fromPerl = fromPerl[0];
+    fcntl(m_toPerl, F_SETFL, fcntl(m_toPerl, F_GETFL) | O_NONBLOCK);
     m_pending.clear();
+    m_taken = 0;
     return true;
 }
 
@@ -133,85 +175,99 @@ void PerlWorker::stop()
     }
     m_pid = -1;
     m_pending.clear();
+    m_taken = 0;
 }
 
-bool PerlWorker::readLine(QByteArray &into, qint64 deadline)
+// A whole response in the pending bytes: "STATUS LENGTH\n" and the output.
+// Answers are taken from a read position, not cut from the front, so a
+// batch's many answers cost no copying of what follows them.
+std::optional<PerlWorker::Response> PerlWorker::takeResponse()
 {
-    for (;;) {
-        const qsizetype end = m_pending.indexOf('\n');
-        if (end >= 0) {
-            into = m_pending.left(end);
-            m_pending.remove(0, end + 1);
-            return true;
-        }
-        QByteArray more;
-        if (!readExactly(more, -1, deadline))
-            return false;
+    const qsizetype end = m_pending.indexOf('\n', m_taken);
+    if (end < 0) {
+        m_pending.remove(0, m_taken);
+        m_taken = 0;
+        return std::nullopt;
     }
-}
-
-// Reads `count` bytes into `into` (or, with -1, whatever arrives next into
-// the pending buffer) before the deadline.
-bool PerlWorker::readExactly(QByteArray &into, qsizetype count, qint64 deadline)
-{
-    while (count < 0 || m_pending.size() < count) {
-        const qint64 left = deadline - now();
-        if (left <= 0)
-            return false;
-        pollfd fd{m_fromPerl, POLLIN, 0};
-        const int ready = poll(&fd, 1, int(left));
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            return false;
-        char buffer[65536];
-        const ssize_t got = read(m_fromPerl, buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return false;
-        m_pending.append(buffer, got);
-        if (count < 0)
-            return true;
-    }
-    into = m_pending.left(count);
-    m_pending.remove(0, count);
-    return true;
+    const QByteArrayView header(m_pending.constData() + m_taken, end - m_taken);
+    const qsizetype space = header.indexOf(' ');
+    bool sized = space > 0;
+    const qsizetype length = sized ? header.sliced(space + 1).toLongLong(&sized) : 0;
+    if (!sized)
+        return Response{false, {}, true};
+    if (m_pending.size() < end + 1 + length)
+        return std::nullopt;
+    Response response{header.first(space) == "0", m_pending.mid(end + 1, length), false};
+    m_taken = end + 1 + length;
+    return response;
 }
 
 std::optional<QByteArray> PerlWorker::run(const QByteArray &program)
 {
+    return runAll({program}).front();
+}
+
+std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByteArray> &programs)
+{
     std::lock_guard guard(m_lock);
     static const bool sigpipeIgnored = [] { return signal(SIGPIPE, SIG_IGN) != SIG_ERR; }();
     Q_UNUSED(sigpipeIgnored);
-    if (m_pid < 0 && !start())
-        return std::nullopt;
-    const QByteArray request = QByteArray::number(program.size()) + '\n' + program;
-    for (qsizetype sent = 0; sent < request.size();) {
-        const ssize_t written = write(m_toPerl, request.constData() + sent, size_t(request.size() - sent));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            stop();
-            return std::nullopt;
+    std::vector<std::optional<QByteArray>> results(programs.size());
+    size_t answered = 0;
+    while (answered < programs.size()) {
+        if (m_pid < 0 && !start())
+            break;
+        // Requests go out while answers come back, so neither pipe fills
+        // up; each answer must come within the time limit of the one before.
+        QByteArray outgoing;
+        for (size_t i = answered; i < programs.size(); ++i)
+            outgoing += QByteArray::number(programs[i].size()) + '\n' + programs[i];
+        qsizetype sent = 0;
+        qint64 deadline = now() + m_timeoutMs;
+        bool broken = false;
+        while (answered < programs.size() && !broken) {
+            while (const auto response = takeResponse()) {
+                if (response->garbled) {
+                    broken = true;
+                    break;
+                }
+                if (response->ok)
+                    results[answered] = response->output;
+                ++answered;
+                deadline = now() + m_timeoutMs;
+            }
+            if (broken || answered == programs.size())
+                break;
+            const qint64 left = deadline - now();
+            if (left <= 0) {
+                broken = true; // this program ran too long: it fails, the rest go to a new worker
+                ++answered;
+                break;
+            }
+            pollfd fds[2] = {{m_fromPerl, POLLIN, 0}, {m_toPerl, POLLOUT, 0}};
+            const nfds_t count = sent < outgoing.size() ? 2 : 1;
+            if (poll(fds, count, int(left)) < 0 && errno != EINTR) {
+                broken = true;
+                break;
+            }
+            if (count == 2 && (fds[1].revents & (POLLOUT | POLLERR | POLLHUP))) {
+                const ssize_t written = write(m_toPerl, outgoing.constData() + sent, size_t(outgoing.size() - sent));
+                if (written > 0)
+                    sent += written;
+                else if (errno != EAGAIN && errno != EINTR)
+                    broken = true;
+            }
+            if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) {
+                char buffer[65536];
+                const ssize_t got = read(m_fromPerl, buffer, sizeof buffer);
+                if (got > 0)
+                    m_pending.append(buffer, got);
+                else if (got == 0 || (errno != EAGAIN && errno != EINTR))
+                    broken = true;
+            }
         }
-        sent += written;
+        if (broken)
+            stop();
     }
-    const qint64 deadline = now() + m_timeoutMs;
-    QByteArray header;
-    QByteArray output;
-    if (!readLine(header, deadline)) {
-        stop(); // too slow, or gone: the next program gets a fresh worker
-        return std::nullopt;
-    }
-    const QList<QByteArray> parts = header.split(' ');
-    bool sized = parts.size() == 2;
-    const qsizetype length = sized ? parts[1].toLongLong(&sized) : 0;
-    if (!sized || !readExactly(output, length, deadline)) {
-        stop();
-        return std::nullopt;
-    }
-    if (parts[0] != "0")
-        return std::nullopt;
-    return output;
+    return results;
 }

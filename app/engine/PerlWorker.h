@@ -4,6 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <sys/types.h>
+#include <vector>
 
 // One long-lived perl process that runs programs as `perl -e PROGRAM` would
 // and answers what they print. The programs it runs may do no more than
@@ -19,6 +20,9 @@ public:
 
     // The program's output, or nullopt when it failed to compile or run.
     std::optional<QByteArray> run(const QByteArray &program);
+    // Many programs at once, sent while earlier answers come back: a batch
+    // costs the programs' own time, not a round trip each.
+    std::vector<std::optional<QByteArray>> runAll(const std::vector<QByteArray> &programs);
 
     // The one worker of this process.
     static PerlWorker &shared();
@@ -26,13 +30,18 @@ public:
 private:
     bool start();
     void stop();
-    bool readExactly(QByteArray &into, qsizetype count, qint64 deadline);
-    bool readLine(QByteArray &into, qint64 deadline);
+    struct Response {
+        bool ok;
+        QByteArray output;
+        bool garbled;
+    };
+    std::optional<Response> takeResponse();
 
     int m_timeoutMs;
     pid_t m_pid = -1;
     int m_toPerl = -1;
     int m_fromPerl = -1;
     QByteArray m_pending;
+    qsizetype m_taken = 0; // answers before this position are taken
     std::mutex m_lock;
 };

@@ -56,8 +56,32 @@ QString RenameEngine::snrGrep(const QString &text, const QString &pattern, const
                               bool consideringCase)
 {
     return GrepReplace::snrGrep(text, pattern, replacement, consideringCase, [this](const QString &program) {
+        const auto known = m_grepAnswers.constFind(program);
+        if (known != m_grepAnswers.constEnd())
+            return *known;
         return ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_perl, QStringLiteral("execute_perl"), program);
     });
+}
+
+void RenameEngine::prefetchGrep(const QStringList &names)
+{
+    m_grepAnswers.clear();
+    const RenameSettings &s = settings();
+    if (s._search_type_1 != QLatin1String("GREP") || s._filename_search_1.isEmpty() || !s._inc_original_name)
+        return;
+    QVariantList programs;
+    for (const QString &name : names)
+        programs.append(GrepReplace::program(NameComposer::baseNameOf(name), s._filename_search_1,
+                                             s._filename_replace_1, s._snr_consider_case_1));
+    const QVariant answers =
+        ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_perl, QStringLiteral("execute_perl_batch"), programs);
+    const QVariantList list = answers.toList();
+    // An error pair, or any answer of the wrong size, is no answer: each
+    // name then asks on its own.
+    if (answers.typeId() != QMetaType::QVariantList || list.size() != programs.size())
+        return;
+    for (qsizetype i = 0; i < programs.size(); ++i)
+        m_grepAnswers.insert(programs[i].toString(), list[i]);
 }
 
 QVariant RenameEngine::getEXIFDate(const QVariant &path)

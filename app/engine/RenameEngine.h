@@ -35,11 +35,16 @@ public:
     CompiledScript &exif_info() { return *m_exifInfo; }
 
     QString snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase);
+    // Before a batch pass: the GREP replacements of all these names are
+    // worked out in one exchange with Perl (the helper script's
+    // "execute_perl_batch"), so composing them costs no round trip each.
+    void prefetchGrep(const QStringList &names);
     QVariant getEXIFDate(const QVariant &path);
 
 private:
     std::unique_ptr<CompiledScript> m_perl;
     std::unique_ptr<CompiledScript> m_exifInfo;
+    QHash<QString, QVariant> m_grepAnswers; // program -> what execute_perl answered
 };
 
 // Whether the system counts as release 10.4 or later, set once at start-up.

@@ -3,3 +3,8 @@
 function execute_perl(program) {
     return callClassMethod("NomenPerl", "execute:", [program]);
 }
+
+// Many programs at once, for a batch pass: the answers in the same order.
+function execute_perl_batch(programs) {
+    return callClassMethod("NomenPerl", "executeAll:", [programs]);
+}

@@ -106,7 +106,7 @@ TEST(Composer, CountersAndTheDuplicateListAfterAPass)
     composer.generateNewName({"a.jpg", 5, false, "/f/", {}, {}});
     EXPECT_EQ(composer.settings._prefix_start_num, 7);
     EXPECT_EQ(composer.settings._suffix_start_num, 1);
-    EXPECT_EQ(composer.duplicate_check_list, QStringList({"/f/a.jpg", "/f/a 1.jpg"}))
+    EXPECT_EQ(composer.duplicate_check_list.toList(), QStringList({"/f/a.jpg", "/f/a 1.jpg"}))
         << "a pass without numbering leaves the list alone";
 }
 

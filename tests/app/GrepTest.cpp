@@ -105,6 +105,26 @@ TEST(Worker, RunawayProgramsFailAndTheWorkerRecovers)
     EXPECT_EQ(worker.run("print 'still'"), QByteArray("still"));
 }
 
+TEST(Worker, ABatchAnswersEachProgramInOrderEvenPastARunawayOne)
+{
+    PerlWorker worker(500);
+    const std::vector<QByteArray> programs = {
+        GrepReplace::program("IMG_1", "(\\d)", "<$1>", true).toUtf8(),  // the reused substitution
+        "1 while 1; print 'never';",                                     // runs past the limit
+        GrepReplace::program("a$b", "a", "c", true).toUtf8(),            // a whole program: $b interpolates
+        "not perl (",                                                    // does not compile
+        GrepReplace::program("IMG_2", "(\\d)", "<$1>", true).toUtf8(), // after a fresh worker
+    };
+    const auto answers = worker.runAll(programs);
+    ASSERT_EQ(answers.size(), programs.size());
+    EXPECT_EQ(answers[0], QByteArray("IMG_<1>"));
+    EXPECT_EQ(answers[1], std::nullopt);
+    EXPECT_EQ(answers[2], QByteArray("c"));
+    EXPECT_EQ(answers[3], std::nullopt);
+    EXPECT_EQ(answers[4], QByteArray("IMG_<2>"));
+    EXPECT_EQ(*answers[2], perlE(QString::fromUtf8(programs[2])));
+}
+
 TEST(RunPerl, OutputOrNo)
 {
     EXPECT_EQ(GrepReplace::runPERL({QStringLiteral("-e"), QStringLiteral("print \"a\\n\\n\"")}), QVariant(QStringLiteral("a")));
