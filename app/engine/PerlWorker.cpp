@@ -59,7 +59,15 @@ sub run_substitution {
     return 0;
 }
 # Requests are read in blocks and answered in blocks: everything that has
-# arrived is worked through before the answers go out in one write.
+# arrived is worked through before the answers go out together.
+sub flush_answers {
+    while (length $_[0]) {
+        my $written = syswrite(STDOUT, $_[0]);
+        return 0 unless $written;
+        substr($_[0], 0, $written) = '';
+    }
+    return 1;
+}
 sub serve {
     my ($in, $out) = ('', '');
     for (;;) {
@@ -81,11 +89,7 @@ sub serve {
             $out .= "$failed " . length($output) . "\n" . $output;
         }
         return if length($in) && $in !~ /\A\d*\z/ && $in !~ /\A\d+\n/;
-        while (length $out) {
-            my $written = syswrite(STDOUT, $out);
-            return unless $written;
-            substr($out, 0, $written) = '';
-        }
+        return unless flush_answers($out);
         return unless sysread(STDIN, $in, 1 << 20, length $in);
     }
 }
@@ -213,61 +217,86 @@ std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByt
     static const bool sigpipeIgnored = [] { return signal(SIGPIPE, SIG_IGN) != SIG_ERR; }();
     Q_UNUSED(sigpipeIgnored);
     std::vector<std::optional<QByteArray>> results(programs.size());
-    size_t answered = 0;
-    while (answered < programs.size()) {
-        if (m_pid < 0 && !start())
+    size_t next = 0;
+    while (next < programs.size()) {
+        const Progress progress = exchange(programs, next, programs.size(), results);
+        if (!progress.started)
+            break; // no perl to run them: they all fail
+        next = progress.answered;
+        if (next == programs.size())
             break;
-        // Requests go out while answers come back, so neither pipe fills
-        // up; each answer must come within the time limit of the one before.
-        QByteArray outgoing;
-        for (size_t i = answered; i < programs.size(); ++i)
-            outgoing += QByteArray::number(programs[i].size()) + '\n' + programs[i];
-        qsizetype sent = 0;
-        qint64 deadline = now() + m_timeoutMs;
-        bool broken = false;
-        while (answered < programs.size() && !broken) {
-            while (const auto response = takeResponse()) {
-                if (response->garbled) {
-                    broken = true;
-                    break;
-                }
-                if (response->ok)
-                    results[answered] = response->output;
-                ++answered;
-                deadline = now() + m_timeoutMs;
-            }
-            if (broken || answered == programs.size())
-                break;
-            const qint64 left = deadline - now();
-            if (left <= 0) {
-                broken = true; // this program ran too long: it fails, the rest go to a new worker
-                ++answered;
-                break;
-            }
-            pollfd fds[2] = {{m_fromPerl, POLLIN, 0}, {m_toPerl, POLLOUT, 0}};
-            const nfds_t count = sent < outgoing.size() ? 2 : 1;
-            if (poll(fds, count, int(left)) < 0 && errno != EINTR) {
+        // Answers come in blocks, so a program that ran away held back the
+        // answers of those sent with it: they go again one at a time, and
+        // only the runaway one fails.
+        const size_t window = std::max(progress.sent, next + 1);
+        for (; next < window; ++next)
+            exchange(programs, next, next + 1, results);
+    }
+    return results;
+}
+
+// Sends programs [first, last) while reading their answers into `results`.
+// On a timeout or a broken worker it stops the worker and says how far the
+// answers and the sending got.
+PerlWorker::Progress PerlWorker::exchange(const std::vector<QByteArray> &programs, size_t first, size_t last,
+                                          std::vector<std::optional<QByteArray>> &results)
+{
+    if (m_pid < 0 && !start())
+        return {false, first, first};
+    QByteArray outgoing;
+    std::vector<qsizetype> ends;
+    for (size_t i = first; i < last; ++i) {
+        outgoing += QByteArray::number(programs[i].size()) + '\n' + programs[i];
+        ends.push_back(outgoing.size());
+    }
+    qsizetype sent = 0;
+    size_t answered = first;
+    qint64 deadline = now() + m_timeoutMs;
+    bool broken = false;
+    while (answered < last && !broken) {
+        while (const auto response = takeResponse()) {
+            if (response->garbled) {
                 broken = true;
                 break;
             }
-            if (count == 2 && (fds[1].revents & (POLLOUT | POLLERR | POLLHUP))) {
-                const ssize_t written = write(m_toPerl, outgoing.constData() + sent, size_t(outgoing.size() - sent));
-                if (written > 0)
-                    sent += written;
-                else if (errno != EAGAIN && errno != EINTR)
-                    broken = true;
-            }
-            if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) {
-                char buffer[65536];
-                const ssize_t got = read(m_fromPerl, buffer, sizeof buffer);
-                if (got > 0)
-                    m_pending.append(buffer, got);
-                else if (got == 0 || (errno != EAGAIN && errno != EINTR))
-                    broken = true;
-            }
+            if (response->ok)
+                results[answered] = response->output;
+            ++answered;
+            deadline = now() + m_timeoutMs;
         }
-        if (broken)
-            stop();
+        if (broken || answered == last)
+            break;
+        const qint64 left = deadline - now();
+        if (left <= 0) {
+            broken = true;
+            break;
+        }
+        pollfd fds[2] = {{m_fromPerl, POLLIN, 0}, {m_toPerl, POLLOUT, 0}};
+        const nfds_t count = sent < outgoing.size() ? 2 : 1;
+        if (poll(fds, count, int(left)) < 0 && errno != EINTR) {
+            broken = true;
+            break;
+        }
+        if (count == 2 && (fds[1].revents & (POLLOUT | POLLERR | POLLHUP))) {
+            const ssize_t written = write(m_toPerl, outgoing.constData() + sent, size_t(outgoing.size() - sent));
+            if (written > 0)
+                sent += written;
+            else if (errno != EAGAIN && errno != EINTR)
+                broken = true;
+        }
+        if (fds[0].revents & (POLLIN | POLLHUP | POLLERR)) {
+            char buffer[65536];
+            const ssize_t got = read(m_fromPerl, buffer, sizeof buffer);
+            if (got > 0)
+                m_pending.append(buffer, got);
+            else if (got == 0 || (errno != EAGAIN && errno != EINTR))
+                broken = true;
+        }
     }
-    return results;
+    if (broken)
+        stop();
+    size_t fullySent = first;
+    while (fullySent < last && ends[fullySent - first] <= sent)
+        ++fullySent;
+    return {true, answered, fullySent};
 }

@@ -36,6 +36,13 @@ private:
         bool garbled;
     };
     std::optional<Response> takeResponse();
+    struct Progress {
+        bool started;    // a worker was there to ask
+        size_t answered; // programs before this one have their answers
+        size_t sent;     // programs before this one were sent whole
+    };
+    Progress exchange(const std::vector<QByteArray> &programs, size_t first, size_t last,
+                      std::vector<std::optional<QByteArray>> &results);
 
     int m_timeoutMs;
     pid_t m_pid = -1;
