@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "PathCodec.h"
 
 #include "FileMoves.h"
 #include "FileStatus.h"
@@ -46,7 +47,7 @@ bool runAsAdministrator(const QStringList &command)
     const QString pkexec = QStandardPaths::findExecutable(QStringLiteral("pkexec"));
     if (pkexec.isEmpty())
         return false;
-    std::vector<QByteArray> bytes = {QFile::encodeName(pkexec)};
+    std::vector<QByteArray> bytes = {PathCodec::encode(pkexec)};
     for (const QString &word : command)
         bytes.push_back(word.toLocal8Bit());
     std::vector<char *> argv;
@@ -66,7 +67,7 @@ bool setOwnership(const QString &path, const QString &owner, const QString &grou
 {
     const passwd *user = getpwnam(owner.toLocal8Bit().constData());
     const struct group *team = getgrnam(group.toLocal8Bit().constData());
-    if (user && team && chown(QFile::encodeName(path).constData(), user->pw_uid, team->gr_gid) == 0)
+    if (user && team && chown(PathCodec::encode(path).constData(), user->pw_uid, team->gr_gid) == 0)
         return true;
     return runAsAdministrator({QStringLiteral("chown"), owner + u':' + group, path});
 }
@@ -103,7 +104,7 @@ bool ROZ_MiscMethods::setModificationDate(const QString &path, const QString &da
         return false;
     const qint64 ms = when->toMSecsSinceEpoch();
     const timespec times[2] = {{0, UTIME_OMIT}, {time_t(ms / 1000), long((ms % 1000) * 1000000)}};
-    return utimensat(AT_FDCWD, QFile::encodeName(posix).constData(), times, 0) == 0;
+    return utimensat(AT_FDCWD, PathCodec::encode(posix).constData(), times, 0) == 0;
 }
 
 bool ROZ_MiscMethods::setCreationAndModificationDate(const QString &path, const QString &date)
@@ -191,7 +192,7 @@ bool ROZ_MiscMethods::setItemPermissions(const QString &path, const QVariant &pe
                               : permissions.toInt();
     if (int(status->mode & 07777) == requested)
         return true;
-    if (chmod(QFile::encodeName(posix).constData(), mode_t(requested) & 07777) == 0)
+    if (chmod(PathCodec::encode(posix).constData(), mode_t(requested) & 07777) == 0)
         return true;
     // The text form goes to chmod, which reads it as an octal mode.
     return runAsAdministrator({QStringLiteral("chmod"), QString::number(requested), posix});

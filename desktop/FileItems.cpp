@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "PathCodec.h"
 
 #include "DictionaryAdditions.h"
 #include "FileStatus.h"
@@ -151,7 +152,7 @@ bool ROZ_MiscMethods::returnItemIsFolder(const QString &path)
 {
     // Asked for every item of a listing: one lstat, nothing more.
     struct stat info;
-    const QByteArray bytes = QFile::encodeName(pathPOSIX(path));
+    const QByteArray bytes = PathCodec::encode(pathPOSIX(path));
     return !bytes.isEmpty() && lstat(bytes.constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
@@ -164,7 +165,7 @@ bool ROZ_MiscMethods::returnItemIsPackage(const QString &)
 
 bool ROZ_MiscMethods::returnItemIsWritable(const QString &path)
 {
-    const QByteArray bytes = QFile::encodeName(pathPOSIX(path));
+    const QByteArray bytes = PathCodec::encode(pathPOSIX(path));
     return !bytes.isEmpty() && access(bytes.constData(), W_OK) == 0;
 }
 
@@ -174,8 +175,10 @@ std::optional<QStringList> ROZ_MiscMethods::returnFolderContents(const QString &
     const auto status = FileStatus::of(posix, true);
     if (!status || !status->isDirectory())
         return std::nullopt;
-    return QDir(posix).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                 QDir::Name);
+    auto names = FileStatus::entryNames(posix);
+    if (names)
+        names->sort();
+    return names;
 }
 
 std::optional<QVariantMap> ROZ_MiscMethods::attributesOfItem(const QString &path)

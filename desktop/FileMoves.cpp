@@ -1,4 +1,5 @@
 #include "FileMoves.h"
+#include "PathCodec.h"
 
 #include <QFile>
 #include <cerrno>
@@ -9,8 +10,8 @@ namespace FileMoves {
 
 int moveWithoutReplacing(const QString &from, const QString &to)
 {
-    const QByteArray source = QFile::encodeName(from);
-    const QByteArray destination = QFile::encodeName(to);
+    const QByteArray source = PathCodec::encode(from);
+    const QByteArray destination = PathCodec::encode(to);
     if (source.isEmpty() || destination.isEmpty())
         return ENOENT;
     if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, destination.constData(), RENAME_NOREPLACE) == 0)

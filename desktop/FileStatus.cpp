@@ -1,10 +1,12 @@
 #include "FileStatus.h"
+#include "PathCodec.h"
 
 #include <QFile>
 #include <QHash>
 #include <QMutex>
 #include <QtEndian>
 #include <cerrno>
+#include <dirent.h>
 #include <fcntl.h>
 #include <grp.h>
 #include <linux/fs.h>
@@ -38,7 +40,7 @@ namespace FileStatus {
 
 std::optional<ItemStatus> of(const QString &path, bool followLinks)
 {
-    const QByteArray bytes = QFile::encodeName(path);
+    const QByteArray bytes = PathCodec::encode(path);
     struct statx info {};
     const int flags = AT_STATX_SYNC_AS_STAT | (followLinks ? 0 : AT_SYMLINK_NOFOLLOW);
     if (bytes.isEmpty() || statx(AT_FDCWD, bytes.constData(), flags, STATX_BASIC_STATS | STATX_BTIME, &info) != 0)
@@ -59,6 +61,22 @@ std::optional<ItemStatus> of(const QString &path, bool followLinks)
     if (info.stx_attributes_mask & STATX_ATTR_APPEND)
         status.appendOnly = (info.stx_attributes & STATX_ATTR_APPEND) != 0;
     return status;
+}
+
+std::optional<QStringList> entryNames(const QString &folder)
+{
+    DIR *directory = opendir(PathCodec::encode(folder).constData());
+    if (!directory)
+        return std::nullopt;
+    QStringList names;
+    while (const dirent *entry = readdir(directory)) {
+        const char *name = entry->d_name;
+        if ((name[0] == '.' && name[1] == 0) || (name[0] == '.' && name[1] == '.' && name[2] == 0))
+            continue;
+        names.append(PathCodec::decode(QByteArray(name)));
+    }
+    closedir(directory);
+    return names;
 }
 
 QString ownerName(uid_t uid)
@@ -95,7 +113,7 @@ std::optional<Flags> flags(const QString &path)
         return Flags{*status->immutable, *status->appendOnly};
     if (!S_ISREG(status->mode) && !S_ISDIR(status->mode))
         return Flags{};
-    const int fd = open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    const int fd = open(PathCodec::encode(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (fd < 0)
         return std::nullopt;
     int bits = 0;
@@ -118,7 +136,7 @@ constexpr int infoSize = 32;
 std::optional<Info> read(const QString &path)
 {
     unsigned char bytes[infoSize];
-    const ssize_t got = getxattr(QFile::encodeName(path).constData(), attribute, bytes, sizeof bytes);
+    const ssize_t got = getxattr(PathCodec::encode(path).constData(), attribute, bytes, sizeof bytes);
     if (got < 10)
         return std::nullopt;
     return Info{qFromBigEndian<quint32>(bytes), qFromBigEndian<quint32>(bytes + 4),
@@ -127,7 +145,7 @@ std::optional<Info> read(const QString &path)
 
 bool writeCodes(const QString &path, std::optional<quint32> type, std::optional<quint32> creator)
 {
-    const QByteArray name = QFile::encodeName(path);
+    const QByteArray name = PathCodec::encode(path);
     unsigned char bytes[infoSize] = {};
     getxattr(name.constData(), attribute, bytes, sizeof bytes);
     if (type)

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <optional>
 #include <sys/types.h>
 
@@ -26,6 +27,9 @@ struct ItemStatus {
 namespace FileStatus {
 
 std::optional<ItemStatus> of(const QString &path, bool followLinks);
+// The names in a folder in the order the file system gives them, "." and
+// ".." left out, each decoded losslessly; nullopt when it cannot be read.
+std::optional<QStringList> entryNames(const QString &folder);
 QString ownerName(uid_t uid);
 QString groupName(gid_t gid);
 // The flags chattr sets: immutable and append-only.

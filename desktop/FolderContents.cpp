@@ -19,8 +19,8 @@ void enumerate(const QString &base, const QString &relative, bool withInvisibles
                QVariantList &subfolders)
 {
     const QString folder = relative.isEmpty() ? base : base + u'/' + relative;
-    const QStringList names =
-        QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+    QStringList names = FileStatus::entryNames(folder).value_or(QStringList());
+    names.sort();
     for (const QString &name : names) {
         const QString relativeName = relative.isEmpty() ? name : relative + u'/' + name;
         const QString full = base + u'/' + relativeName;

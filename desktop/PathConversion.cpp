@@ -1,4 +1,5 @@
 #include "PathConversion.h"
+#include "PathCodec.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,7 +22,7 @@ QString rootFileSystemLabel()
     const QDir labels(QStringLiteral("/dev/disk/by-label"));
     for (const QFileInfo &entry : labels.entryInfoList(QDir::System | QDir::Files | QDir::NoDotAndDotDot)) {
         struct stat device {};
-        if (stat(QFile::encodeName(entry.absoluteFilePath()).constData(), &device) == 0
+        if (stat(PathCodec::encode(entry.absoluteFilePath()).constData(), &device) == 0
             && S_ISBLK(device.st_mode) && device.st_rdev == root.st_dev)
             return entry.fileName().replace(QStringLiteral("\\x20"), QStringLiteral(" "));
     }

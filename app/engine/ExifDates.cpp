@@ -1,4 +1,5 @@
 #include "ExifDates.h"
+#include "PathCodec.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -42,7 +43,7 @@ QVariant imageCreatedDate(const QString &path)
     }();
     Q_UNUSED(quiet);
     try {
-        auto image = Exiv2::ImageFactory::open(QFile::encodeName(path).toStdString());
+        auto image = Exiv2::ImageFactory::open(PathCodec::encode(path).toStdString());
         if (!image.get())
             return false;
         image->readMetadata();
