@@ -1,11 +1,16 @@
 #include "ApplicationMethods.h"
 
+#include "BatchRenaming.h"
 #include "ExifDates.h"
+#include "FileMoves.h"
+#include "FolderListing.h"
+#include "SystemLog.h"
 #include "GrepReplace.h"
 #include "NativeBinding.h"
 #include "PerlWorker.h"
 #include "RZApplication.h"
 
+#include <QAbstractItemView>
 #include <QLineEdit>
 
 namespace {
@@ -87,6 +92,85 @@ void registerApplicationMethods(MethodRegistry &registry)
         app.engine().display_realtime_preview = convert<bool>(args[0], 0);
         return QVariant();
     });
+
+    // Listing.
+    add(registry, "parseItems:", [](RZApplication &app, const QVariantList &args) {
+        return app.parseItems(convert<QVariantList>(args[0], 0));
+    });
+    add(registry, "listFolder:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(FolderListing::listFolder(convert<QString>(args[0], 0)));
+    });
+    add(registry, "directoryContents:withInvisibles:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(FolderListing::directoryContents(convert<QString>(args[0], 0), convert<bool>(args[1], 1)));
+    });
+    add(registry, "getFileInfo:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.engine().listing().getFileInfo(convert<QString>(args[0], 0)));
+    });
+    add(registry, "getFolderInfo:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.engine().listing().getFolderInfo(convert<QString>(args[0], 0)));
+    });
+    add(registry, "containerAndItemName:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(FolderListing::containerAndItemName(convert<QString>(args[0], 0)));
+    });
+    add(registry, "fileTypeCode:inSet:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(FolderListing::fileTypeCode(convert<quint32>(args[0], 0), convert<QStringList>(args[1], 1)));
+    });
+
+    // The file table.
+    add(registry, "setTableRows:", [](RZApplication &app, const QVariantList &args) {
+        app.fileTableDataSource().setRows(convert<QVariantList>(args[0], 0));
+        return QVariant();
+    });
+    add(registry, "tableRows", [](RZApplication &app, const QVariantList &) { return QVariant(app.fileTableDataSource().rows()); });
+    add(registry, "getValueForColumn:atRow:", [](RZApplication &app, const QVariantList &args) {
+        return app.fileTableDataSource().valueForColumn(convert<QString>(args[0], 0), convert<int>(args[1], 1));
+    });
+    add(registry, "setValue:atColumn:atRow:", [](RZApplication &app, const QVariantList &args) {
+        app.fileTableDataSource().setValue(args[0], convert<QString>(args[1], 1), convert<int>(args[2], 2));
+        return QVariant();
+    });
+
+    // Progress.
+    add(registry, "updateProgress:maxCount:withSuperMessage:withMessage:", [](RZApplication &app, const QVariantList &args) {
+        app.updateProgress(convert<double>(args[0], 0), convert<double>(args[1], 1), convert<QString>(args[2], 2),
+                           convert<QString>(args[3], 3));
+        return QVariant();
+    });
+    add(registry, "stopIndeterminateProgress:", [](RZApplication &app, const QVariantList &args) {
+        app.stopIndeterminateProgress(convert<double>(args[0], 0));
+        return QVariant();
+    });
+    add(registry, "stopProgressAction:", [](RZApplication &app, const QVariantList &) {
+        app.stopProgressAction();
+        return QVariant();
+    });
+    add(registry, "updateStatus:", [](RZApplication &, const QVariantList &args) {
+        SystemLog::write(convert<QString>(args[0], 0));
+        return QVariant();
+    });
+
+    // The batch pass and the moves.
+    add(registry, "makeReplacementNames:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.makeReplacementNames(convert<QVariantList>(args[0], 0)));
+    });
+    add(registry, "renameFile:toPath:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(FileMoves::moveWithoutReplacing(convert<QString>(args[0], 0), convert<QString>(args[1], 1)) == 0);
+    });
+    add(registry, "cleanData:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(BatchRenaming::cleanData(convert<QVariantList>(args[0], 0), app.engine().date1904));
+    });
+    add(registry, "runCommand:withArguments:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(BatchRenaming::runCommand(convert<QString>(args[0], 0), convert<QStringList>(args[1], 1)));
+    });
+    registry.addClassMethod(QStringLiteral("ASKDataSource"), QStringLiteral("registerViewForDraggedTableRows:"),
+                            [](Invocation &invocation) {
+                                if (auto *view = qobject_cast<QAbstractItemView *>(convert<QObject *>(invocation.arguments[0], 0))) {
+                                    view->setDragDropMode(QAbstractItemView::DragDrop);
+                                    view->setDragEnabled(true);
+                                    view->setAcceptDrops(true);
+                                }
+                                return QVariant();
+                            });
 
     // What the helper scripts call.
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenPerl"), QStringLiteral("execute:"),

@@ -1,10 +1,18 @@
 #include "RZApplication.h"
 
+#include "BatchRenaming.h"
 #include "DictionaryAdditions.h"
+#include "TablePreview.h"
 #include "MiscMethods.h"
 #include "StringAdditions.h"
 
 #include <QAbstractButton>
+#include <QElapsedTimer>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QTableView>
+#include <QThreadPool>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -37,7 +45,7 @@ QDateTime fixedDate(const QString &text)
 
 } // namespace
 
-RZApplication::RZApplication(int &argc, char **argv) : QApplication(argc, argv)
+RZApplication::RZApplication(int &argc, char **argv) : QApplication(argc, argv), m_table(new FileTableModel(this))
 {
     setApplicationName(QStringLiteral("Nomen"));
     setOrganizationName(QStringLiteral("Nomen"));
@@ -88,6 +96,127 @@ void RZApplication::loadInterface()
     // User edits only: text set by the program is not an edit.
     for (QLineEdit *field : m_window->findChildren<QLineEdit *>())
         connect(field, &QLineEdit::textEdited, this, [this, field] { textDidChange(field); });
+    if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")))) {
+        table->setModel(m_table);
+        table->setSelectionBehavior(QAbstractItemView::SelectRows);
+        table->setDragDropMode(QAbstractItemView::DragDrop);
+        table->setDefaultDropAction(Qt::MoveAction);
+        table->setDragEnabled(true);
+        table->setAcceptDrops(true);
+        table->setDropIndicatorShown(true);
+        table->horizontalHeader()->setStretchLastSection(true);
+    }
+    if (auto *stop = qobject_cast<QAbstractButton *>(outlet(QStringLiteral("stop_progress"))))
+        connect(stop, &QAbstractButton::clicked, this, [this] { stopProgressAction(); });
+}
+
+void RZApplication::keepResponsive()
+{
+    static QElapsedTimer clock = [] {
+        QElapsedTimer started;
+        started.start();
+        return started;
+    }();
+    if (clock.elapsed() - m_lastYield < 30)
+        return;
+    m_lastYield = clock.elapsed();
+    processEvents(QEventLoop::AllEvents, 5);
+}
+
+QVariant RZApplication::parseItems(const QVariantList &request)
+{
+    FolderListing listing = m_engine->listing();
+    listing.keepResponsive = [this] { keepResponsive(); };
+    const auto records = listing.parseItems(ListingRequest::fromArray(request));
+    return records ? QVariant(*records) : QVariant(false);
+}
+
+QVariantList RZApplication::makeReplacementNames(const QVariantList &request)
+{
+    BatchProgress progress;
+    progress.stopIndeterminate = [this](double maximum) { stopIndeterminateProgress(maximum); };
+    progress.update = [this](double current, double maximum, const QString &upper, const QString &lower) {
+        updateProgress(current, maximum, upper, lower);
+    };
+    const QVariantList rows = m_table->rows();
+    QStringList names;
+    for (const QVariant &row : rows)
+        names.append(row.toMap().value(QStringLiteral("original")).toString());
+    m_engine->prefetchGrep(names);
+    m_engine->composer.prefixZerosControlConnected = outlet(QStringLiteral("prefix_add_leading_zeros")) != nullptr;
+    m_engine->composer.suffixZerosControlConnected = outlet(QStringLiteral("suffix_add_leading_zeros")) != nullptr;
+    return BatchRenaming::makeReplacementNames(m_engine->composer, BatchRequest::fromArray(request), rows, progress);
+}
+
+void RZApplication::updateProgress(double current, double maximum, const QString &upper, const QString &lower)
+{
+    // Fewer screen updates for long passes; the last value is skipped like
+    // any other that is not a multiple.
+    const qint64 step = qint64(current);
+    if ((maximum > 200 && step % 25 != 0) || (maximum > 50 && maximum <= 200 && step % 10 != 0))
+        return;
+    if (auto *label = qobject_cast<QLabel *>(outlet(QStringLiteral("progress_label_super"))))
+        label->setText(upper);
+    if (auto *label = qobject_cast<QLabel *>(outlet(QStringLiteral("progress_label"))))
+        label->setText(lower);
+    if (auto *indicator = qobject_cast<QProgressBar *>(outlet(QStringLiteral("theIndicator")))) {
+        indicator->setValue(int(current));
+        // Drawn now: the loop calling this does not return to the event loop.
+        indicator->window()->repaint();
+    }
+    keepResponsive();
+}
+
+void RZApplication::stopIndeterminateProgress(double maximum)
+{
+    if (auto *indicator = qobject_cast<QProgressBar *>(outlet(QStringLiteral("theIndicator")))) {
+        indicator->setMinimum(0);
+        indicator->setMaximum(int(maximum));
+    }
+}
+
+void RZApplication::stopProgressAction()
+{
+    m_engine->stopProgressBool.store(false);
+}
+
+void RZApplication::refreshTablePreview()
+{
+    const QVariantList rows = m_table->rows();
+    if (rows.isEmpty() || m_capturedSettings.size() < RenameSettings::count)
+        return;
+    // A copy as it stands after the settings were captured: the preview of
+    // the first name has already advanced the engine's own counters once.
+    NameComposer copy = m_engine->composer;
+    copy.settings = m_engine->settings();
+    copy.settings.setConstantData(m_capturedSettings);
+    const qint32 prefixChoice = copy.settings._prefix_date_to_use;
+    const qint32 suffixChoice = copy.settings._suffix_date_to_use;
+    const bool grep = copy.settings._search_type_1 == QLatin1String("GREP") && !copy.settings._filename_search_1.isEmpty();
+    const quint64 generation = ++m_previewGeneration;
+    QElapsedTimer clock;
+    clock.start();
+    if (!grep && rows.size() <= immediatePreviewRows) {
+        m_table->setNewNames(TablePreview::newNames(copy, rows, prefixChoice, suffixChoice, QDateTime::currentDateTime()));
+        lastTablePreviewMs = clock.elapsed();
+        lastTablePreviewInBackground = false;
+        emit tablePreviewApplied();
+        return;
+    }
+    // Larger tables, and GREP rules, are worked out aside: typing never waits.
+    lastTablePreviewInBackground = true;
+    QThreadPool::globalInstance()->start([this, copy, rows, prefixChoice, suffixChoice, generation, grep, clock]() mutable {
+        if (grep)
+            copy.grep = TablePreview::prefetchedGrep(copy.settings, rows);
+        const QStringList names = TablePreview::newNames(copy, rows, prefixChoice, suffixChoice, QDateTime::currentDateTime());
+        QMetaObject::invokeMethod(this, [this, names, generation, clock] {
+            if (generation != m_previewGeneration)
+                return; // the rules changed again meanwhile
+            m_table->setNewNames(names);
+            lastTablePreviewMs = clock.elapsed();
+            emit tablePreviewApplied();
+        }, Qt::QueuedConnection);
+    });
 }
 
 QWidget *RZApplication::outlet(const QString &name) const
@@ -145,6 +274,12 @@ int RZApplication::matrixSelection(const QString &outletName) const
 
 void RZApplication::getConstantData()
 {
+    m_capturedSettings = capturedSettings();
+    setConstantData(m_capturedSettings);
+}
+
+QVariantList RZApplication::capturedSettings() const
+{
     QString extension = QLatin1String("");
     bool useNewExtension = false;
     bool changeExtensionCase = false;
@@ -166,7 +301,7 @@ void RZApplication::getConstantData()
     if (!ROZ_NSStringAdditions::isBlankString(extension) && !extension.startsWith(u'.'))
         extension = u'.' + extension;
 
-    setConstantData({
+    return {
         text(QStringLiteral("prefix")),
         integer(QStringLiteral("prefix_start_num")),
         integer(QStringLiteral("prefix_ai_counter")),
@@ -191,7 +326,7 @@ void RZApplication::getConstantData()
         useNewExtension,
         changeExtensionCase,
         popupTitle(QStringLiteral("ext_case")),
-    });
+    };
 }
 
 void RZApplication::setConstantData(const QVariantList &entries)
@@ -217,7 +352,7 @@ void RZApplication::textDidChange(QObject *field)
     settings._prefix_date_to_use = popupIndex(QStringLiteral("prefix_date_to_use")) + 1;
     settings._suffix_date_to_use = popupIndex(QStringLiteral("suffix_date_to_use")) + 1;
 
-    const QVariantList rows = tableRows();
+    const QVariantList rows = m_table->rows();
     QString sample;
     qint32 rowCount = 10;
     QDateTime created;
@@ -256,4 +391,5 @@ void RZApplication::textDidChange(QObject *field)
         rename->setEnabled(false);
     if (QWidget *update = outlet(QStringLiteral("update")))
         update->setEnabled(text(QStringLiteral("source_folder")) != QLatin1String(""));
+    refreshTablePreview();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MethodRegistry.h"
+#include "FileTableModel.h"
 #include "RenameEngine.h"
 
 #include <QApplication>
@@ -34,16 +35,34 @@ public:
     // A control by its outlet name; nullptr when the interface file lacks it.
     QWidget *outlet(const QString &name) const;
 
-    // The table the preview reads its first row from; empty until a file
-    // table is attached.
-    std::function<QVariantList()> tableRows = [] { return QVariantList(); };
+    // The file table's data source: its rows are item records.
+    FileTableModel &fileTableDataSource() { return *m_table; }
 
     void getConstantData();
     void setConstantData(const QVariantList &entries);
     QString generateNewName(const QVariantList &request);
     void textDidChange(QObject *field);
 
+    // Listing, batch pass and progress.
+    QVariant parseItems(const QVariantList &request);
+    QVariantList makeReplacementNames(const QVariantList &request);
+    void updateProgress(double current, double maximum, const QString &upper, const QString &lower);
+    void stopIndeterminateProgress(double maximum);
+    void stopProgressAction();
+
+    // The whole table's new names follow the rules as the user types.
+    void refreshTablePreview();
+    // How long the last full-table preview took, and whether it ran aside.
+    qint64 lastTablePreviewMs = 0;
+    bool lastTablePreviewInBackground = false;
+    // Tables up to this size are previewed at once; larger ones aside.
+    int immediatePreviewRows = 10000;
+
+signals:
+    void tablePreviewApplied();
+
 private:
+    QVariantList capturedSettings() const;
     QString text(const QString &outletName) const;
     qint32 integer(const QString &outletName) const;
     bool checked(const QString &outletName) const;
@@ -53,6 +72,14 @@ private:
     void loadTranslations();
     void loadInterface();
 
+    // Lets the window repaint and the Stop button be pressed while a long
+    // loop runs, at most every few milliseconds.
+    void keepResponsive();
+
     std::unique_ptr<RenameEngine> m_engine;
     std::unique_ptr<QWidget> m_window;
+    FileTableModel *m_table = nullptr;
+    quint64 m_previewGeneration = 0;
+    QVariantList m_capturedSettings; // as last read from the controls
+    qint64 m_lastYield = 0;
 };

@@ -1,5 +1,7 @@
 #include "SystemLog.h"
 
+#include "FormatString.h"
+
 #include <QDateTime>
 #include <cerrno>
 #include <cstdio>
@@ -22,104 +24,9 @@ void write(const QString &message)
     std::fflush(stderr);
 }
 
-namespace {
-
-constexpr int maxWidth = 4096;
-
-// Reads a run of digits (or one "*", which has no argument and counts as 0).
-int readNumber(const QString &s, qsizetype &i)
-{
-    if (i < s.size() && s[i] == u'*') {
-        ++i;
-        return 0;
-    }
-    int value = 0;
-    while (i < s.size() && s[i].isDigit() && s[i].unicode() < 128) {
-        value = std::min(maxWidth, value * 10 + (s[i].unicode() - '0'));
-        ++i;
-    }
-    return value;
-}
-
-QString zeroFor(QChar conversion, const QString &flags, int width, int precision)
-{
-    QByteArray spec = "%" + flags.toLatin1();
-    if (width > 0)
-        spec += QByteArray::number(width);
-    if (precision >= 0)
-        spec += "." + QByteArray::number(precision);
-    char buffer[2 * maxWidth + 64];
-    const char c = char(conversion.unicode());
-    if (QByteArrayView("eEfFgGaA").contains(c)) {
-        spec += c;
-        std::snprintf(buffer, sizeof buffer, spec.constData(), 0.0);
-    } else {
-        spec += QByteArrayView("oxXu").contains(c) ? c : 'd';
-        std::snprintf(buffer, sizeof buffer, spec.constData(), 0);
-    }
-    return QString::fromLatin1(buffer);
-}
-
-// The platform's long forms (%D, %U, %O) and %i are the plain ones.
-QChar canonicalConversion(QChar c)
-{
-    switch (c.unicode()) {
-    case u'D':
-    case u'i':
-        return u'd';
-    case u'U':
-        return u'u';
-    case u'O':
-        return u'o';
-    default:
-        return c;
-    }
-}
-
-} // namespace
-
 QString formatWithoutArguments(const QString &format)
 {
-    static const QString flagChars = QStringLiteral("-+ #0'");
-    static const QString lengthChars = QStringLiteral("hlqLjzt");
-    static const QString numeric = QStringLiteral("dDiuUoOxXeEfFgGaA");
-    QString out;
-    qsizetype i = 0;
-    while (i < format.size()) {
-        if (format[i] != u'%') {
-            out += format[i++];
-            continue;
-        }
-        const qsizetype start = i++;
-        QString flags;
-        while (i < format.size() && flagChars.contains(format[i]))
-            flags += format[i++];
-        const int width = readNumber(format, i);
-        int precision = -1;
-        if (i < format.size() && format[i] == u'.') {
-            ++i;
-            precision = readNumber(format, i);
-        }
-        while (i < format.size() && lengthChars.contains(format[i]))
-            ++i;
-        if (i >= format.size()) {
-            out += format.mid(start);
-            break;
-        }
-        const QChar conversion = format[i++];
-        flags.remove(u'\'');
-        if (conversion == u'%')
-            out += u'%';
-        else if (conversion == u'@' || conversion == u's' || conversion == u'S')
-            out += QStringLiteral("(null)");
-        else if (conversion == u'c' || conversion == u'C' || conversion == u'p' || conversion == u'n')
-            ;
-        else if (numeric.contains(conversion))
-            out += zeroFor(canonicalConversion(conversion), flags, width, precision);
-        else
-            out += format.mid(start, i - start);
-    }
-    return out;
+    return FormatString::apply(format, {});
 }
 
 } // namespace SystemLog

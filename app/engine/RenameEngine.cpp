@@ -84,6 +84,14 @@ void RenameEngine::prefetchGrep(const QStringList &names)
         m_grepAnswers.insert(programs[i].toString(), list[i]);
 }
 
+FolderListing RenameEngine::listing()
+{
+    FolderListing listing({date1904, date1970, date1970GMT, date2040}, stopProgressBool);
+    if (use_exif_date)
+        listing.exifDate = [this](const QString &path) { return getEXIFDate(path); };
+    return listing;
+}
+
 QVariant RenameEngine::getEXIFDate(const QVariant &path)
 {
     return ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_exifInfo, QStringLiteral("get_exif_image_created_date"), path);

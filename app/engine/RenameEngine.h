@@ -4,6 +4,8 @@
 #include "NameComposer.h"
 
 #include <QDateTime>
+#include <atomic>
+#include "FolderListing.h"
 #include <memory>
 
 // The rename engine's state apart from any window: the composer with its
@@ -21,7 +23,7 @@ public:
     NameComposer composer;
     bool display_realtime_preview = true;
     bool use_exif_date = false;
-    bool stopProgressBool = true;
+    std::atomic<bool> stopProgressBool{true}; // may be set from another thread
     QString sample_name;
     QString exiftime;
     QString localTimeZone;
@@ -40,6 +42,8 @@ public:
     // "execute_perl_batch"), so composing them costs no round trip each.
     void prefetchGrep(const QStringList &names);
     QVariant getEXIFDate(const QVariant &path);
+    // A listing that reads dates as the settings say (EXIF when chosen).
+    FolderListing listing();
 
 private:
     std::unique_ptr<CompiledScript> m_perl;

@@ -1,0 +1,228 @@
+#include "FileTableModel.h"
+
+#include <QDateTime>
+#include <QMimeData>
+#include <QUrl>
+#include <plist/plist.h>
+
+namespace {
+
+QString asText(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QDateTime)
+        return value.toDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return value.toString();
+}
+
+} // namespace
+
+const QStringList &FileTableModel::columnIdentifiers()
+{
+    static const QStringList identifiers = {"include", "original", "location", "creation", "modification", "size", "new"};
+    return identifiers;
+}
+
+FileTableModel::FileTableModel(QObject *parent) : QAbstractTableModel(parent) {}
+
+void FileTableModel::setRows(const QVariantList &rows)
+{
+    beginResetModel();
+    m_rows.clear();
+    // Only records are rows; anything else a listing left (a stop marker) is not.
+    for (const QVariant &row : rows)
+        if (row.typeId() == QMetaType::QVariantMap)
+            m_rows.append(row);
+    endResetModel();
+}
+
+QVariant FileTableModel::valueForColumn(const QString &identifier, int row) const
+{
+    if (row < 0 || row >= m_rows.size())
+        return QVariant();
+    return m_rows[row].toMap().value(identifier);
+}
+
+bool FileTableModel::setValue(const QVariant &value, const QString &identifier, int row)
+{
+    const int column = int(columnIdentifiers().indexOf(identifier));
+    if (row < 0 || row >= m_rows.size() || column < 0)
+        return false;
+    QVariantMap record = m_rows[row].toMap();
+    record.insert(identifier, value);
+    m_rows[row] = record;
+    emit dataChanged(index(row, column), index(row, column));
+    return true;
+}
+
+void FileTableModel::setNewNames(const QStringList &names)
+{
+    for (int row = 0; row < m_rows.size() && row < names.size(); ++row) {
+        QVariantMap record = m_rows[row].toMap();
+        record.insert(QStringLiteral("new"), names[row]);
+        m_rows[row] = record;
+    }
+    if (!m_rows.isEmpty())
+        emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
+}
+
+int FileTableModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int FileTableModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant FileTableModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return QVariant();
+    const QVariant value = valueForColumn(columnIdentifiers()[index.column()], index.row());
+    if (index.column() == Include)
+        return role == Qt::CheckStateRole ? QVariant(value.toBool() ? Qt::Checked : Qt::Unchecked) : QVariant();
+    if (role == Qt::DisplayRole)
+        return asText(value);
+    return QVariant();
+}
+
+bool FileTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (index.isValid() && index.column() == Include && role == Qt::CheckStateRole)
+        return setValue(value.toInt() == Qt::Checked, QStringLiteral("include"), index.row());
+    return false;
+}
+
+QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    static const QStringList titles = {"", "Name", "Location", "Created", "Modified", "Size", "New name"};
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 && section < titles.size())
+        return titles[section];
+    return QAbstractTableModel::headerData(section, orientation, role);
+}
+
+Qt::ItemFlags FileTableModel::flags(const QModelIndex &index) const
+{
+    Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
+    if (index.isValid() && index.column() == Include)
+        flags |= Qt::ItemIsUserCheckable;
+    return flags;
+}
+
+Qt::DropActions FileTableModel::supportedDropActions() const
+{
+    return Qt::MoveAction | Qt::CopyAction;
+}
+
+QStringList FileTableModel::mimeTypes() const
+{
+    return {DraggedTableRows, QStringLiteral("text/uri-list")};
+}
+
+QMimeData *FileTableModel::mimeDataForRows(const QList<int> &rows)
+{
+    plist_t array = plist_new_array();
+    for (int row : rows)
+        plist_array_append_item(array, plist_new_uint(uint64_t(row)));
+    char *xml = nullptr;
+    uint32_t length = 0;
+    plist_to_xml(array, &xml, &length);
+    auto *data = new QMimeData;
+    data->setData(DraggedTableRows, QByteArray(xml, int(length)));
+    plist_to_xml_free(xml);
+    plist_free(array);
+    return data;
+}
+
+std::optional<QList<int>> FileTableModel::draggedRows(const QMimeData *data)
+{
+    if (!data || !data->hasFormat(DraggedTableRows))
+        return std::nullopt;
+    const QByteArray xml = data->data(DraggedTableRows);
+    plist_t array = nullptr;
+    plist_from_xml(xml.constData(), uint32_t(xml.size()), &array);
+    if (!array || plist_get_node_type(array) != PLIST_ARRAY) {
+        if (array)
+            plist_free(array);
+        return std::nullopt;
+    }
+    QList<int> rows;
+    for (uint32_t i = 0; i < plist_array_get_size(array); ++i) {
+        plist_t item = plist_array_get_item(array, i);
+        if (plist_get_node_type(item) == PLIST_UINT) {
+            uint64_t value = 0;
+            plist_get_uint_val(item, &value);
+            rows.append(int(value));
+        }
+    }
+    plist_free(array);
+    return rows;
+}
+
+QMimeData *FileTableModel::mimeData(const QModelIndexList &indexes) const
+{
+    QList<int> rows;
+    for (const QModelIndex &index : indexes)
+        if (!rows.contains(index.row()))
+            rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
+    return mimeDataForRows(rows);
+}
+
+FileTableModel::DropOperation FileTableModel::validateDrop(const QMimeData *, int, bool ontoRow, bool fromInside) const
+{
+    if (!fromInside)
+        return DropOperation::Copy;
+    return ontoRow ? DropOperation::None : DropOperation::Move;
+}
+
+bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
+{
+    if (!fromInside) {
+        if (filesDropped && data && data->hasUrls()) {
+            QStringList paths;
+            for (const QUrl &url : data->urls())
+                if (url.isLocalFile())
+                    paths.append(url.toLocalFile());
+            filesDropped(paths, row);
+        }
+        return true;
+    }
+    const auto dragged = draggedRows(data);
+    if (!dragged)
+        return true;
+    // Rows before the drop point that stay, the dragged rows in their list
+    // order, then the rest that stay.
+    QVariantList reordered;
+    const int dropRow = std::clamp(row, 0, int(m_rows.size()));
+    for (int i = 0; i < dropRow; ++i)
+        if (!dragged->contains(i))
+            reordered.append(m_rows[i]);
+    for (int i : *dragged)
+        if (i >= 0 && i < m_rows.size())
+            reordered.append(m_rows[i]);
+    for (int i = dropRow; i < m_rows.size(); ++i)
+        if (!dragged->contains(i))
+            reordered.append(m_rows[i]);
+    beginResetModel();
+    m_rows = reordered;
+    endResetModel();
+    return true;
+}
+
+bool FileTableModel::canDropMimeData(const QMimeData *data, Qt::DropAction, int row, int, const QModelIndex &parent) const
+{
+    const bool fromInside = data && data->hasFormat(DraggedTableRows);
+    const bool ontoRow = row < 0 && parent.isValid();
+    return validateDrop(data, row, ontoRow, fromInside) != DropOperation::None;
+}
+
+bool FileTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                                  const QModelIndex &parent)
+{
+    if (!canDropMimeData(data, action, row, column, parent))
+        return false;
+    const bool fromInside = data->hasFormat(DraggedTableRows);
+    return acceptDrop(data, row < 0 ? int(m_rows.size()) : row, fromInside);
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QVariantList>
+#include <functional>
+
+// The file table's rows: one item record per row, one column per record key.
+// Rows can be dragged within the table to a new order ("DraggedTableRows",
+// the dragged row numbers as a property list); files dropped from outside
+// (text/uri-list) are accepted and handed on.
+class FileTableModel final : public QAbstractTableModel {
+    Q_OBJECT
+    Q_PROPERTY(QString nomenClassName READ className CONSTANT)
+public:
+    enum Column { Include, Original, Location, Creation, Modification, Size, New, ColumnCount };
+    static const QStringList &columnIdentifiers();
+    static inline const QString DraggedTableRows = QStringLiteral("DraggedTableRows");
+
+    explicit FileTableModel(QObject *parent = nullptr);
+    QString className() const { return QStringLiteral("ASKDataSource"); }
+
+    const QVariantList &rows() const { return m_rows; }
+    void setRows(const QVariantList &rows);
+    QVariant valueForColumn(const QString &identifier, int row) const;
+    bool setValue(const QVariant &value, const QString &identifier, int row);
+
+    // Drag and drop, as the table asks for them.
+    enum class DropOperation { None, Copy, Move };
+    static QMimeData *mimeDataForRows(const QList<int> &rows);
+    static std::optional<QList<int>> draggedRows(const QMimeData *data);
+    DropOperation validateDrop(const QMimeData *data, int row, bool ontoRow, bool fromInside) const;
+    bool acceptDrop(const QMimeData *data, int row, bool fromInside);
+
+    // Files dropped from outside the table, for the main script.
+    std::function<void(const QStringList &paths, int row)> filesDropped;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    Qt::DropActions supportedDropActions() const override;
+    QStringList mimeTypes() const override;
+    QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    bool canDropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                         const QModelIndex &parent) const override;
+    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column, const QModelIndex &parent) override;
+
+    // New names for every row at once, from a preview of the whole table.
+    void setNewNames(const QStringList &names);
+
+private:
+    QVariantList m_rows;
+};

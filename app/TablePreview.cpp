@@ -1,0 +1,50 @@
+#include "TablePreview.h"
+
+#include "BatchRenaming.h"
+#include "GrepReplace.h"
+#include "PerlWorker.h"
+
+#include <QHash>
+#include <memory>
+
+namespace TablePreview {
+
+QStringList newNames(NameComposer composer, const QVariantList &rows, qint32 prefixChoice, qint32 suffixChoice,
+                     const QDateTime &supplied)
+{
+    BatchRequest request;
+    request.suppliedDate = supplied;
+    request.prefixChoice = prefixChoice;
+    request.suffixChoice = suffixChoice;
+    request.rowCount = qint32(rows.size());
+    QStringList names;
+    names.reserve(rows.size());
+    for (const QVariant &record : BatchRenaming::makeReplacementNames(composer, request, rows, {}))
+        names.append(record.toMap().value(QStringLiteral("new")).toString());
+    return names;
+}
+
+NameComposer::GrepReplace prefetchedGrep(const RenameSettings &settings, const QVariantList &rows)
+{
+    std::vector<QByteArray> programs;
+    QStringList texts;
+    for (const QVariant &row : rows) {
+        const QString base = NameComposer::baseNameOf(row.toMap().value(QStringLiteral("original")).toString());
+        programs.push_back(GrepReplace::program(base, settings._filename_search_1, settings._filename_replace_1,
+                                                settings._snr_consider_case_1)
+                               .toUtf8());
+    }
+    auto answers = std::make_shared<QHash<QByteArray, std::optional<QByteArray>>>();
+    const auto printed = PerlWorker::shared().runAll(programs);
+    for (size_t i = 0; i < programs.size(); ++i)
+        answers->insert(programs[i], printed[i]);
+    return [answers](const QString &text, const QString &pattern, const QString &replacement, bool consideringCase) {
+        const QByteArray program = GrepReplace::program(text, pattern, replacement, consideringCase).toUtf8();
+        auto known = answers->constFind(program);
+        const std::optional<QByteArray> answer =
+            known != answers->constEnd() ? *known : PerlWorker::shared().run(program);
+        return answer ? QString::fromUtf8(*answer) : text;
+    };
+}
+
+} // namespace TablePreview

@@ -1,0 +1,203 @@
+#include "FolderListing.h"
+
+#include "FileStatus.h"
+#include "MiscMethods.h"
+#include "PathConversion.h"
+#include "StringAdditions.h"
+
+#include <QSet>
+
+namespace {
+
+const QString Include = QStringLiteral("include");
+const QString Original = QStringLiteral("original");
+const QString Location = QStringLiteral("location");
+const QString Creation = QStringLiteral("creation");
+const QString Modification = QStringLiteral("modification");
+const QString Size = QStringLiteral("size");
+const QString New = QStringLiteral("new");
+
+bool isBlankFilter(const QStringList &filter)
+{
+    return filter.size() == 1 && ROZ_NSStringAdditions::isBlankString(filter.first());
+}
+
+QString extensionOf(const QString &name)
+{
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.mid(dot + 1) : QString(QLatin1String(""));
+}
+
+} // namespace
+
+ListingRequest ListingRequest::fromArray(const QVariantList &e)
+{
+    ListingRequest request;
+    request.paths = e.value(0).toStringList();
+    request.typeCodes = e.value(1).toStringList();
+    request.extensions = e.value(2).toStringList();
+    request.longNames = e.value(3).toBool();
+    request.descend = e.value(4).toBool();
+    request.folderRows = e.value(5).toBool();
+    request.listUnmatched = e.value(6).toBool();
+    request.honourStop = e.value(7).toBool();
+    request.root = e.value(8).toString();
+    return request;
+}
+
+FolderListing::FolderListing(const Dates &dates, std::atomic<bool> &stopProgressBool)
+    : m_dates(dates), m_stop(stopProgressBool)
+{
+}
+
+QString FolderListing::fullPath(const QString &folder, const QString &name)
+{
+    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+QStringList FolderListing::directoryContents(const QString &folder, bool withInvisibles)
+{
+    const QStringList names = FileStatus::entryNames(folder).value_or(QStringList());
+    if (withInvisibles)
+        return names;
+    QStringList visible;
+    for (const QString &name : names) {
+        const QVariant answer = ROZ_MiscMethods::returnItemVisiblity(fullPath(folder, name));
+        if (answer.isValid() && answer.toBool())
+            visible.append(name);
+    }
+    return visible;
+}
+
+QStringList FolderListing::listFolder(const QString &folder)
+{
+    QStringList paths;
+    for (const QString &name : directoryContents(folder, false))
+        paths.append(fullPath(folder, name));
+    return paths;
+}
+
+QStringList FolderListing::containerAndItemName(const QString &path)
+{
+    const QString name = ROZ_MiscMethods::returnItemName(path);
+    return {name, ROZ_NSStringAdditions::desuffix(path, name)};
+}
+
+bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
+{
+    for (const QString &entry : set) {
+        // The platform's conversion reads exactly four characters between the quotes.
+        if (entry.size() != 4)
+            continue;
+        quint32 value = 0;
+        bool latin = true;
+        for (QChar c : entry) {
+            latin = latin && c.unicode() <= 0xFF;
+            value = (value << 8) | (c.unicode() & 0xFF);
+        }
+        if (latin && value == code)
+            return true;
+    }
+    return false;
+}
+
+QDateTime FolderListing::clamped(const std::optional<QDateTime> &date) const
+{
+    if (!date || !date->isValid() || *date < m_dates.date1904)
+        return m_dates.date1904;
+    if (*date == m_dates.date1970GMT)
+        return m_dates.date1970;
+    if (*date > m_dates.date2040)
+        return m_dates.date2040;
+    return *date;
+}
+
+QVariantMap FolderListing::getFileInfo(const QString &path) const
+{
+    const auto status = FileStatus::of(path, false);
+    const auto finder = FinderInfo::read(path);
+    std::optional<QDateTime> created = status ? status->created : std::nullopt;
+    if (exifDate) {
+        const QVariant fromExif = exifDate(path);
+        if (ROZ_MiscMethods::isThisADate(fromExif))
+            created = fromExif.toDateTime();
+    }
+    return {{QStringLiteral("the_extension"), extensionOf(ROZ_MiscMethods::returnItemName(path))},
+            {QStringLiteral("type_code"), QVariant::fromValue(finder ? finder->type : 0u)},
+            {Creation, clamped(created)},
+            {Modification, clamped(status ? std::optional(status->modified) : std::nullopt)},
+            {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(status ? status->size : 0))}};
+}
+
+QVariantMap FolderListing::getFolderInfo(const QString &path) const
+{
+    const auto status = FileStatus::of(path, false);
+    return {{Creation, status && status->created ? *status->created : m_dates.date1904},
+            {Modification, status ? status->modified : m_dates.date1904}};
+}
+
+std::optional<QVariantList> FolderListing::parseItems(const ListingRequest &request)
+{
+    bool stopped = false;
+    QVariantList records = listing(request, request.paths, request.descend, stopped);
+    if (stopped)
+        return std::nullopt;
+    return records;
+}
+
+QVariantList FolderListing::listing(const ListingRequest &request, const QStringList &paths, bool descend, bool &stopped)
+{
+    const bool typeBlank = isBlankFilter(request.typeCodes);
+    const bool extensionBlank = isBlankFilter(request.extensions);
+    const bool noFilters = (typeBlank && extensionBlank) || (request.typeCodes.isEmpty() && request.extensions.isEmpty());
+    const QSet<QString> extensions(request.extensions.cbegin(), request.extensions.cend());
+
+    QVariantList records;
+    for (const QString &path : paths) {
+        if (keepResponsive)
+            keepResponsive();
+        if (request.honourStop && !m_stop.load()) {
+            m_stop.store(true);
+            stopped = true;
+            return {};
+        }
+        const QStringList split = containerAndItemName(path);
+        if (ROZ_MiscMethods::returnItemIsFolder(path)) {
+            const QVariantMap info = getFolderInfo(path);
+            if (request.folderRows && path != request.root)
+                records.append(QVariantMap{{Include, true}, {Original, split[0]}, {Location, split[1]},
+                                           {Creation, info.value(Creation)}, {Modification, info.value(Modification)},
+                                           {Size, QStringLiteral("-")}, {New, QString(QLatin1String(""))}});
+            if (descend || path == request.root) {
+                bool nestedStop = false;
+                const QVariantList nested = listing(request, listFolder(path), descend, nestedStop);
+                if (nestedStop)
+                    records.append(false);
+                else
+                    records += nested;
+            }
+            continue;
+        }
+        const QVariantMap info = getFileInfo(path);
+        bool include = false;
+        bool listed = true;
+        if (request.longNames) {
+            if (split[0].size() >= 32 && request.folderRows)
+                include = true;
+            else
+                listed = request.listUnmatched && !request.folderRows;
+        } else {
+            include = (noFilters && !request.folderRows)
+                      || (!typeBlank && fileTypeCode(info.value(QStringLiteral("type_code")).toUInt(), request.typeCodes))
+                      || (!extensionBlank && extensions.contains(info.value(QStringLiteral("the_extension")).toString()));
+            if (!include)
+                listed = request.listUnmatched && !request.folderRows;
+        }
+        if (!listed)
+            continue;
+        records.append(QVariantMap{{Include, include}, {Original, split[0]}, {Location, split[1]},
+                                   {Creation, info.value(Creation)}, {Modification, info.value(Modification)},
+                                   {Size, info.value(QStringLiteral("file_size"))}, {New, QString(QLatin1String(""))}});
+    }
+    return records;
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QDateTime>
+#include <QStringList>
+#include <QVariantList>
+#include <atomic>
+#include <functional>
+#include <optional>
+
+// The nine entries of a listing request.
+struct ListingRequest {
+    QStringList paths;
+    QStringList typeCodes;
+    QStringList extensions;
+    bool longNames = false;
+    bool descend = false;
+    bool folderRows = false;
+    bool listUnmatched = false;
+    bool honourStop = false;
+    QString root;
+
+    static ListingRequest fromArray(const QVariantList &entries);
+};
+
+// Turns folders and files into the rows of the file table: one item record
+// ("include", "original", "location", "creation", "modification", "size",
+// "new") per row, dates clamped to 1904..2040, attributes read without
+// following symbolic links.
+class FolderListing {
+public:
+    struct Dates {
+        QDateTime date1904, date1970, date1970GMT, date2040;
+    };
+    FolderListing(const Dates &dates, std::atomic<bool> &stopProgressBool);
+
+    // Set when creation dates come from EXIF: answers a date, or anything
+    // else for none.
+    std::function<QVariant(const QString &path)> exifDate;
+    // Called now and then during a long listing, so a window can stay live
+    // (and its Stop button be pressed).
+    std::function<void()> keepResponsive;
+
+    // The records, or nullopt when a stop request ended the listing at the
+    // top level. A stop met inside a subfolder leaves NO among the parent's
+    // records in place of that folder's, as it always has.
+    std::optional<QVariantList> parseItems(const ListingRequest &request);
+
+    static QStringList listFolder(const QString &folder);
+    static QStringList directoryContents(const QString &folder, bool withInvisibles);
+    QVariantMap getFileInfo(const QString &path) const;
+    QVariantMap getFolderInfo(const QString &path) const;
+    static QStringList containerAndItemName(const QString &path);
+    static bool fileTypeCode(quint32 code, const QStringList &set);
+    static QString fullPath(const QString &folder, const QString &name);
+
+private:
+    QDateTime clamped(const std::optional<QDateTime> &date) const;
+    QVariantList listing(const ListingRequest &request, const QStringList &paths, bool descend, bool &stopped);
+
+    Dates m_dates;
+    std::atomic<bool> &m_stop;
+};
