@@ -28,6 +28,7 @@ void FileTableModel::setRows(const QVariantList &rows)
 {
     beginResetModel();
     m_rows.clear();
+    m_newNames.clear();
     // Only records are rows; anything else a listing left (a stop marker) is not.
     for (const QVariant &row : rows)
         if (row.typeId() == QMetaType::QVariantMap)
@@ -39,6 +40,8 @@ QVariant FileTableModel::valueForColumn(const QString &identifier, int row) cons
 {
     if (row < 0 || row >= m_rows.size())
         return QVariant();
+    if (row < m_newNames.size() && identifier == QLatin1String("new"))
+        return m_newNames[row];
     return m_rows[row].toMap().value(identifier);
 }
 
@@ -50,17 +53,15 @@ bool FileTableModel::setValue(const QVariant &value, const QString &identifier, 
     QVariantMap record = m_rows[row].toMap();
     record.insert(identifier, value);
     m_rows[row] = record;
+    if (column == New && row < m_newNames.size())
+        m_newNames[row] = value.toString();
     emit dataChanged(index(row, column), index(row, column));
     return true;
 }
 
 void FileTableModel::setNewNames(const QStringList &names)
 {
-    for (int row = 0; row < m_rows.size() && row < names.size(); ++row) {
-        QVariantMap record = m_rows[row].toMap();
-        record.insert(QStringLiteral("new"), names[row]);
-        m_rows[row] = record;
-    }
+    m_newNames = names.mid(0, m_rows.size());
     if (!m_rows.isEmpty())
         emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
 }
@@ -207,6 +208,7 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
             reordered.append(m_rows[i]);
     beginResetModel();
     m_rows = reordered;
+    m_newNames.clear(); // the order decides the counters: the preview is stale
     endResetModel();
     return true;
 }

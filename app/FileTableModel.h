@@ -52,4 +52,5 @@ public:
 
 private:
     QVariantList m_rows;
+    QStringList m_newNames; // a preview's names, shown until rows change
 };

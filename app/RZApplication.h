@@ -55,8 +55,10 @@ public:
     // How long the last full-table preview took, and whether it ran aside.
     qint64 lastTablePreviewMs = 0;
     bool lastTablePreviewInBackground = false;
-    // Tables up to this size are previewed at once; larger ones aside.
-    int immediatePreviewRows = 10000;
+    // Tables up to this size are previewed at once, within about a frame
+    // on the machine this was measured on; larger ones aside, so typing
+    // never waits for them.
+    int immediatePreviewRows = 5000;
 
 signals:
     void tablePreviewApplied();

@@ -9,18 +9,31 @@
 
 namespace TablePreview {
 
+// The batch pass's names, without building its records: what it composes
+// for included rows, and the original name for the others.
 QStringList newNames(NameComposer composer, const QVariantList &rows, qint32 prefixChoice, qint32 suffixChoice,
                      const QDateTime &supplied)
 {
-    BatchRequest request;
-    request.suppliedDate = supplied;
-    request.prefixChoice = prefixChoice;
-    request.suffixChoice = suffixChoice;
-    request.rowCount = qint32(rows.size());
+    composer.duplicate_check_list.clear();
+    const qint32 count = qint32(rows.size());
+    auto dateFor = [&supplied](qint32 choice, const QVariantMap &row) {
+        return choice == 1   ? supplied
+               : choice == 2 ? row.value(QStringLiteral("creation")).toDateTime()
+               : choice == 3 ? row.value(QStringLiteral("modification")).toDateTime()
+                             : QDateTime();
+    };
     QStringList names;
     names.reserve(rows.size());
-    for (const QVariant &record : BatchRenaming::makeReplacementNames(composer, request, rows, {}))
-        names.append(record.toMap().value(QStringLiteral("new")).toString());
+    for (const QVariant &value : rows) {
+        const QVariantMap row = value.toMap();
+        const QString original = row.value(QStringLiteral("original")).toString();
+        if (!row.value(QStringLiteral("include")).toBool()) {
+            names.append(original);
+            continue;
+        }
+        names.append(composer.generateNewName({original, count, true, row.value(QStringLiteral("location")).toString(),
+                                               dateFor(prefixChoice, row), dateFor(suffixChoice, row)}));
+    }
     return names;
 }
 

@@ -34,18 +34,23 @@ QString sentenceCase(const QString &text, const QStringList &endings)
 
 QString capitalized(const QString &text)
 {
+    // Word by word: the first letter raised (which may make two, as ß does),
+    // the rest of the word lowered in one go.
+    const CharacterSet &space = CharacterSet::whitespaceAndNewlines();
     QString result;
     result.reserve(text.size());
-    bool atWordStart = true;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        if (CharacterSet::whitespaceAndNewlines().contains(c)) {
-            result += c;
-            atWordStart = true;
-        } else {
-            result += atWordStart ? QString(c).toUpper() : QString(c).toLower();
-            atWordStart = false;
+    qsizetype i = 0;
+    while (i < text.size()) {
+        if (space.contains(text[i])) {
+            result += text[i++];
+            continue;
         }
+        qsizetype end = i + 1;
+        while (end < text.size() && !space.contains(text[end]))
+            ++end;
+        result += QStringView(text).mid(i, 1).toString().toUpper();
+        result += QStringView(text).mid(i + 1, end - i - 1).toString().toLower();
+        i = end;
     }
     return result;
 }

@@ -4,6 +4,7 @@
 #include "StringAdditions.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 
 using namespace ROZ_NSStringAdditions;
 
@@ -22,6 +23,9 @@ namespace DateTokens {
 
 QString replaceInsertConstants(const QString &text, const QDateTime &date, const LocalizedDateTokens &tokens)
 {
+    // Every token opens with a guillemet; most texts have none.
+    if (!text.contains(u'«'))
+        return text;
     QString result = text;
     static const QString opening = QStringLiteral("«date ");
     static const QString closing = QStringLiteral("»");
@@ -30,6 +34,13 @@ QString replaceInsertConstants(const QString &text, const QDateTime &date, const
         const QString format = substringFromDelim(result, opening, closing);
         result = snr(result, opening + format + closing, CalendarFormat::format(date, format));
     }
+    const QString *fixed[] = {&tokens.YYYY_MM_DD_localized, &tokens.YY_MM_DD_localized, &tokens.MM_DD_YYYY_localized,
+                              &tokens.MM_DD_YY_localized,   &tokens.MM_DD_localized,    &tokens.YYYY_DD_MM_localized,
+                              &tokens.YY_DD_MM_localized,   &tokens.DD_MM_YYYY_localized, &tokens.DD_MM_YY_localized,
+                              &tokens.DD_MM_localized};
+    // The date's parts are worked out only once a fixed token is there.
+    if (std::none_of(std::begin(fixed), std::end(fixed), [&](const QString *token) { return result.contains(*token); }))
+        return result;
     const bool dated = date.isValid();
     const QString year = dated ? CalendarFormat::format(date, QStringLiteral("%Y")) : QString();
     const QString shortYear = year.mid(2);
@@ -39,20 +50,13 @@ QString replaceInsertConstants(const QString &text, const QDateTime &date, const
         return dated ? QStringLiteral("%1-%2-%3").arg(a, b, c) : QString();
     };
     auto two = [dated](const QString &a, const QString &b) { return dated ? QStringLiteral("%1-%2").arg(a, b) : QString(); };
-    const std::pair<const QString &, QString> replacements[] = {
-        {tokens.YYYY_MM_DD_localized, three(year, month, day)},
-        {tokens.YY_MM_DD_localized, three(shortYear, month, day)},
-        {tokens.MM_DD_YYYY_localized, three(month, day, year)},
-        {tokens.MM_DD_YY_localized, three(month, day, shortYear)},
-        {tokens.MM_DD_localized, two(month, day)},
-        {tokens.YYYY_DD_MM_localized, three(year, day, month)},
-        {tokens.YY_DD_MM_localized, three(shortYear, day, month)},
-        {tokens.DD_MM_YYYY_localized, three(day, month, year)},
-        {tokens.DD_MM_YY_localized, three(day, month, shortYear)},
-        {tokens.DD_MM_localized, two(day, month)},
-    };
-    for (const auto &[token, value] : replacements)
-        result = snr(result, token, value);
+    const QString values[] = {three(year, month, day),      three(shortYear, month, day), three(month, day, year),
+                              three(month, day, shortYear), two(month, day),              three(year, day, month),
+                              three(shortYear, day, month), three(day, month, year),      three(day, month, shortYear),
+                              two(day, month)};
+    for (size_t i = 0; i < std::size(fixed); ++i)
+        if (result.contains(*fixed[i]))
+            result = snr(result, *fixed[i], values[i]);
     return result;
 }
 

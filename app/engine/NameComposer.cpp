@@ -123,29 +123,39 @@ QString NameComposer::generateNewName(const CompositionRequest &request)
                           folder);
     settings._suffix_start_num += settings._suffix_ai_counter;
 
+    const QString extension = extensionFor(request.name);
+    if (!request.numberDuplicates)
+        return newName + extension;
+    return numbered(request.location, newName, extension);
+}
+
+QString NameComposer::extensionFor(const QString &currentName) const
+{
     // The extension comes from the current name even when the name itself
     // is left out.
     QString extension;
     if (settings._use_new_extension)
         extension = settings._extension;
-    else if (request.name.contains(u'.'))
-        extension = u'.' + request.name.section(u'.', -1);
+    else if (currentName.contains(u'.'))
+        extension = u'.' + currentName.section(u'.', -1);
     if (settings._ext_change_case)
         extension = changeCase(extension, settings._ext_case_transformation);
+    return extension;
+}
 
-    if (!request.numberDuplicates)
-        return newName + extension;
-
+QString NameComposer::numbered(const QString &location, const QString &newName, const QString &extension)
+{
     // Duplicates are counted among names given out earlier in this pass,
-    // never against the files on disk.
-    // Built by concatenation: names may hold "%" sequences of their own.
-    if (duplicate_check_list.contains(request.location + newName + extension)) {
+    // never against the files on disk. Built by concatenation: names may
+    // hold "%" sequences of their own.
+    QString name = newName;
+    if (duplicate_check_list.contains(location + name + extension)) {
         int n = 1;
-        while (duplicate_check_list.contains(request.location + newName + u' ' + QString::number(n) + extension))
+        while (duplicate_check_list.contains(location + name + u' ' + QString::number(n) + extension))
             ++n;
-        newName = newName + u' ' + QString::number(n);
+        name = name + u' ' + QString::number(n);
     }
-    const QString result = newName + extension;
-    duplicate_check_list.append(request.location + result);
+    const QString result = name + extension;
+    duplicate_check_list.append(location + result);
     return result;
 }

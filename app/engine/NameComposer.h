@@ -71,6 +71,11 @@ public:
     QString replaceInsertConstants(const QString &text, const QDateTime &date) const;
     // The name without its last extension: a.b.c gives a.b, .profile "".
     static QString baseNameOf(const QString &name);
+    // The extension a new name gets for this current name (step 11 and 12).
+    QString extensionFor(const QString &currentName) const;
+    // Duplicate numbering applied to a name composed without it: the same
+    // check and the same " n" before the extension.
+    QString numbered(const QString &location, const QString &newName, const QString &extension);
 
 private:
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;

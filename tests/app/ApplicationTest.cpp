@@ -3,6 +3,13 @@
 #include "TestPrinting.h"
 
 #include <QCheckBox>
+#include <QFile>
+#include <QLabel>
+#include <QProgressBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <cstdio>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -139,6 +146,82 @@ TEST(Preview, ADisconnectedLeadingZerosControlLeavesCountersUnpadded)
     app().setConstantData({"«#»", 3, 1, false, 0, false, "", "", "literal", false, 0, 0, false, "", false, "", 0, 0,
                            false, 0, "", false, false, ""});
     EXPECT_EQ(app().generateNewName({"a.jpg", 100, false, "", QVariant(), QVariant()}), QStringLiteral("3.jpg"));
+}
+
+TEST(Progress, ScreenUpdatesAreThinnedByTheMaximum)
+{
+    QLabel *lower = control<QLabel>("progress_label");
+    QProgressBar *bar = control<QProgressBar>("theIndicator");
+    app().stopIndeterminateProgress(201);
+    EXPECT_EQ(bar->maximum(), 201);
+    QStringList shown;
+    for (int n = 1; n <= 201; ++n) {
+        app().updateProgress(n, 201, "upper", QString::number(n));
+        if (!shown.contains(lower->text()))
+            shown.append(lower->text());
+    }
+    EXPECT_EQ(shown.mid(1), QStringList({"25", "50", "75", "100", "125", "150", "175", "200"}));
+    EXPECT_EQ(bar->value(), 200) << "the last value is skipped like the others";
+    app().updateProgress(7, 50, "upper", "7");
+    EXPECT_EQ(lower->text(), QStringLiteral("7")) << "small passes show every step";
+    app().updateProgress(15, 100, "upper", "15");
+    EXPECT_EQ(lower->text(), QStringLiteral("7"));
+    app().updateProgress(20, 100, "upper", "20");
+    EXPECT_EQ(lower->text(), QStringLiteral("20"));
+}
+
+TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
+{
+    QTemporaryDir dir;
+    for (int i = 0; i < 3000; ++i)
+        QFile(dir.filePath(QStringLiteral("f%1.txt").arg(i))).open(QIODevice::WriteOnly);
+    QStringList paths;
+    for (int i = 0; i < 3000; ++i)
+        paths.append(dir.filePath(QStringLiteral("f%1.txt").arg(i)));
+    // The click arrives through the event loop, which the listing keeps running.
+    QTimer::singleShot(0, [] { control<QPushButton>("stop_progress")->click(); });
+    const QVariant result = app().parseItems({paths, QStringList(), QStringList(), false, false, false, false, true, dir.path()});
+    EXPECT_EQ(result, QVariant(false));
+    EXPECT_TRUE(app().engine().stopProgressBool.load()) << "set back for the next listing";
+}
+
+TEST(Preview, TheWholeTableFollowsTheRules)
+{
+    QVariantList rows;
+    for (int i = 0; i < 10000; ++i)
+        rows.append(QVariantMap{{"include", true}, {"original", QStringLiteral("img_%1 crème.JPG").arg(i)}, {"location", "/photos/"}});
+    app().fileTableDataSource().setRows(rows);
+    // The suffix counter: an earlier test took the prefix's zeros control away.
+    control<QLineEdit>("prefix")->setText("");
+    control<QLineEdit>("suffix")->setText("_«#»");
+    control<QLineEdit>("suffix_start_num")->setText("1");
+    control<QLineEdit>("suffix_ai_counter")->setText("1");
+    control<QCheckBox>("change_case")->setChecked(true);
+    control<QComboBox>("the_case")->setCurrentText("Title Case");
+    control<QCheckBox>("orig_strip_diacriticals")->setChecked(true);
+    app().immediatePreviewRows = 10000; // measured at once here
+    type(control<QLineEdit>("prefix"), "P ");
+    EXPECT_FALSE(app().lastTablePreviewInBackground);
+    EXPECT_EQ(control<QLineEdit>("preview_name")->text(), QStringLiteral("P Img_0 Creme_00001.JPG")) << "the first row";
+    const FileTableModel &table = app().fileTableDataSource();
+    EXPECT_EQ(table.valueForColumn("new", 0), QVariant(QStringLiteral("P Img_0 Creme_00001.JPG")));
+    EXPECT_EQ(table.valueForColumn("new", 9999), QVariant(QStringLiteral("P Img_9999 Creme_10000.JPG")));
+    std::printf("[ figures  ] full-table preview of 10,000 rows: %lld ms\n", (long long)app().lastTablePreviewMs);
+    EXPECT_EQ(app().engine().composer.duplicate_check_list.toList(), QStringList()) << "the engine's own list is untouched";
+
+    // Beyond the immediate size the table is worked out aside.
+    app().immediatePreviewRows = 100;
+    QSignalSpy applied(&app(), &RZApplication::tablePreviewApplied);
+    type(control<QLineEdit>("prefix"), "x");
+    EXPECT_TRUE(app().lastTablePreviewInBackground);
+    ASSERT_TRUE(applied.wait(10000));
+    EXPECT_EQ(table.valueForColumn("new", 1), QVariant(QStringLiteral("P xImg_1 Creme_00002.JPG")));
+    app().immediatePreviewRows = 5000;
+    app().fileTableDataSource().setRows({});
+    control<QLineEdit>("prefix")->setText("");
+    control<QLineEdit>("suffix")->setText("");
+    control<QCheckBox>("change_case")->setChecked(false);
+    control<QCheckBox>("orig_strip_diacriticals")->setChecked(false);
 }
 
 } // namespace

@@ -1,0 +1,218 @@
+#include "FolderListing.h"
+#include "PathCodec.h"
+#include "TestPrinting.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <thread>
+#include <utime.h>
+
+namespace {
+
+class Listing : public testing::Test {
+protected:
+    Listing()
+        : listing({QDateTime(QDate(1904, 1, 1), QTime(0, 0), Qt::LocalTime), QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime),
+                   QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::UTC), QDateTime(QDate(2040, 2, 6), QTime(5, 28, 15), Qt::UTC)},
+                  stop)
+    {
+    }
+
+    QString make(const QString &relative, const QByteArray &contents = "x")
+    {
+        const QString path = root() + u'/' + relative;
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+        return path;
+    }
+    QString root() const { return dir.path(); }
+    // Names of the rows, marked "+" when ticked and "-" when not, with their
+    // folder relative to the root.
+    QStringList rows(const QVariantList &records) const
+    {
+        QStringList names;
+        for (const QVariant &record : records) {
+            if (record.typeId() != QMetaType::QVariantMap) {
+                names.append(QStringLiteral("<NO>"));
+                continue;
+            }
+            const QVariantMap r = record.toMap();
+            const QString location = r.value("location").toString().mid(root().size() + 1);
+            names.append((r.value("include").toBool() ? "+" : "-") + location + r.value("original").toString());
+        }
+        names.sort();
+        return names;
+    }
+    QVariantList parse(ListingRequest request)
+    {
+        request.root = root();
+        if (request.paths.isEmpty())
+            request.paths = {root()};
+        return listing.parseItems(request).value_or(QVariantList{QStringLiteral("stopped")});
+    }
+
+    QTemporaryDir dir;
+    std::atomic<bool> stop{true};
+    FolderListing listing;
+};
+
+TEST_F(Listing, FiltersAndTheirBlankForms)
+{
+    make("a.jpg");
+    make("b.JPG");
+    make("c.png");
+    make(".hidden.jpg");
+    ListingRequest all;
+    all.typeCodes = {""};
+    all.extensions = {""};
+    EXPECT_EQ(rows(parse(all)), QStringList({"+a.jpg", "+b.JPG", "+c.png"})) << "single blank filters are no filters";
+    ListingRequest none;
+    EXPECT_EQ(rows(parse(none)), QStringList({"+a.jpg", "+b.JPG", "+c.png"})) << "empty filters are no filters";
+    ListingRequest jpg;
+    jpg.extensions = {"jpg"};
+    jpg.typeCodes = {""};
+    EXPECT_EQ(rows(parse(jpg)), QStringList({"+a.jpg"})) << "extensions match exactly";
+    jpg.listUnmatched = true;
+    EXPECT_EQ(rows(parse(jpg)), QStringList({"+a.jpg", "-b.JPG", "-c.png"}));
+    jpg.folderRows = true;
+    EXPECT_EQ(rows(parse(jpg)), QStringList({"+a.jpg"})) << "unmatched files are not listed with folder rows";
+}
+
+TEST_F(Listing, TypeCodesFromTheFinderInformation)
+{
+    const QString text = make("notes");
+    make("other");
+    unsigned char info[32] = {'T', 'E', 'X', 'T'};
+    if (setxattr(PathCodec::encode(text).constData(), "user.com.apple.FinderInfo", info, 32, 0) != 0)
+        GTEST_SKIP() << "no user extended attributes here";
+    ListingRequest request;
+    request.typeCodes = {"TEXT"};
+    request.extensions = {""};
+    EXPECT_EQ(rows(parse(request)), QStringList({"+notes"}));
+    EXPECT_TRUE(FolderListing::fileTypeCode(0x54455854, {"JPEG", "TEXT"}));
+    EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {}));
+    EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {"TEX"}));
+}
+
+TEST_F(Listing, DescentFolderRowsAndTheRootNeverARow)
+{
+    make("top.txt");
+    make("Sub/inner.txt");
+    make("Sub/Deeper/deep.txt");
+    ListingRequest flat;
+    EXPECT_EQ(rows(parse(flat)), QStringList({"+top.txt"})) << "without descent only the root is read";
+    ListingRequest deep;
+    deep.descend = true;
+    EXPECT_EQ(rows(parse(deep)), QStringList({"+Sub/Deeper/deep.txt", "+Sub/inner.txt", "+top.txt"}));
+    deep.folderRows = true;
+    EXPECT_EQ(rows(parse(deep)), QStringList({"+Sub", "+Sub/Deeper"})) << "folder rows, and files untick with no filter";
+    const QVariantList records = parse(deep);
+    for (const QVariant &record : records) {
+        if (record.toMap().value("original") == QLatin1String("Sub")) {
+            EXPECT_EQ(record.toMap().value("size"), QVariant(QStringLiteral("-")));
+        }
+    }
+}
+
+TEST_F(Listing, LongNamesMode)
+{
+    make(QString(32, u'L') + ".txt");
+    make("short.txt");
+    ListingRequest request;
+    request.longNames = true;
+    request.listUnmatched = true;
+    EXPECT_EQ(rows(parse(request)), QStringList({"-" + QString(32, u'L') + ".txt", "-short.txt"}))
+        << "with the folder-rows flag off no file is ticked in this mode";
+    request.folderRows = true;
+    EXPECT_EQ(rows(parse(request)), QStringList({"+" + QString(32, u'L') + ".txt"}));
+}
+
+TEST_F(Listing, DatesAreClampedAndSizesKept)
+{
+    const QString old = make("old.txt", "12345");
+    const QString future = make("future.txt");
+    const QString epoch = make("epoch.txt");
+    const utimbuf oldTimes{0, -2208988800LL};        // 1900
+    const utimbuf futureTimes{0, 4102444800LL};      // 2100
+    const utimbuf epochTimes{0, 0};                  // 1970-01-01 00:00 GMT
+    utime(PathCodec::encode(old).constData(), &oldTimes);
+    utime(PathCodec::encode(future).constData(), &futureTimes);
+    utime(PathCodec::encode(epoch).constData(), &epochTimes);
+    EXPECT_EQ(listing.getFileInfo(old).value("modification").toDateTime().date(), QDate(1904, 1, 1));
+    EXPECT_EQ(listing.getFileInfo(future).value("modification").toDateTime(), QDateTime(QDate(2040, 2, 6), QTime(5, 28, 15), Qt::UTC));
+    EXPECT_EQ(listing.getFileInfo(epoch).value("modification").toDateTime(), QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime));
+    EXPECT_EQ(listing.getFileInfo(old).value("file_size").toULongLong(), 5u);
+    EXPECT_EQ(listing.getFileInfo(old).value("the_extension"), QVariant(QStringLiteral("txt")));
+    const QVariantMap missing = listing.getFileInfo(root() + "/missing");
+    EXPECT_EQ(missing.value("creation").toDateTime().date(), QDate(1904, 1, 1));
+    EXPECT_EQ(missing.value("file_size").toULongLong(), 0u);
+    listing.exifDate = [](const QString &) { return QVariant(QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8), Qt::LocalTime)); };
+    EXPECT_EQ(listing.getFileInfo(old).value("creation").toDateTime().date(), QDate(2003, 4, 5)) << "EXIF dates when chosen";
+    EXPECT_EQ(listing.getFolderInfo(root() + "/missing").value("modification").toDateTime().date(), QDate(1904, 1, 1));
+}
+
+TEST_F(Listing, LinksAreListedAsThemselves)
+{
+    make("Real/inside.txt");
+    ASSERT_EQ(symlink(PathCodec::encode(root() + "/Real").constData(), PathCodec::encode(root() + "/link").constData()), 0);
+    ListingRequest request;
+    request.descend = true;
+    EXPECT_EQ(rows(parse(request)), QStringList({"+Real/inside.txt", "+link"})) << "a link to a folder is not entered";
+}
+
+TEST_F(Listing, StopAtTheTopLevelAndInsideASubfolder)
+{
+    make("a.txt");
+    make("Sub/b.txt");
+    ListingRequest request;
+    request.honourStop = true;
+    request.descend = true;
+    stop = false;
+    EXPECT_EQ(listing.parseItems({{root()}, {}, {}, false, true, false, false, true, root()}), std::nullopt);
+    EXPECT_TRUE(stop.load()) << "the flag is set back";
+    // A stop met inside the subfolder leaves NO in the parent's records.
+    int calls = 0;
+    listing.keepResponsive = [&] {
+        if (++calls == 2) // inside Sub, before its first item
+            stop = false;
+    };
+    request.paths = {root() + "/Sub", root() + "/a.txt"};
+    const auto records = listing.parseItems(request);
+    ASSERT_TRUE(records.has_value());
+    EXPECT_EQ(rows(*records), QStringList({"+a.txt", "<NO>"}));
+    // And the flag may be set from another thread.
+    listing.keepResponsive = nullptr;
+    std::thread([this] { stop = false; }).join();
+    EXPECT_EQ(listing.parseItems(request), std::nullopt);
+}
+
+TEST_F(Listing, SmallServices)
+{
+    make("a.txt");
+    make(".dot");
+    EXPECT_EQ(FolderListing::containerAndItemName("/x/y/z.txt"), QStringList({"z.txt", "/x/y/"}));
+    EXPECT_EQ(FolderListing::directoryContents(root(), true).size(), 2);
+    EXPECT_EQ(FolderListing::directoryContents(root(), false), QStringList({"a.txt"}));
+    EXPECT_EQ(FolderListing::listFolder(root()), QStringList({root() + "/a.txt"}));
+    EXPECT_EQ(FolderListing::listFolder(root() + "/"), QStringList({root() + "/a.txt"}));
+}
+
+TEST_F(Listing, NamesThatAreNotUtf8AreListedLosslessly)
+{
+    const QByteArray bytes = PathCodec::encode(root()) + "/raw\xff\xfe.txt";
+    FILE *file = fopen(bytes.constData(), "w");
+    ASSERT_NE(file, nullptr);
+    fclose(file);
+    const QVariantList records = parse(ListingRequest());
+    ASSERT_EQ(records.size(), 1);
+    const QVariantMap record = records[0].toMap();
+    EXPECT_EQ(PathCodec::encode(record.value("location").toString() + record.value("original").toString()), bytes);
+}
+
+} // namespace
