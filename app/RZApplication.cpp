@@ -125,6 +125,7 @@ void RZApplication::keepResponsive()
 
 QVariant RZApplication::parseItems(const QVariantList &request)
 {
+    m_lastYield = -1000; // a Stop pressed just before the listing counts at once
     FolderListing listing = m_engine->listing();
     listing.keepResponsive = [this] { keepResponsive(); };
     const auto records = listing.parseItems(ListingRequest::fromArray(request));

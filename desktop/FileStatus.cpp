@@ -133,10 +133,12 @@ const char *const attribute = "user.com.apple.FinderInfo";
 constexpr int infoSize = 32;
 } // namespace
 
-std::optional<Info> read(const QString &path)
+std::optional<Info> read(const QString &path, bool followLinks)
 {
     unsigned char bytes[infoSize];
-    const ssize_t got = getxattr(PathCodec::encode(path).constData(), attribute, bytes, sizeof bytes);
+    const QByteArray name = PathCodec::encode(path);
+    const ssize_t got = followLinks ? getxattr(name.constData(), attribute, bytes, sizeof bytes)
+                                    : lgetxattr(name.constData(), attribute, bytes, sizeof bytes);
     if (got < 10)
         return std::nullopt;
     return Info{qFromBigEndian<quint32>(bytes), qFromBigEndian<quint32>(bytes + 4),

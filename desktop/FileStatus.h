@@ -52,7 +52,7 @@ struct Info {
 };
 constexpr quint16 InvisibleFlag = 0x4000;
 
-std::optional<Info> read(const QString &path);
+std::optional<Info> read(const QString &path, bool followLinks = true);
 bool writeCodes(const QString &path, std::optional<quint32> type, std::optional<quint32> creator);
 
 } // namespace FinderInfo

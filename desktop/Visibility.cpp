@@ -18,7 +18,7 @@ struct HiddenList {
     QSet<QString> names;
 };
 
-bool listedAsHidden(const QString &hiddenFile, const QString &name)
+QSet<QString> namesIn(const QString &hiddenFile)
 {
     static QMutex lock;
     static QHash<QString, HiddenList> cache;
@@ -26,7 +26,7 @@ bool listedAsHidden(const QString &hiddenFile, const QString &name)
     QMutexLocker guard(&lock);
     if (!status) {
         cache.remove(hiddenFile);
-        return false;
+        return {};
     }
     HiddenList &list = cache[hiddenFile];
     if (list.modified != status->modified || list.size != qint64(status->size)) {
@@ -38,8 +38,19 @@ bool listedAsHidden(const QString &hiddenFile, const QString &name)
         list.modified = status->modified;
         list.size = qint64(status->size);
     }
-    return list.names.contains(name);
+    return list.names;
 }
+
+bool listedIn(const QString &hiddenFile, const QString &name)
+{
+    return namesIn(hiddenFile).contains(name);
+}
+
+} // namespace
+
+bool listedAsHidden(const QString &folder, const QString &name);
+
+namespace {
 
 const QSet<QString> &systemPaths()
 {
@@ -66,8 +77,21 @@ QVariant ROZ_MiscMethods::returnItemVisiblity(const QString &path)
     QString folder = posix.left(posix.size() - name.size());
     while (folder.size() > 1 && folder.endsWith(u'/'))
         folder.chop(1);
-    if (listedAsHidden(QStringLiteral("/.hidden"), name)
-        || (!folder.isEmpty() && listedAsHidden(folder + QStringLiteral("/.hidden"), name)))
+    if (listedAsHidden(folder, name))
         return QVariant();
     return true;
+}
+
+QSet<QString> hiddenNames(const QString &folder)
+{
+    QSet<QString> names = namesIn(QStringLiteral("/.hidden"));
+    if (!folder.isEmpty())
+        names.unite(namesIn((folder.endsWith(u'/') ? folder : folder + u'/') + QStringLiteral(".hidden")));
+    return names;
+}
+
+bool listedAsHidden(const QString &folder, const QString &name)
+{
+    return listedIn(QStringLiteral("/.hidden"), name)
+           || (!folder.isEmpty() && listedIn((folder.endsWith(u'/') ? folder : folder + u'/') + QStringLiteral(".hidden"), name));
 }

@@ -60,13 +60,12 @@ QStringList FolderListing::directoryContents(const QString &folder, bool withInv
     const QStringList names = FileStatus::entryNames(folder).value_or(QStringList());
     if (withInvisibles)
         return names;
-    QStringList visible;
-    for (const QString &name : names) {
-        const QVariant answer = ROZ_MiscMethods::returnItemVisiblity(fullPath(folder, name));
-        if (answer.isValid() && answer.toBool())
-            visible.append(name);
-    }
-    return visible;
+    QStringList shown;
+    const QSet<QString> hidden = hiddenNames(folder);
+    for (const QString &name : names)
+        if (visible(scan(folder, name), hidden))
+            shown.append(name);
+    return shown;
 }
 
 QStringList FolderListing::listFolder(const QString &folder)
@@ -101,6 +100,75 @@ bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
     return false;
 }
 
+FolderListing::Scanned FolderListing::scan(const QString &folder, const QString &name)
+{
+    Scanned item;
+    item.path = fullPath(folder, name);
+    item.name = name;
+    item.location = folder.endsWith(u'/') ? folder : folder + u'/';
+    item.status = FileStatus::of(item.path, false);
+    item.finder = FinderInfo::read(item.path, false);
+    return item;
+}
+
+// The visibility rules, from what was already read. A link's invisible
+// flag is its target's, as the single-item answer reads it.
+bool FolderListing::visible(const Scanned &item, const QSet<QString> &hidden)
+{
+    static const QSet<QString> systemPaths = {"/var", "/tmp", "/Network", "/net", "/mach", "/mach.sym", "/home", "/etc", "/dev"};
+    if (item.name.startsWith(u'.') || systemPaths.contains(item.path))
+        return false;
+    const auto finder = item.status && item.status->isSymbolicLink() ? FinderInfo::read(item.path, true) : item.finder;
+    if (finder && (finder->flags & FinderInfo::InvisibleFlag))
+        return false;
+    return !hidden.contains(item.name);
+}
+
+std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &folder) const
+{
+    std::vector<Scanned> items;
+    const QSet<QString> hidden = hiddenNames(folder);
+    for (const QString &name : FileStatus::entryNames(folder).value_or(QStringList())) {
+        Scanned item = scan(folder, name);
+        if (visible(item, hidden))
+            items.push_back(std::move(item));
+    }
+    return items;
+}
+
+QVariantMap FolderListing::fileInfo(const Scanned &item) const
+{
+    std::optional<QDateTime> created = item.status ? item.status->created : std::nullopt;
+    if (exifDate) {
+        const QVariant fromExif = exifDate(item.path);
+        if (ROZ_MiscMethods::isThisADate(fromExif))
+            created = fromExif.toDateTime();
+    }
+    return {{QStringLiteral("the_extension"), extensionOf(item.name)},
+            {QStringLiteral("type_code"), QVariant::fromValue(item.finder ? item.finder->type : 0u)},
+            {Creation, clamped(created)},
+            {Modification, clamped(item.status ? std::optional(item.status->modified) : std::nullopt)},
+            {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(item.status ? item.status->size : 0))}};
+}
+
+QVariantMap FolderListing::folderInfo(const Scanned &item) const
+{
+    return {{Creation, item.status && item.status->created ? *item.status->created : m_dates.date1904},
+            {Modification, item.status ? item.status->modified : m_dates.date1904}};
+}
+
+QVariantMap FolderListing::getFileInfo(const QString &path) const
+{
+    const QStringList split = containerAndItemName(path);
+    return fileInfo(scan(split[1], split[0]));
+}
+
+QVariantMap FolderListing::getFolderInfo(const QString &path) const
+{
+    const QStringList split = containerAndItemName(path);
+    return folderInfo(scan(split[1], split[0]));
+}
+
 QDateTime FolderListing::clamped(const std::optional<QDateTime> &date) const
 {
     if (!date || !date->isValid() || *date < m_dates.date1904)
@@ -112,40 +180,24 @@ QDateTime FolderListing::clamped(const std::optional<QDateTime> &date) const
     return *date;
 }
 
-QVariantMap FolderListing::getFileInfo(const QString &path) const
-{
-    const auto status = FileStatus::of(path, false);
-    const auto finder = FinderInfo::read(path);
-    std::optional<QDateTime> created = status ? status->created : std::nullopt;
-    if (exifDate) {
-        const QVariant fromExif = exifDate(path);
-        if (ROZ_MiscMethods::isThisADate(fromExif))
-            created = fromExif.toDateTime();
-    }
-    return {{QStringLiteral("the_extension"), extensionOf(ROZ_MiscMethods::returnItemName(path))},
-            {QStringLiteral("type_code"), QVariant::fromValue(finder ? finder->type : 0u)},
-            {Creation, clamped(created)},
-            {Modification, clamped(status ? std::optional(status->modified) : std::nullopt)},
-            {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(status ? status->size : 0))}};
-}
-
-QVariantMap FolderListing::getFolderInfo(const QString &path) const
-{
-    const auto status = FileStatus::of(path, false);
-    return {{Creation, status && status->created ? *status->created : m_dates.date1904},
-            {Modification, status ? status->modified : m_dates.date1904}};
-}
-
 std::optional<QVariantList> FolderListing::parseItems(const ListingRequest &request)
 {
+    std::vector<Scanned> items;
+    for (const QString &path : request.paths) {
+        const QStringList split = containerAndItemName(path);
+        Scanned item = scan(split[1], split[0]);
+        item.path = path; // as given, so the root is recognised as the root
+        items.push_back(std::move(item));
+    }
     bool stopped = false;
-    QVariantList records = listing(request, request.paths, request.descend, stopped);
+    QVariantList records = listing(request, items, request.descend, stopped);
     if (stopped)
         return std::nullopt;
     return records;
 }
 
-QVariantList FolderListing::listing(const ListingRequest &request, const QStringList &paths, bool descend, bool &stopped)
+QVariantList FolderListing::listing(const ListingRequest &request, const std::vector<Scanned> &items, bool descend,
+                                    bool &stopped)
 {
     const bool typeBlank = isBlankFilter(request.typeCodes);
     const bool extensionBlank = isBlankFilter(request.extensions);
@@ -153,7 +205,7 @@ QVariantList FolderListing::listing(const ListingRequest &request, const QString
     const QSet<QString> extensions(request.extensions.cbegin(), request.extensions.cend());
 
     QVariantList records;
-    for (const QString &path : paths) {
+    for (const Scanned &item : items) {
         if (keepResponsive)
             keepResponsive();
         if (request.honourStop && !m_stop.load()) {
@@ -161,16 +213,16 @@ QVariantList FolderListing::listing(const ListingRequest &request, const QString
             stopped = true;
             return {};
         }
-        const QStringList split = containerAndItemName(path);
-        if (ROZ_MiscMethods::returnItemIsFolder(path)) {
-            const QVariantMap info = getFolderInfo(path);
+        const QString &path = item.path;
+        if (item.status && item.status->isDirectory()) {
+            const QVariantMap info = folderInfo(item);
             if (request.folderRows && path != request.root)
-                records.append(QVariantMap{{Include, true}, {Original, split[0]}, {Location, split[1]},
+                records.append(QVariantMap{{Include, true}, {Original, item.name}, {Location, item.location},
                                            {Creation, info.value(Creation)}, {Modification, info.value(Modification)},
                                            {Size, QStringLiteral("-")}, {New, QString(QLatin1String(""))}});
             if (descend || path == request.root) {
                 bool nestedStop = false;
-                const QVariantList nested = listing(request, listFolder(path), descend, nestedStop);
+                const QVariantList nested = listing(request, scanFolder(path), descend, nestedStop);
                 if (nestedStop)
                     records.append(false);
                 else
@@ -178,11 +230,11 @@ QVariantList FolderListing::listing(const ListingRequest &request, const QString
             }
             continue;
         }
-        const QVariantMap info = getFileInfo(path);
+        const QVariantMap info = fileInfo(item);
         bool include = false;
         bool listed = true;
         if (request.longNames) {
-            if (split[0].size() >= 32 && request.folderRows)
+            if (item.name.size() >= 32 && request.folderRows)
                 include = true;
             else
                 listed = request.listUnmatched && !request.folderRows;
@@ -195,7 +247,7 @@ QVariantList FolderListing::listing(const ListingRequest &request, const QString
         }
         if (!listed)
             continue;
-        records.append(QVariantMap{{Include, include}, {Original, split[0]}, {Location, split[1]},
+        records.append(QVariantMap{{Include, include}, {Original, item.name}, {Location, item.location},
                                    {Creation, info.value(Creation)}, {Modification, info.value(Modification)},
                                    {Size, info.value(QStringLiteral("file_size"))}, {New, QString(QLatin1String(""))}});
     }

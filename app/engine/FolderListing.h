@@ -1,11 +1,15 @@
 #pragma once
 
+#include "FileStatus.h"
+
 #include <QDateTime>
+#include <QSet>
 #include <QStringList>
 #include <QVariantList>
 #include <atomic>
 #include <functional>
 #include <optional>
+#include <vector>
 
 // The nine entries of a listing request.
 struct ListingRequest {
@@ -54,8 +58,22 @@ public:
     static QString fullPath(const QString &folder, const QString &name);
 
 private:
+    // One item as the listing reads it: a status and the Finder
+    // information, each read once.
+    struct Scanned {
+        QString path;
+        QString name;
+        QString location;
+        std::optional<ItemStatus> status;
+        std::optional<FinderInfo::Info> finder;
+    };
+    static Scanned scan(const QString &folder, const QString &name);
+    static bool visible(const Scanned &item, const QSet<QString> &hidden);
+    std::vector<Scanned> scanFolder(const QString &folder) const;
+    QVariantMap fileInfo(const Scanned &item) const;
+    QVariantMap folderInfo(const Scanned &item) const;
     QDateTime clamped(const std::optional<QDateTime> &date) const;
-    QVariantList listing(const ListingRequest &request, const QStringList &paths, bool descend, bool &stopped);
+    QVariantList listing(const ListingRequest &request, const std::vector<Scanned> &items, bool descend, bool &stopped);
 
     Dates m_dates;
     std::atomic<bool> &m_stop;
