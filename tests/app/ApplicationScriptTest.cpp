@@ -4,7 +4,10 @@
 
 #include "TestPrinting.h"
 
+#include <QDir>
+#include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace {
@@ -78,6 +81,63 @@ TEST(ApplicationScript, GermanTokensAreWhatAGermanUserTypes)
         callMethod(application, "replaceInsertConstants:withDate:", ["«JJJJ-MM-TT»|«TT-MM»|«YYYY-MM-DD»", new Date(Date.UTC(2005, 2, 7, 12))])
     )JS"), QStringLiteral("de_DE.UTF-8"));
     EXPECT_EQ(out, QStringLiteral("2005-03-07|07-03|«YYYY-MM-DD»\n"));
+}
+
+TEST(ApplicationScript, EveryListingTableAndBatchSelectorByName)
+{
+    QTemporaryDir dir;
+    QDir().mkpath(dir.filePath("Sub"));
+    for (const char *name : {"a.jpg", "b.png", "Sub/c.jpg"}) {
+        QFile file(dir.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("x");
+    }
+    const QString out = nomenScript(QStringLiteral(R"JS(
+        var a = application, R = "%1", r = [];
+        function show(label, value) { r.push(label + " " + JSON.stringify(value).split(R).join("R")); }
+        var rows = callMethod(a, "parseItems:", [[[R], [""], ["jpg"], false, true, false, true, false, R]]);
+        rows.sort(function (x, y) { return (x.location + x.original) < (y.location + y.original) ? -1 : 1; });
+        show("parseItems:", rows.map(function (x) { return (x.include ? "+" : "-") + x.location + x.original; }));
+        show("listFolder:", callMethod(a, "listFolder:", [R]).sort());
+        show("directoryContents:withInvisibles:", callMethod(a, "directoryContents:withInvisibles:", [R, true]).sort());
+        show("getFileInfo:", Object.keys(callMethod(a, "getFileInfo:", [R + "/a.jpg"])).sort());
+        show("getFolderInfo:", Object.keys(callMethod(a, "getFolderInfo:", [R + "/Sub"])).sort());
+        show("containerAndItemName:", callMethod(a, "containerAndItemName:", [R + "/Sub/c.jpg"]));
+        show("fileTypeCode:inSet:", callMethod(a, "fileTypeCode:inSet:", [0x54455854, ["JPEG", "TEXT"]]));
+        callMethod(a, "setTableRows:", [rows]);
+        show("tableRows", callMethod(a, "tableRows").length);
+        callMethod(a, "setValue:atColumn:atRow:", [false, "include", 1]);
+        show("getValueForColumn:atRow:", [callMethod(a, "getValueForColumn:atRow:", ["include", 1]), callMethod(a, "getValueForColumn:atRow:", ["original", 0])]);
+        callMethod(a, "setConstantData:", [["N«#»", 1, 1, true, 0, false, "", "", "literal", false, 0, 0, false, "", false, "", 0, 0, false, 0, "", false, false, ""]]);
+        var result = callMethod(a, "makeReplacementNames:", [["files", new Date(), "Renaming", "%d of %d %@", 0, 0, 3, true]]);
+        show("makeReplacementNames:", result.map(function (x) { return x["new"]; }));
+        show("renameFile:toPath:", [callMethod(a, "renameFile:toPath:", [R + "/a.jpg", R + "/N1.jpg"]),
+                                    callMethod(a, "renameFile:toPath:", [R + "/b.png", R + "/N1.jpg"])]);
+        show("cleanData:", Object.keys(callMethod(a, "cleanData:", [[{original: "x"}]])[0]).sort());
+        show("runCommand:withArguments:", callMethod(a, "runCommand:withArguments:", ["/bin/echo", ["hi"]]));
+        callMethod(a, "stopIndeterminateProgress:", [10]);
+        callMethod(a, "updateProgress:maxCount:withSuperMessage:withMessage:", [5, 10, "up", "down"]);
+        callMethod(a, "updateStatus:", ["status line"]);
+        callMethod(a, "stopProgressAction:", [null]);
+        show("stopProgressAction:", callMethod(a, "parseItems:", [[[R], [""], [""], false, false, false, false, true, R]]));
+        callClassMethod("ASKDataSource", "registerViewForDraggedTableRows:", [null]);
+        r.join("\n")
+    )JS").arg(dir.path()));
+    EXPECT_EQ(out, QStringLiteral(
+        "parseItems: [\"+R/Sub/c.jpg\",\"+R/a.jpg\",\"-R/b.png\"]\n"
+        "listFolder: [\"R/Sub\",\"R/a.jpg\",\"R/b.png\"]\n"
+        "directoryContents:withInvisibles: [\"Sub\",\"a.jpg\",\"b.png\"]\n"
+        "getFileInfo: [\"creation\",\"file_size\",\"modification\",\"the_extension\",\"type_code\"]\n"
+        "getFolderInfo: [\"creation\",\"modification\"]\n"
+        "containerAndItemName: [\"c.jpg\",\"R/Sub/\"]\n"
+        "fileTypeCode:inSet: true\n"
+        "tableRows 3\n"
+        "getValueForColumn:atRow: [false,\"c.jpg\"]\n"
+        "makeReplacementNames: [\"N1.jpg\",\"a.jpg\",\"b.png\"]\n"
+        "renameFile:toPath: [true,false]\n"
+        "cleanData: [\"creation\",\"modification\",\"original\"]\n"
+        "runCommand:withArguments: \"hi\\n\"\n"
+        "stopProgressAction: false\n"));
 }
 
 } // namespace
