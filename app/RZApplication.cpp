@@ -198,6 +198,7 @@ void RZApplication::refreshTablePreview()
     QElapsedTimer clock;
     clock.start();
     if (!grep && rows.size() <= immediatePreviewRows) {
+        copy.baseNameCache = m_previewBases; // this thread's own, kept between keystrokes
         m_table->setNewNames(TablePreview::newNames(copy, rows, prefixChoice, suffixChoice, QDateTime::currentDateTime()));
         lastTablePreviewMs = clock.elapsed();
         lastTablePreviewInBackground = false;

@@ -58,7 +58,7 @@ public:
     // Tables up to this size are previewed at once, within about a frame
     // on the machine this was measured on; larger ones aside, so typing
     // never waits for them.
-    int immediatePreviewRows = 5000;
+    int immediatePreviewRows = 10000;
 
 signals:
     void tablePreviewApplied();
@@ -83,5 +83,6 @@ private:
     FileTableModel *m_table = nullptr;
     quint64 m_previewGeneration = 0;
     QVariantList m_capturedSettings; // as last read from the controls
+    std::shared_ptr<NameComposer::BaseNameCache> m_previewBases = std::make_shared<NameComposer::BaseNameCache>();
     qint64 m_lastYield = 0;
 };

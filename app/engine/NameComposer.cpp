@@ -59,10 +59,26 @@ QString NameComposer::counterText(qint32 counter, qint32 rowCount, qint32 minimu
     return padded ? addLeadingZeros(counter, rowCount, minimum) : QString::number(counter);
 }
 
+QString NameComposer::tokensFilled(const QString &text, const QDateTime &date) const
+{
+    for (const FilledText &last : m_filled)
+        if (last.text == text && last.date == date)
+            return last.filled;
+    // Two texts are in use at once, the prefix and the suffix: the older
+    // entry gives way.
+    FilledText &slot = m_filled[m_nextFilled];
+    m_nextFilled = 1 - m_nextFilled;
+    slot = {text, date, replaceInsertConstants(text, date)};
+    return slot.filled;
+}
+
 QString NameComposer::fillTokens(const QString &text, const QDateTime &date, const QString &counter,
                                  const QString &folder) const
 {
-    QString filled = snr(replaceInsertConstants(text, date), QStringLiteral("«#»"), counter);
+    // Every token opens with a guillemet; most texts have none.
+    if (!text.contains(u'«'))
+        return text;
+    QString filled = snr(tokensFilled(text, date), QStringLiteral("«#»"), counter);
     if (containsString(filled, QStringLiteral("«ƒ»"), false))
         filled = snr(filled, QStringLiteral("«ƒ»"), folder);
     return filled;
@@ -103,6 +119,26 @@ QString NameComposer::treatedBaseName(const QString &name)
     return base;
 }
 
+QString NameComposer::cachedBaseName(const QString &name)
+{
+    if (!baseNameCache)
+        return treatedBaseName(name);
+    const RenameSettings &s = settings;
+    const QString rules = QStringList{s._filename_search_1, s._filename_replace_1, s._search_type_1,
+                                      QString::number(s._snr_consider_case_1), QString::number(s._trim_start),
+                                      QString::number(s._trim_end), QString::number(s._change_case),
+                                      s._case_transformation, QString::number(s._orig_strip_diacriticals)}
+                              .join(QChar(0));
+    if (baseNameCache->rules != rules) {
+        baseNameCache->rules = rules;
+        baseNameCache->bases.clear();
+    }
+    const auto known = baseNameCache->bases.constFind(name);
+    if (known != baseNameCache->bases.constEnd())
+        return *known;
+    return baseNameCache->bases[name] = treatedBaseName(name);
+}
+
 QString NameComposer::generateNewName(const CompositionRequest &request)
 {
     const QString folder = lastPathComponent(request.location);
@@ -115,7 +151,7 @@ QString NameComposer::generateNewName(const CompositionRequest &request)
     settings._prefix_start_num += settings._prefix_ai_counter;
 
     if (settings._inc_original_name)
-        newName += treatedBaseName(request.name);
+        newName += cachedBaseName(request.name);
 
     newName += fillTokens(settings._suffix, request.suffixDate,
                           counterText(settings._suffix_start_num, request.rowCount,

@@ -4,7 +4,9 @@
 #include "RenameSettings.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QSet>
+#include <memory>
 #include <QStringList>
 #include <QVariantList>
 #include <functional>
@@ -65,6 +67,16 @@ public:
     bool suffixZerosControlConnected = true;
     GrepReplace grep;
 
+    // Treated base names kept from one composition to the next while the
+    // rules that make them (search and replace, trimming, case, accents)
+    // stay the same: a preview of the whole table then redoes only the
+    // prefix, suffix, counters and extension as the user types.
+    struct BaseNameCache {
+        QString rules;
+        QHash<QString, QString> bases;
+    };
+    std::shared_ptr<BaseNameCache> baseNameCache;
+
     QString generateNewName(const CompositionRequest &request);
     static QString addLeadingZeros(qint32 counter, qint32 rowCount, qint32 minimumDigits);
     QString changeCase(const QString &text, const QString &theCase) const;
@@ -81,4 +93,16 @@ private:
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;
     QString fillTokens(const QString &text, const QDateTime &date, const QString &counter, const QString &folder) const;
     QString treatedBaseName(const QString &name);
+    QString cachedBaseName(const QString &name);
+    QString tokensFilled(const QString &text, const QDateTime &date) const;
+
+    // The last texts the date tokens were filled in: rows without dates of
+    // their own share one answer.
+    struct FilledText {
+        QString text;
+        QDateTime date;
+        QString filled;
+    };
+    mutable FilledText m_filled[2];
+    mutable int m_nextFilled = 0;
 };
