@@ -44,7 +44,7 @@ QStringList applicationDirectories()
     return QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation);
 }
 
-// mimeapps.list files in the order the freedesktop specification reads them.
+// mimeapps.list files, most personal first, as desktops read them.
 QStringList mimeAppsLists()
 {
     QStringList lists;

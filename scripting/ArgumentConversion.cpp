@@ -1,5 +1,7 @@
 #include "ArgumentConversion.h"
 
+#include "DictionaryAdditions.h"
+
 namespace ArgumentConversion {
 
 bool isNil(const QVariant &value)
@@ -7,26 +9,10 @@ bool isNil(const QVariant &value)
     return !value.isValid() || value.typeId() == QMetaType::Nullptr;
 }
 
+// Bool is a number to the dictionaries, but an argument reads it apart.
 bool isNumber(const QVariant &value)
 {
-    switch (value.typeId()) {
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
+    return value.typeId() != QMetaType::Bool && ROZ_NSDictionaryAdditions::isNumber(value);
 }
 
 bool isUnsignedInteger(const QVariant &value)

@@ -8,8 +8,6 @@
 
 namespace ROZ_NSDictionaryAdditions {
 
-namespace {
-
 bool isNumber(const QVariant &value)
 {
     switch (value.typeId()) {
@@ -32,6 +30,8 @@ bool isNumber(const QVariant &value)
         return false;
     }
 }
+
+namespace {
 
 qsizetype skipWhiteSpace(const QString &text)
 {

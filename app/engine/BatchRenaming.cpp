@@ -1,19 +1,11 @@
 #include "BatchRenaming.h"
 
+#include "ChildOutput.h"
 #include "FormatString.h"
 #include "NameComposer.h"
 #include "NamedException.h"
 
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
-#include <vector>
-
-extern char **environ;
 
 BatchRequest BatchRequest::fromArray(const QVariantList &e)
 {
@@ -104,47 +96,13 @@ QVariantList cleanData(const QVariantList &records, const QDateTime &date1904)
 
 QString runCommand(const QString &launchPath, const QStringList &arguments)
 {
-    int output[2];
-    if (pipe2(output, O_CLOEXEC) != 0)
-        throw NamedException(NSInvalidArgumentException, QStringLiteral("cannot create a pipe"));
-    std::vector<QByteArray> words = {launchPath.toLocal8Bit()};
-    for (const QString &argument : arguments)
-        words.push_back(argument.toLocal8Bit());
-    std::vector<char *> argv;
-    for (QByteArray &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDERR_FILENO);
-    pid_t pid = -1;
-    const int status = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    close(output[1]);
-    if (status != 0) {
-        close(output[0]);
-        throw NamedException(NSInvalidArgumentException,
-                             QStringLiteral("launch path not accessible: %1: %2").arg(launchPath, QString::fromLocal8Bit(strerror(status))));
-    }
-    QByteArray printed;
-    char buffer[65536];
-    for (;;) {
-        const ssize_t got = read(output[0], buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            break;
-        printed.append(buffer, got);
-    }
-    close(output[0]);
-    // Not waited for: the end of its output ends the call; it is reaped aside.
-    std::thread([pid] {
-        int ignored = 0;
-        waitpid(pid, &ignored, 0);
-    }).detach();
-    return QString::fromLatin1(printed);
+    const ChildOutput tool = ChildOutput::read(launchPath, arguments, true);
+    if (tool.launchError != 0)
+        throw NamedException(NSInvalidArgumentException, QStringLiteral("launch path not accessible: %1: %2")
+                                                              .arg(launchPath, QString::fromLocal8Bit(strerror(tool.launchError))));
+    // Not waited for: the end of its output ends the call.
+    tool.reapAside();
+    return QString::fromLatin1(tool.output);
 }
 
 } // namespace BatchRenaming
