@@ -33,7 +33,9 @@ QString NameComposer::addLeadingZeros(qint32 counter, qint32 rowCount, qint32 mi
 {
     // A negative counter keeps its sign, and the zeros go in front of it.
     QString text = QString::number(counter);
-    const qsizetype width = QString::number(rowCount).size();
+    qsizetype width = rowCount < 0 ? 2 : 1;
+    for (qint64 rest = std::abs(qint64(rowCount)); rest >= 10; rest /= 10)
+        ++width;
     if (text.size() < width)
         text.prepend(QString(width - text.size(), u'0'));
     // The minimum is compared as unsigned, so a negative one asks for
@@ -79,7 +81,8 @@ QString NameComposer::fillTokens(const QString &text, const QDateTime &date, con
     if (!text.contains(u'«'))
         return text;
     QString filled = snr(tokensFilled(text, date), QStringLiteral("«#»"), counter);
-    if (containsString(filled, QStringLiteral("«ƒ»"), false))
+    // The case-insensitive test for «ƒ»: the hook's only other case is Ƒ.
+    if (filled.contains(QStringLiteral("«ƒ»")) || filled.contains(QStringLiteral("«Ƒ»")))
         filled = snr(filled, QStringLiteral("«ƒ»"), folder);
     return filled;
 }
@@ -124,13 +127,16 @@ QString NameComposer::cachedBaseName(const QString &name)
     if (!baseNameCache)
         return treatedBaseName(name);
     const RenameSettings &s = settings;
-    const QString rules = QStringList{s._filename_search_1, s._filename_replace_1, s._search_type_1,
-                                      QString::number(s._snr_consider_case_1), QString::number(s._trim_start),
-                                      QString::number(s._trim_end), QString::number(s._change_case),
-                                      s._case_transformation, QString::number(s._orig_strip_diacriticals)}
-                              .join(QChar(0));
-    if (baseNameCache->rules != rules) {
-        baseNameCache->rules = rules;
+    const RenameSettings &r = baseNameCache->rules;
+    const bool same = baseNameCache->filled && s._filename_search_1 == r._filename_search_1
+                      && s._filename_replace_1 == r._filename_replace_1 && s._search_type_1 == r._search_type_1
+                      && s._snr_consider_case_1 == r._snr_consider_case_1 && s._trim_start == r._trim_start
+                      && s._trim_end == r._trim_end && s._change_case == r._change_case
+                      && s._case_transformation == r._case_transformation
+                      && s._orig_strip_diacriticals == r._orig_strip_diacriticals;
+    if (!same) {
+        baseNameCache->rules = s;
+        baseNameCache->filled = true;
         baseNameCache->bases.clear();
     }
     const auto known = baseNameCache->bases.constFind(name);
@@ -172,8 +178,8 @@ QString NameComposer::extensionFor(const QString &currentName) const
     QString extension;
     if (settings._use_new_extension)
         extension = settings._extension;
-    else if (currentName.contains(u'.'))
-        extension = u'.' + currentName.section(u'.', -1);
+    else if (const qsizetype dot = currentName.lastIndexOf(u'.'); dot >= 0)
+        extension = currentName.mid(dot);
     if (settings._ext_change_case)
         extension = changeCase(extension, settings._ext_case_transformation);
     return extension;
@@ -184,14 +190,15 @@ QString NameComposer::numbered(const QString &location, const QString &newName, 
     // Duplicates are counted among names given out earlier in this pass,
     // never against the files on disk. Built by concatenation: names may
     // hold "%" sequences of their own.
-    QString name = newName;
-    if (duplicate_check_list.contains(location + name + extension)) {
-        int n = 1;
-        while (duplicate_check_list.contains(location + name + u' ' + QString::number(n) + extension))
-            ++n;
-        name = name + u' ' + QString::number(n);
+    QString path = location + newName + extension;
+    if (!duplicate_check_list.contains(path)) {
+        duplicate_check_list.append(path);
+        return newName + extension;
     }
-    const QString result = name + extension;
+    int n = 1;
+    while (duplicate_check_list.contains(location + newName + u' ' + QString::number(n) + extension))
+        ++n;
+    const QString result = newName + u' ' + QString::number(n) + extension;
     duplicate_check_list.append(location + result);
     return result;
 }

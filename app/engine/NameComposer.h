@@ -72,7 +72,8 @@ public:
     // stay the same: a preview of the whole table then redoes only the
     // prefix, suffix, counters and extension as the user types.
     struct BaseNameCache {
-        QString rules;
+        RenameSettings rules; // the fields that make a base name, as last used
+        bool filled = false;
         QHash<QString, QString> bases;
     };
     std::shared_ptr<BaseNameCache> baseNameCache;
