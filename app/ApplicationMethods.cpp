@@ -9,9 +9,11 @@
 #include "NativeBinding.h"
 #include "PerlWorker.h"
 #include "RZApplication.h"
+#include "SafeMover.h"
 
 #include <QAbstractItemView>
 #include <QLineEdit>
+#include <QStandardPaths>
 
 namespace {
 
@@ -31,6 +33,35 @@ QObject *fieldOf(RZApplication &application, const QVariant &value)
     if (value.typeId() == QMetaType::QString)
         return application.outlet(value.toString());
     return convert<QObject *>(value, 0);
+}
+
+// The batches' journal lives in the user's data folder.
+SafeMover &sharedMover()
+{
+    static SafeMover mover(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/nomen"));
+    return mover;
+}
+
+std::vector<SafeMover::Move> movesFromScript(const QVariantList &rows)
+{
+    std::vector<SafeMover::Move> moves;
+    for (const QVariant &row : rows) {
+        const QVariantMap move = row.toMap();
+        moves.push_back({move.value(QStringLiteral("from")).toString(), move.value(QStringLiteral("to")).toString()});
+    }
+    return moves;
+}
+
+QVariantList outcomesToScript(const std::vector<SafeMover::Outcome> &outcomes)
+{
+    static const char *const names[] = {"renamed", "unchanged", "conflict", "failed"};
+    QVariantList list;
+    for (const SafeMover::Outcome &outcome : outcomes)
+        list.append(QVariantMap{{QStringLiteral("from"), outcome.move.from},
+                                {QStringLiteral("to"), outcome.move.to},
+                                {QStringLiteral("status"), QString::fromLatin1(names[int(outcome.status)])},
+                                {QStringLiteral("reason"), outcome.reason}});
+    return list;
 }
 
 template <typename Method>
@@ -171,6 +202,28 @@ void registerApplicationMethods(MethodRegistry &registry)
                                 }
                                 return QVariant();
                             });
+
+    // Safe renaming of a whole batch: each row {from, to} as full paths; each
+    // answer {from, to, status, reason} with status "renamed", "unchanged",
+    // "conflict" or "failed".
+    add(registry, "planRenames:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(outcomesToScript(SafeMover::plan(movesFromScript(convert<QVariantList>(args[0], 0)))));
+    });
+    add(registry, "applyRenames:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(outcomesToScript(sharedMover().apply(movesFromScript(convert<QVariantList>(args[0], 0)))));
+    });
+    add(registry, "undoLastRename", [](RZApplication &, const QVariantList &) {
+        return QVariant(outcomesToScript(sharedMover().undoLast()));
+    });
+    add(registry, "hasUnfinishedRename", [](RZApplication &, const QVariantList &) {
+        return QVariant(sharedMover().hasUnfinishedBatch());
+    });
+    add(registry, "finishUnfinishedRename", [](RZApplication &, const QVariantList &) {
+        return QVariant(sharedMover().finishUnfinished());
+    });
+    add(registry, "rollBackUnfinishedRename", [](RZApplication &, const QVariantList &) {
+        return QVariant(sharedMover().rollBackUnfinished());
+    });
 
     // What the helper scripts call.
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenPerl"), QStringLiteral("execute:"),

@@ -140,4 +140,30 @@ TEST(ApplicationScript, EveryListingTableAndBatchSelectorByName)
         "stopProgressAction: false\n"));
 }
 
+TEST(ApplicationScript, SafeRenamingThroughTheScript)
+{
+    QTemporaryDir dir;
+    QTemporaryDir data;
+    for (const char *name : {"a.jpg", "b.jpg"}) {
+        QFile file(dir.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(name);
+    }
+    qputenv("XDG_DATA_HOME", data.path().toLocal8Bit());
+    const QString out = nomenScript(QStringLiteral(R"JS(
+        var a = application, R = "%1";
+        var swap = [{from: R + "/a.jpg", to: R + "/b.jpg"}, {from: R + "/b.jpg", to: R + "/a.jpg"}];
+        var plan = callMethod(a, "planRenames:", [swap]).map(function (o) { return o.status; });
+        var done = callMethod(a, "applyRenames:", [swap]).map(function (o) { return o.status; });
+        var unfinished = callMethod(a, "hasUnfinishedRename");
+        var undone = callMethod(a, "undoLastRename").length;
+        [plan, done, unfinished, undone, callMethod(a, "planRenames:", [[{from: R + "/a.jpg", to: R + "/b.jpg"}]])[0].status].join("|")
+    )JS").arg(dir.path()));
+    qunsetenv("XDG_DATA_HOME");
+    EXPECT_EQ(out, QStringLiteral("renamed,renamed|renamed,renamed|false|2|conflict\n"));
+    QFile a(dir.filePath("a.jpg"));
+    ASSERT_TRUE(a.open(QIODevice::ReadOnly));
+    EXPECT_EQ(a.readAll(), QByteArray("a.jpg")) << "the swap was undone";
+}
+
 } // namespace
