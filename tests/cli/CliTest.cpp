@@ -1,0 +1,89 @@
+// nomen-cli against folder trees made from lists of paths; the dry-run
+// table and the JSON are compared with checked-in expectations, temporary
+// paths replaced by ROOT. NOMEN_WRITE_GOLDEN=1 rewrites them for review.
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+struct CliRun {
+    int exitCode;
+    QString out;
+};
+
+class Cli : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (const char *path : {"Trip/IMG_9.jpg", "Trip/IMG_10.jpg", "Trip/IMG_100.jpg", "Trip/notes.txt", "Trip/Beach/IMG_1.jpg",
+                                 "Trip/taken.jpg"}) {
+            const QString full = tree.filePath(QString::fromLatin1(path));
+            QDir().mkpath(QFileInfo(full).absolutePath());
+            QFile file(full);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(path);
+        }
+    }
+    CliRun cli(const QStringList &arguments)
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_DATA_HOME"), data.path());
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(NOMEN_CLI_PATH), arguments);
+        process.waitForFinished(60000);
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).replace(tree.path(), QStringLiteral("ROOT"))};
+    }
+    void expectGolden(const QString &name, const QString &actual)
+    {
+        const QString path = QStringLiteral(NOMEN_TEST_DATA "/") + name;
+        if (qEnvironmentVariableIsSet("NOMEN_WRITE_GOLDEN")) {
+            QFile file(path);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(actual.toUtf8());
+        }
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(actual, QString::fromUtf8(file.readAll()));
+    }
+
+    QTemporaryDir tree;
+    QTemporaryDir data;
+};
+
+TEST_F(Cli, DryRunTableAndJson)
+{
+    const QStringList rule = {"--prefix", "«ƒ» «#» ", "--zeros", "2", "--ext-filter", "jpg", "--recursive",
+                              "--grep", "--search", "IMG_(\\d+)", "--replace", "shot $1", tree.filePath("Trip")};
+    const CliRun table = cli(rule);
+    EXPECT_EQ(table.exitCode, 0);
+    expectGolden("dry_run.txt", table.out);
+    const CliRun json = cli(QStringList{QStringLiteral("--json")} + rule);
+    expectGolden("dry_run.json", json.out);
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/IMG_9.jpg"))) << "a dry run renames nothing";
+}
+
+TEST_F(Cli, ConflictsApplyAndUndo)
+{
+    // Every photo would become notes.txt: the first collides with the note,
+    // which is not in the batch, and the rest are numbered after it.
+    const QStringList rule = {"--no-original", "--prefix", "notes", "--extension", "txt", "--ext-filter", "jpg", tree.filePath("Trip")};
+    const CliRun conflicted = cli(rule);
+    EXPECT_EQ(conflicted.exitCode, 1) << "conflicts have their own exit code";
+    expectGolden("conflicts.txt", conflicted.out);
+
+    const CliRun applied = cli({"--prefix", "x ", "--ext-filter", "jpg", "--apply", tree.filePath("Trip")});
+    EXPECT_EQ(applied.exitCode, 0);
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/x IMG_9.jpg")));
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/notes.txt")));
+    EXPECT_EQ(cli({"--undo"}).exitCode, 0);
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/IMG_9.jpg")));
+    EXPECT_FALSE(QFile::exists(tree.filePath("Trip/x IMG_9.jpg")));
+    EXPECT_EQ(cli({}).exitCode, 64);
+}
+
+} // namespace
