@@ -124,15 +124,19 @@ TEST_F(SafeMoves, AFailedMoveLeavesItsFileAndTheRestGoesOn)
 {
     make("locked/a", "A");
     make("b", "B");
+    make("d", "D");
     chmod(QFile::encodeName(path("locked")).constData(), 0555);
+    // Root may write into a read-only folder; a missing folder stops anyone.
     const bool root = geteuid() == 0;
-    const auto outcomes = mover.apply({move("locked/a", "locked/z"), move("b", "c")});
+    const auto outcomes = mover.apply({move("locked/a", "locked/z"), move("d", "nowhere/z"), move("b", "c")});
     chmod(QFile::encodeName(path("locked")).constData(), 0755);
     if (!root) {
         EXPECT_EQ(outcomes[0].status, S::Failed);
         EXPECT_EQ(read("locked/a"), QByteArray("A"));
     }
-    EXPECT_EQ(outcomes[1].status, S::Renamed);
+    EXPECT_EQ(outcomes[1].status, S::Failed);
+    EXPECT_EQ(read("d"), QByteArray("D"));
+    EXPECT_EQ(outcomes[2].status, S::Renamed);
     EXPECT_EQ(read("c"), QByteArray("B"));
 }
 
