@@ -66,23 +66,23 @@ QString RZApplication::resourceDirectory()
 
 void RZApplication::init(const MethodRegistry &methods)
 {
-    loadTranslations();
+    loadTranslations(*this);
     loadInterface();
     m_engine = std::make_unique<RenameEngine>(methods, resourceDirectory() + QStringLiteral("/Scripts"));
 }
 
-void RZApplication::loadTranslations()
+void RZApplication::loadTranslations(QCoreApplication &application)
 {
     // English first, then the user's language over it: a key no table
     // knows answers itself.
     const QString directory = QString::fromLocal8Bit(qgetenv("NOMEN_TRANSLATIONS"));
     const QString from = directory.isEmpty() ? QStringLiteral(NOMEN_TRANSLATIONS_DIR) : directory;
-    auto *english = new QTranslator(this);
+    auto *english = new QTranslator(&application);
     if (english->load(QStringLiteral("ui_en"), from))
-        installTranslator(english);
-    auto *local = new QTranslator(this);
+        application.installTranslator(english);
+    auto *local = new QTranslator(&application);
     if (local->load(QLocale(), QStringLiteral("ui"), QStringLiteral("_"), from) && !local->language().startsWith(u'e'))
-        installTranslator(local);
+        application.installTranslator(local);
 }
 
 void RZApplication::loadInterface()

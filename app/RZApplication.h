@@ -29,6 +29,9 @@ public:
 
     static RZApplication *instance();
     static QString resourceDirectory();
+    // The "ui" string table for any application object, the command-line
+    // ones included.
+    static void loadTranslations(QCoreApplication &application);
 
     RenameEngine &engine() { return *m_engine; }
     QWidget *window() const { return m_window.get(); }
@@ -71,7 +74,6 @@ private:
     QString popupTitle(const QString &outletName) const;
     int popupIndex(const QString &outletName) const;
     int matrixSelection(const QString &outletName) const;
-    void loadTranslations();
     void loadInterface();
 
     // Lets the window repaint and the Stop button be pressed while a long

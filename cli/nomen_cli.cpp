@@ -8,6 +8,7 @@
 #include "JsonText.h"
 #include "MethodTable.h"
 #include "NamedException.h"
+#include "RZApplication.h"
 #include "RenameEngine.h"
 #include "SafeMover.h"
 #include "SortFunctions.h"
@@ -18,16 +19,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
-#include <QTranslator>
 #include <algorithm>
 #include <cstdio>
-
-#ifndef NOMEN_RESOURCE_DIR
-#define NOMEN_RESOURCE_DIR ""
-#endif
-#ifndef NOMEN_TRANSLATIONS_DIR
-#define NOMEN_TRANSLATIONS_DIR ""
-#endif
 
 namespace {
 
@@ -37,12 +30,6 @@ void say(FILE *stream, const QString &text)
 {
     const QByteArray bytes = (text + u'\n').toUtf8();
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
-}
-
-QString resourceDirectory()
-{
-    const QString configured = QString::fromLocal8Bit(qgetenv("NOMEN_RESOURCES"));
-    return configured.isEmpty() ? QStringLiteral(NOMEN_RESOURCE_DIR) : configured;
 }
 
 qint32 dateChoice(const QString &source)
@@ -178,9 +165,7 @@ int main(int argc, char **argv)
     options.addOptions(list);
     options.process(application);
 
-    QTranslator english;
-    if (english.load(QStringLiteral("ui_en"), QStringLiteral(NOMEN_TRANSLATIONS_DIR)))
-        application.installTranslator(&english);
+    RZApplication::loadTranslations(application);
     SafeMover mover(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/nomen"));
     if (options.isSet("undo"))
         return report(mover.undoLast(), options.isSet("json"), true);
@@ -195,7 +180,7 @@ int main(int argc, char **argv)
 
     const MethodRegistry methods = buildMethodTable();
     try {
-        RenameEngine engine(methods, resourceDirectory() + QStringLiteral("/Scripts"));
+        RenameEngine engine(methods, RZApplication::resourceDirectory() + QStringLiteral("/Scripts"));
         engine.use_exif_date = options.isSet("exif");
         std::vector<SafeMover::Move> moves;
         QVariantList rows;
