@@ -74,6 +74,21 @@ void sortRows(QVariantList &rows, const QString &order)
     });
 }
 
+// The first option whose value is not one of its choices, as an error
+// line; empty when every value is known.
+QString unknownChoice(const QCommandLineParser &options)
+{
+    const QStringList cases = {"UPPERCASE", "lowercase", "Title Case", "Sentence case"};
+    const std::pair<QString, QStringList> choices[] = {{"sort", {"name", "date", "size", "none"}},
+                                                       {"date-source", {"none", "now", "created", "modified"}},
+                                                       {"case", cases},
+                                                       {"ext-case", cases}};
+    for (const auto &[option, allowed] : choices)
+        if (options.isSet(option) && !allowed.contains(options.value(option)))
+            return QStringLiteral("nomen-cli: --%1 takes one of: %2").arg(option, allowed.join(QStringLiteral(", ")));
+    return {};
+}
+
 const char *statusName(SafeMover::Status status)
 {
     switch (status) {
@@ -172,6 +187,10 @@ int main(int argc, char **argv)
     if (mover.hasUnfinishedBatch()) {
         say(stderr, QStringLiteral("nomen-cli: a batch was interrupted; finishing it first"));
         mover.finishUnfinished();
+    }
+    if (const QString error = unknownChoice(options); !error.isEmpty()) {
+        say(stderr, error);
+        return Usage;
     }
     if (options.positionalArguments().isEmpty()) {
         say(stderr, QStringLiteral("nomen-cli: name a folder (see --help)"));
