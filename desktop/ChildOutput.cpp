@@ -1,4 +1,5 @@
 #include "ChildOutput.h"
+#include "SpawnArguments.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -18,20 +19,14 @@ ChildOutput ChildOutput::read(const QString &launchPath, const QStringList &argu
         child.launchError = errno;
         return child;
     }
-    std::vector<QByteArray> words = {launchPath.toLocal8Bit()};
-    for (const QString &argument : arguments)
-        words.push_back(argument.toUtf8());
-    std::vector<char *> argv;
-    for (QByteArray &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
+    const SpawnArguments words(launchPath.toLocal8Bit(), arguments);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
     if (withStandardError)
         posix_spawn_file_actions_adddup2(&actions, output[1], STDERR_FILENO);
-    child.launchError = posix_spawn(&child.pid, argv[0], &actions, nullptr, argv.data(), environ);
+    child.launchError = posix_spawn(&child.pid, words.argv()[0], &actions, nullptr, words.argv(), environ);
     posix_spawn_file_actions_destroy(&actions);
     close(output[1]);
     if (child.launchError != 0) {

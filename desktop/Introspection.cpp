@@ -84,33 +84,9 @@ QString describeValue(const QVariant &value)
 
 QString typeCode(QMetaType type)
 {
+    if (const QString number = ROZ_ScriptCoertions::objCType(type); !number.isEmpty())
+        return number;
     switch (type.id()) {
-    case QMetaType::Bool:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-        return QStringLiteral("c");
-    case QMetaType::Double:
-        return QStringLiteral("d");
-    case QMetaType::Float:
-        return QStringLiteral("f");
-    case QMetaType::Int:
-        return QStringLiteral("i");
-    case QMetaType::Long:
-        return QStringLiteral("l");
-    case QMetaType::LongLong:
-        return QStringLiteral("q");
-    case QMetaType::Short:
-        return QStringLiteral("s");
-    case QMetaType::UChar:
-        return QStringLiteral("C");
-    case QMetaType::UInt:
-        return QStringLiteral("I");
-    case QMetaType::ULong:
-        return QStringLiteral("L");
-    case QMetaType::ULongLong:
-        return QStringLiteral("Q");
-    case QMetaType::UShort:
-        return QStringLiteral("S");
     case QMetaType::QString:
     case QMetaType::QStringList:
     case QMetaType::QVariantList:

@@ -1,6 +1,7 @@
 #include "MiscMethods.h"
 
 #include "NamedException.h"
+#include "SpawnArguments.h"
 #include "StringAdditions.h"
 #include "SystemLog.h"
 
@@ -65,13 +66,7 @@ pid_t launch(const QString &launchPath, const QStringList &arguments, const QStr
         throw NamedException(NSInvalidArgumentException,
                              QStringLiteral("working directory doesn't exist: %1").arg(directory));
 
-    std::vector<QByteArray> argumentBytes = {path};
-    for (const QString &argument : arguments)
-        argumentBytes.push_back(argument.toLocal8Bit());
-    std::vector<char *> argv;
-    for (QByteArray &bytes : argumentBytes)
-        argv.push_back(bytes.data());
-    argv.push_back(nullptr);
+    const SpawnArguments words(path, arguments);
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -89,7 +84,7 @@ pid_t launch(const QString &launchPath, const QStringList &arguments, const QStr
     posix_spawnattr_setsigdefault(&attributes, &defaults);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t pid = -1;
-    const int status = posix_spawn(&pid, path.constData(), &actions, &attributes, argv.data(), environ);
+    const int status = posix_spawn(&pid, path.constData(), &actions, &attributes, words.argv(), environ);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     if (status != 0)

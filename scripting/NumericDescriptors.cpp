@@ -91,7 +91,12 @@ bool isMissingValue(const Descriptor &descriptor)
 
 QString objCType(const QVariant &number)
 {
-    switch (number.typeId()) {
+    return objCType(number.metaType());
+}
+
+QString objCType(QMetaType type)
+{
+    switch (type.id()) {
     case QMetaType::Bool:
     case QMetaType::Char:
     case QMetaType::SChar:
