@@ -1,6 +1,8 @@
 #include "ApplicationMethods.h"
 
 #include "BatchRenaming.h"
+#include "Dialogs.h"
+#include "OutletValues.h"
 #include "ExifDates.h"
 #include "FileMoves.h"
 #include "FolderListing.h"
@@ -13,6 +15,7 @@
 
 #include <QAbstractItemView>
 #include <QLineEdit>
+#include <QSettings>
 #include <QStandardPaths>
 
 namespace {
@@ -223,6 +226,61 @@ void registerApplicationMethods(MethodRegistry &registry)
     });
     add(registry, "rollBackUnfinishedRename", [](RZApplication &, const QVariantList &) {
         return QVariant(sharedMover().rollBackUnfinished());
+    });
+
+    // The window, as the main script drives it.
+    add(registry, "contentsOfOutlet:", [](RZApplication &app, const QVariantList &args) {
+        return OutletValues::contentsOf(app.outlet(convert<QString>(args[0], 0)));
+    });
+    add(registry, "indexOfSelectedItemOfOutlet:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(OutletValues::selectedIndexOf(app.outlet(convert<QString>(args[0], 0))));
+    });
+    add(registry, "setContents:ofOutlet:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(OutletValues::setContents(app.outlet(convert<QString>(args[1], 1)), args[0]));
+    });
+    add(registry, "setEnabled:ofOutlet:", [](RZApplication &app, const QVariantList &args) {
+        QWidget *control = app.outlet(convert<QString>(args[1], 1));
+        if (control)
+            control->setEnabled(convert<bool>(args[0], 0));
+        return QVariant(control != nullptr);
+    });
+    add(registry, "refreshPreview", [](RZApplication &app, const QVariantList &) {
+        app.refreshPreview();
+        return QVariant();
+    });
+    add(registry, "sortTableRows", [](RZApplication &app, const QVariantList &) {
+        app.sortTableRows();
+        return QVariant();
+    });
+    add(registry, "markConflicts:", [](RZApplication &app, const QVariantList &args) {
+        app.fileTableDataSource().setConflicts(convert<QStringList>(args[0], 0));
+        return QVariant();
+    });
+    add(registry, "showMessage:informativeText:", [](RZApplication &app, const QVariantList &args) {
+        Dialogs::showMessage(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1));
+        return QVariant();
+    });
+    add(registry, "askQuestion:informativeText:buttons:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(Dialogs::askQuestion(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1),
+                                             convert<QStringList>(args[2], 2)));
+    });
+    add(registry, "chooseFolder:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(Dialogs::chooseFolder(app.window(), convert<QString>(args[0], 0),
+                                              OutletValues::contentsOf(app.outlet(QStringLiteral("source_folder"))).toString()));
+    });
+    add(registry, "saveInterfaceState", [](RZApplication &app, const QVariantList &) {
+        QSettings settings;
+        OutletValues::saveState(app.window(), settings);
+        return QVariant();
+    });
+    add(registry, "restoreInterfaceState", [](RZApplication &app, const QVariantList &) {
+        const QSettings settings;
+        OutletValues::restoreState(app.window(), settings);
+        return QVariant();
+    });
+    add(registry, "terminate:", [](RZApplication &app, const QVariantList &) {
+        QMetaObject::invokeMethod(&app, &QCoreApplication::quit, Qt::QueuedConnection);
+        return QVariant();
     });
 
     // What the helper scripts call.

@@ -1,6 +1,12 @@
 #include "FileTableModel.h"
 
+#include "ByteFormatter.h"
+#include "SortFunctions.h"
+
+#include <QApplication>
+#include <QColor>
 #include <QDateTime>
+#include <QStyle>
 #include <QMimeData>
 #include <QUrl>
 #include <plist/plist.h>
@@ -29,6 +35,7 @@ void FileTableModel::setRows(const QVariantList &rows)
     beginResetModel();
     m_rows.clear();
     m_newNames.clear();
+    m_conflicts.clear();
     // Only records are rows; anything else a listing left (a stop marker) is not.
     for (const QVariant &row : rows)
         if (row.typeId() == QMetaType::QVariantMap)
@@ -83,9 +90,60 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     const QVariant value = valueForColumn(columnIdentifiers()[index.column()], index.row());
     if (index.column() == Include)
         return role == Qt::CheckStateRole ? QVariant(value.toBool() ? Qt::Checked : Qt::Unchecked) : QVariant();
-    if (role == Qt::DisplayRole)
-        return asText(value);
-    return QVariant();
+    const bool conflict = index.column() == New && !conflictAt(index.row()).isEmpty();
+    switch (role) {
+    case Qt::DisplayRole:
+        return index.column() == Size ? ROZ_ByteFormatter::stringForObjectValue(value) : asText(value);
+    case Qt::TextAlignmentRole:
+        return index.column() == Size ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
+    case Qt::ToolTipRole:
+        return conflict ? conflictAt(index.row()) : QVariant();
+    case Qt::ForegroundRole:
+        return conflict ? QVariant(QColor(Qt::red)) : QVariant();
+    case Qt::DecorationRole:
+        if (conflict && qobject_cast<QApplication *>(QCoreApplication::instance()))
+            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+        return QVariant();
+    default:
+        return QVariant();
+    }
+}
+
+void FileTableModel::setConflicts(const QStringList &reasons)
+{
+    if (reasons == m_conflicts)
+        return;
+    m_conflicts = reasons.mid(0, m_rows.size());
+    if (!m_rows.isEmpty())
+        emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
+}
+
+void FileTableModel::sort(int column, Qt::SortOrder order)
+{
+    if (column < 0 || column >= ColumnCount)
+        return;
+    const QString key = columnIdentifiers()[column];
+    auto compare = [&](const QVariant &a, const QVariant &b) {
+        const QVariant x = a.toMap().value(key), y = b.toMap().value(key);
+        switch (column) {
+        case Creation:
+        case Modification:
+            return x.toDateTime() < y.toDateTime() ? -1 : y.toDateTime() < x.toDateTime() ? 1 : 0;
+        case Size:
+        case Include:
+            return x.toDouble() < y.toDouble() ? -1 : y.toDouble() < x.toDouble() ? 1 : 0;
+        default:
+            return SortFunctions::stringAsNumberCompare(x.toString(), y.toString());
+        }
+    };
+    beginResetModel();
+    std::stable_sort(m_rows.begin(), m_rows.end(), [&](const QVariant &a, const QVariant &b) {
+        return order == Qt::AscendingOrder ? compare(a, b) < 0 : compare(b, a) < 0;
+    });
+    m_newNames.clear();
+    m_conflicts.clear();
+    endResetModel();
+    emit rowsReordered();
 }
 
 bool FileTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
@@ -209,7 +267,9 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
     beginResetModel();
     m_rows = reordered;
     m_newNames.clear(); // the order decides the counters: the preview is stale
+    m_conflicts.clear();
     endResetModel();
+    emit rowsReordered();
     return true;
 }
 

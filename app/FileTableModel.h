@@ -49,8 +49,23 @@ public:
 
     // New names for every row at once, from a preview of the whole table.
     void setNewNames(const QStringList &names);
+    bool hasPreviewedNames() const { return !m_newNames.isEmpty(); }
+
+    // Why each row's new name cannot be given (empty for a row that can);
+    // shown in the new-name column before anything is renamed.
+    void setConflicts(const QStringList &reasons);
+    QString conflictAt(int row) const { return m_conflicts.value(row); }
+
+    // Rows in order of a column: names and locations in natural order,
+    // dates and sizes by value. The order is the one counters follow.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+signals:
+    // The rows changed order (a sort or a drag): new names are stale.
+    void rowsReordered();
 
 private:
     QVariantList m_rows;
     QStringList m_newNames; // a preview's names, shown until rows change
+    QStringList m_conflicts;
 };

@@ -2,6 +2,7 @@
 
 #include "BatchRenaming.h"
 #include "DictionaryAdditions.h"
+#include "SafeMover.h"
 #include "TablePreview.h"
 #include "MiscMethods.h"
 #include "StringAdditions.h"
@@ -13,14 +14,18 @@
 #include <QProgressBar>
 #include <QTableView>
 #include <QThreadPool>
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QDropEvent>
 #include <QFile>
+#include <QMimeData>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QTranslator>
 #include <QUiLoader>
+#include <QUrl>
 
 #ifndef NOMEN_RESOURCE_DIR
 #define NOMEN_RESOURCE_DIR ""
@@ -105,9 +110,112 @@ void RZApplication::loadInterface()
         table->setAcceptDrops(true);
         table->setDropIndicatorShown(true);
         table->horizontalHeader()->setStretchLastSection(true);
+        // Fixed widths: measuring the contents of a large table takes long.
+        table->setWordWrap(false);
+        table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 6);
+        const std::pair<int, int> widths[] = {{FileTableModel::Include, 28},   {FileTableModel::Original, 220},
+                                              {FileTableModel::Location, 200}, {FileTableModel::Creation, 140},
+                                              {FileTableModel::Modification, 140}, {FileTableModel::Size, 80}};
+        for (const auto &[column, width] : widths)
+            table->setColumnWidth(column, width);
     }
     if (auto *stop = qobject_cast<QAbstractButton *>(outlet(QStringLiteral("stop_progress"))))
         connect(stop, &QAbstractButton::clicked, this, [this] { stopProgressAction(); });
+    connectInterfaceEvents();
+}
+
+void RZApplication::connectInterfaceEvents()
+{
+    // Every named button, check box, radio button and popup reports its
+    // action; Stop is handled here, as it must work while a loop runs.
+    for (QAbstractButton *button : m_window->findChildren<QAbstractButton *>()) {
+        const QString name = button->objectName();
+        if (!name.isEmpty() && !name.startsWith(QLatin1String("qt_")) && name != QLatin1String("stop_progress"))
+            connect(button, &QAbstractButton::clicked, this, [this, name] { emit scriptEvent(QStringLiteral("clicked"), name); });
+    }
+    // Return in a text field is its action too.
+    for (QLineEdit *field : m_window->findChildren<QLineEdit *>()) {
+        const QString name = field->objectName();
+        connect(field, &QLineEdit::returnPressed, this, [this, name] { emit scriptEvent(QStringLiteral("clicked"), name); });
+    }
+    for (QComboBox *popup : m_window->findChildren<QComboBox *>()) {
+        const QString name = popup->objectName();
+        connect(popup, &QComboBox::activated, this, [this, name] { emit scriptEvent(QStringLiteral("clicked"), name); });
+    }
+    for (QAction *action : m_window->findChildren<QAction *>()) {
+        const QString name = action->objectName();
+        if (!name.isEmpty())
+            connect(action, &QAction::triggered, this, [this, name] { emit scriptEvent(QStringLiteral("choseMenuItem"), name); });
+    }
+    connect(this, &RZApplication::tablePreviewApplied, this, [this] {
+        emit scriptEvent(QStringLiteral("previewed"), QVariant());
+        checkConflicts();
+    });
+    connect(this, &QCoreApplication::aboutToQuit, this, [this] { emit scriptEvent(QStringLiteral("willQuit"), QVariant()); });
+    m_table->filesDropped = [this](const QStringList &paths, int) { emit scriptEvent(QStringLiteral("dropped"), paths); };
+    // The counters follow the table's order: a new order needs new names.
+    connect(m_table, &FileTableModel::rowsReordered, this, [this] {
+        // Rows dragged to a new place are in no column's order any more.
+        if (!m_sorting)
+            if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable"))))
+                table->horizontalHeader()->setSortIndicatorShown(false);
+        refreshPreview();
+    });
+    connect(m_table, &QAbstractItemModel::modelReset, this, [this] { ++m_conflictGeneration; });
+    if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")))) {
+        // Names in natural order until the user picks another order.
+        table->horizontalHeader()->setSectionsClickable(true);
+        table->horizontalHeader()->setSortIndicator(FileTableModel::Original, Qt::AscendingOrder);
+        table->horizontalHeader()->setSortIndicatorShown(true);
+        connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) { sortByColumn(column); });
+    }
+    m_window->setAcceptDrops(true);
+    m_window->installEventFilter(this);
+}
+
+void RZApplication::sortByColumn(int column)
+{
+    auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")));
+    if (!table)
+        return;
+    // The header has turned its indicator round already when it was shown
+    // on this column; after a drag it may be hidden, or on another column.
+    QHeaderView *header = table->horizontalHeader();
+    if (!header->isSortIndicatorShown() || header->sortIndicatorSection() != column)
+        header->setSortIndicator(column, Qt::AscendingOrder);
+    header->setSortIndicatorShown(true);
+    sortTableRows();
+}
+
+void RZApplication::sortTableRows()
+{
+    auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")));
+    if (!table || !table->horizontalHeader()->isSortIndicatorShown())
+        return;
+    m_sorting = true;
+    m_table->sort(table->horizontalHeader()->sortIndicatorSection(), table->horizontalHeader()->sortIndicatorOrder());
+    m_sorting = false;
+}
+
+bool RZApplication::eventFilter(QObject *watched, QEvent *event)
+{
+    // Folders and files dropped anywhere on the window.
+    if (watched == m_window.get() && (event->type() == QEvent::DragEnter || event->type() == QEvent::Drop)) {
+        auto *drop = static_cast<QDropEvent *>(event);
+        if (!drop->mimeData()->hasUrls())
+            return false;
+        QStringList paths;
+        for (const QUrl &url : drop->mimeData()->urls())
+            if (url.isLocalFile())
+                paths.append(url.toLocalFile());
+        if (paths.isEmpty())
+            return false;
+        drop->acceptProposedAction();
+        if (event->type() == QEvent::Drop)
+            emit scriptEvent(QStringLiteral("dropped"), paths);
+        return true;
+    }
+    return QApplication::eventFilter(watched, event);
 }
 
 void RZApplication::keepResponsive()
@@ -349,6 +457,13 @@ void RZApplication::textDidChange(QObject *field)
     if (!m_engine || !m_engine->display_realtime_preview || !field || !previewFields.contains(field->objectName())
         || outlet(field->objectName()) != field)
         return;
+    refreshPreview();
+}
+
+void RZApplication::refreshPreview()
+{
+    if (!m_engine)
+        return;
     getConstantData();
     RenameSettings &settings = m_engine->settings();
     settings._prefix_date_to_use = popupIndex(QStringLiteral("prefix_date_to_use")) + 1;
@@ -394,4 +509,37 @@ void RZApplication::textDidChange(QObject *field)
     if (QWidget *update = outlet(QStringLiteral("update")))
         update->setEnabled(text(QStringLiteral("source_folder")) != QLatin1String(""));
     refreshTablePreview();
+}
+
+void RZApplication::checkConflicts()
+{
+    std::vector<SafeMover::Move> moves;
+    std::vector<int> rowOfMove;
+    const QVariantList &rows = m_table->rows();
+    for (int row = 0; row < rows.size(); ++row) {
+        if (!m_table->valueForColumn(QStringLiteral("include"), row).toBool())
+            continue;
+        const QString location = m_table->valueForColumn(QStringLiteral("location"), row).toString();
+        const QString newName = m_table->valueForColumn(QStringLiteral("new"), row).toString();
+        if (newName.isEmpty() && !m_table->hasPreviewedNames())
+            continue; // no new name worked out yet
+        moves.push_back({location + m_table->valueForColumn(QStringLiteral("original"), row).toString(), location + newName});
+        rowOfMove.push_back(row);
+    }
+    const quint64 generation = ++m_conflictGeneration;
+    const qsizetype rowCount = rows.size();
+    // The check looks at the disk for every row: aside, so typing never waits.
+    QThreadPool::globalInstance()->start([this, moves, rowOfMove, generation, rowCount] {
+        const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
+        QStringList reasons(rowCount);
+        for (size_t i = 0; i < outcomes.size(); ++i)
+            if (outcomes[i].status == SafeMover::Status::Conflict)
+                reasons[rowOfMove[i]] = outcomes[i].reason;
+        QMetaObject::invokeMethod(this, [this, reasons, generation] {
+            if (generation != m_conflictGeneration || reasons.size() != m_table->rows().size())
+                return; // the names or the rows changed meanwhile
+            m_table->setConflicts(reasons);
+            emit conflictsMarked();
+        }, Qt::QueuedConnection);
+    });
 }

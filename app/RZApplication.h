@@ -45,6 +45,9 @@ public:
     void setConstantData(const QVariantList &entries);
     QString generateNewName(const QVariantList &request);
     void textDidChange(QObject *field);
+    // The preview of the first name and of the whole table, from the
+    // controls as they stand (what an edit of a rule field does).
+    void refreshPreview();
 
     // Listing, batch pass and progress.
     QVariant parseItems(const QVariantList &request);
@@ -63,8 +66,23 @@ public:
     // never waits for them.
     int immediatePreviewRows = 10000;
 
+    // The table's rows in the order its header shows, if it shows one.
+    void sortTableRows();
+
+    // Marks the rows whose new name cannot be given, worked out aside;
+    // conflictsMarked follows.
+    void checkConflicts();
+
 signals:
     void tablePreviewApplied();
+    void conflictsMarked();
+    // Something happened in the window that the main script handles:
+    // "clicked" (a control's name), "choseMenuItem" (a menu item's name),
+    // "dropped" (paths), "previewed", "willQuit".
+    void scriptEvent(const QString &handler, const QVariant &argument);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     QVariantList capturedSettings() const;
@@ -75,6 +93,8 @@ private:
     int popupIndex(const QString &outletName) const;
     int matrixSelection(const QString &outletName) const;
     void loadInterface();
+    void connectInterfaceEvents();
+    void sortByColumn(int column);
 
     // Lets the window repaint and the Stop button be pressed while a long
     // loop runs, at most every few milliseconds.
@@ -84,6 +104,8 @@ private:
     std::unique_ptr<QWidget> m_window;
     FileTableModel *m_table = nullptr;
     quint64 m_previewGeneration = 0;
+    quint64 m_conflictGeneration = 0;
+    bool m_sorting = false;
     QVariantList m_capturedSettings; // as last read from the controls
     std::shared_ptr<NameComposer::BaseNameCache> m_previewBases = std::make_shared<NameComposer::BaseNameCache>();
     qint64 m_lastYield = 0;

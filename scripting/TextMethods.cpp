@@ -1,5 +1,6 @@
 #include "TextMethods.h"
 
+#include "ByteFormatter.h"
 #include "DictionaryAdditions.h"
 #include "NativeBinding.h"
 #include "SortFunctions.h"
@@ -102,6 +103,10 @@ void registerTextMethods(MethodRegistry &registry)
                    +[] { return allWhitespaceCharacterSet(); });
     addClassMethod(registry, NSCharacterSetClass, QStringLiteral("newlineCharacterSet"),
                    +[] { return newlineCharacterSet(); });
+
+    // The size column's formatter, as the script can call it.
+    addClassMethod(registry, QStringLiteral("ROZ_ByteFormatter"), QStringLiteral("stringForObjectValue:"),
+                   +[](const QVariant &object) { return ROZ_ByteFormatter::stringForObjectValue(object); });
 
     // Case, cleaning and trimming.
     addInstanceMethod(registry, NSString, QStringLiteral("log"), &ROZ_NSStringAdditions::log);

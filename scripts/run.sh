@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/bootstrap.sh
 scripts/build.sh build -DNOMEN_BENCH=OFF
-exec build/cli/nomen-script resources/examples/rename-preview.js "$@"
+exec build/app/nomen "$@"

@@ -1,0 +1,42 @@
+#include "Dialogs.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace Dialogs {
+
+void showMessage(QWidget *window, const QString &title, const QString &text)
+{
+    QMessageBox box(QMessageBox::Information, title, title, QMessageBox::Ok, window);
+    box.setObjectName(QStringLiteral("message"));
+    box.setInformativeText(text);
+    box.exec();
+}
+
+QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons)
+{
+    if (buttons.isEmpty())
+        return QString(QLatin1String(""));
+    QMessageBox box(QMessageBox::Question, title, title, QMessageBox::NoButton, window);
+    box.setObjectName(QStringLiteral("question"));
+    box.setInformativeText(text);
+    QList<QPushButton *> added;
+    for (qsizetype i = 0; i < buttons.size(); ++i) {
+        const bool last = i == buttons.size() - 1 && buttons.size() > 1;
+        added.append(box.addButton(buttons[i], last ? QMessageBox::RejectRole : QMessageBox::AcceptRole));
+    }
+    box.setDefaultButton(added.first());
+    box.setEscapeButton(added.last());
+    box.exec();
+    const qsizetype chosen = added.indexOf(qobject_cast<QPushButton *>(box.clickedButton()));
+    return buttons[chosen < 0 ? buttons.size() - 1 : chosen];
+}
+
+QString chooseFolder(QWidget *window, const QString &title, const QString &startFolder)
+{
+    const QString folder = QFileDialog::getExistingDirectory(window, title, startFolder);
+    return folder.isEmpty() ? QString(QLatin1String("")) : folder;
+}
+
+} // namespace Dialogs

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QStringList>
+
+class QWidget;
+
+// The plain dialogs the main script shows: a message, a question with
+// buttons, a folder chooser. Each is modal on the main window.
+namespace Dialogs {
+
+void showMessage(QWidget *window, const QString &title, const QString &text);
+// The title of the button chosen; the last button (the cancelling one)
+// when the dialog is closed another way.
+QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons);
+// The chosen folder, or "" when cancelled.
+QString chooseFolder(QWidget *window, const QString &title, const QString &startFolder);
+
+} // namespace Dialogs

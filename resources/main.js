@@ -1,0 +1,255 @@
+// Nomen's main script: what each control of the window does. Native code
+// does the work (listing, composing, renaming); this script decides the flow
+// and talks to the user.
+
+// The items the table lists: null for the folder in "source_folder", or the
+// folders and files dropped on the window.
+var droppedItems = null;
+var rowCount = 0;
+
+var listingControls = ["update", "type_filter", "ext_filter", "descend", "folder_rows", "long_names", "list_unmatched"];
+
+function call(selector, params) {
+    return callMethod(application, selector, params || []);
+}
+
+function contents(outlet) {
+    return call("contentsOfOutlet:", [outlet]);
+}
+
+function setContents(outlet, value) {
+    call("setContents:ofOutlet:", [value, outlet]);
+}
+
+function setEnabled(outlet, enabled) {
+    call("setEnabled:ofOutlet:", [enabled, outlet]);
+}
+
+// Errors through the alert methods where the toolkit has them, else a
+// plain message box.
+function showError(title, text) {
+    try {
+        callClassMethod("ROZ_MiscMethods", "displayError:withError:", [title, text]);
+    } catch (noAlerts) {
+        call("showMessage:informativeText:", [title, text]);
+    }
+}
+
+function ask(title, text, buttons) {
+    return call("askQuestion:informativeText:buttons:", [title, text, buttons]);
+}
+
+function listOf(text) {
+    return text.split(",").map(function (entry) { return entry.trim(); })
+        .filter(function (entry) { return entry !== ""; });
+}
+
+function plural(count, one, many) {
+    return count + " " + (count === 1 ? one : many);
+}
+
+// Window events.
+
+function launched(paths) {
+    call("restoreInterfaceState");
+    offerToFinishInterruptedRename();
+    if (paths && paths.length > 0)
+        dropped(paths);
+    else if (contents("source_folder") !== "")
+        listItems();
+    updateButtons();
+    call("refreshPreview");
+}
+
+function clicked(name) {
+    if (name === "choose_folder")
+        chooseFolder();
+    else if (name === "source_folder") {
+        droppedItems = null;
+        listItems();
+    } else if (listingControls.indexOf(name) >= 0)
+        listItems();
+    else if (name === "update_preview")
+        workOutNewNames();
+    else if (name === "rename")
+        renameFiles();
+    else
+        call("refreshPreview"); // any rule control
+}
+
+function choseMenuItem(name) {
+    if (name === "action_open")
+        chooseFolder();
+    else if (name === "action_update")
+        listItems();
+    else if (name === "action_rename")
+        renameFiles();
+    else if (name === "action_undo")
+        undoRename();
+    else if (name === "action_quit")
+        call("terminate:", [null]);
+}
+
+// One folder dropped is the folder to rename; files or several items are
+// listed as they are.
+function dropped(paths) {
+    if (paths.length === 1 && callClassMethod("ROZ_MiscMethods", "returnItemIsFolder:", [paths[0]])) {
+        droppedItems = null;
+        setContents("source_folder", paths[0]);
+    } else {
+        droppedItems = paths;
+        setContents("source_folder", callMethod(application, "containerAndItemName:", [paths[0]])[1]);
+    }
+    listItems();
+}
+
+// The table's new names follow the rules again: they can be given.
+function previewed() {
+    updateButtons();
+}
+
+function willQuit() {
+    call("saveInterfaceState");
+}
+
+// The flow.
+
+function updateButtons() {
+    setEnabled("rename", rowCount > 0);
+    setEnabled("update_preview", rowCount > 0);
+    setEnabled("update", contents("source_folder") !== "");
+}
+
+function chooseFolder() {
+    var folder = call("chooseFolder:", ["Choose the folder whose files to rename"]);
+    if (folder === "")
+        return;
+    droppedItems = null;
+    setContents("source_folder", folder);
+    listItems();
+}
+
+function listItems() {
+    var folder = contents("source_folder");
+    if (droppedItems === null && folder === "") {
+        showError("No folder chosen", "Choose a folder, or drop folders or files on the window.");
+        return;
+    }
+    var paths = droppedItems || [folder];
+    setContents("progress_label_super", "Listing");
+    setContents("progress_label", folder);
+    setEnabled("stop_progress", true);
+    var rows = call("parseItems:", [[paths, listOf(contents("type_filter")), listOf(contents("ext_filter")),
+                                      contents("long_names"), contents("descend"), contents("folder_rows"),
+                                      contents("list_unmatched"), true, folder]]);
+    setEnabled("stop_progress", false);
+    setContents("progress_label_super", "");
+    if (rows === false) {
+        setContents("progress_label", "Listing stopped");
+        rows = [];
+    } else {
+        setContents("progress_label", "");
+    }
+    if (rows.length === 0 && !callClassMethod("ROZ_MiscMethods", "returnItemIsFolder:", [paths[0]]) && droppedItems === null)
+        showError("The folder cannot be listed", folder + " is not a folder that can be read.");
+    call("setTableRows:", [rows]);
+    call("sortTableRows");
+    rowCount = rows.length;
+    setContents("status_line", plural(rowCount, "item", "items"));
+    updateButtons();
+    call("refreshPreview");
+}
+
+// The batch pass: every new name, duplicates within the list numbered, with
+// the progress panel.
+function workOutNewNames() {
+    call("getConstantData");
+    var rows = call("makeReplacementNames:", [["names", new Date(), "Working out new names", "%d of %d %@",
+                                                call("indexOfSelectedItemOfOutlet:", ["prefix_date_to_use"]) + 1,
+                                                call("indexOfSelectedItemOfOutlet:", ["suffix_date_to_use"]) + 1,
+                                                rowCount, false]]);
+    call("setTableRows:", [rows]);
+    setContents("progress_label_super", "");
+    setContents("progress_label", "");
+    return rows;
+}
+
+function renameFiles() {
+    if (rowCount === 0)
+        return;
+    var rows = workOutNewNames();
+    var moves = [];
+    var rowOfMove = [];
+    rows.forEach(function (row, index) {
+        if (row.include && row["new"] !== row.original) {
+            moves.push({from: row.location + row.original, to: row.location + row["new"]});
+            rowOfMove.push(index);
+        }
+    });
+    if (moves.length === 0) {
+        showError("Nothing to rename", "The new names are the same as the old ones.");
+        return;
+    }
+    // Every conflict is shown before anything moves.
+    var reasons = rows.map(function () { return ""; });
+    var refused = 0;
+    call("planRenames:", [moves]).forEach(function (outcome, index) {
+        if (outcome.status === "conflict" || outcome.status === "failed") {
+            reasons[rowOfMove[index]] = outcome.reason;
+            refused += 1;
+        }
+    });
+    call("markConflicts:", [reasons]);
+    if (refused > 0) {
+        var choice = ask(plural(refused, "file", "files") + " of " + moves.length + " cannot be renamed",
+                         "Their rows are marked in the table; point at one to see why. Rename the others?",
+                         ["Rename Others", "Cancel"]);
+        if (choice !== "Rename Others")
+            return;
+    }
+    report(call("applyRenames:", [moves]), "renamed", true);
+}
+
+function undoRename() {
+    var outcomes = call("undoLastRename");
+    if (outcomes.length === 0) {
+        showError("Nothing to undo", "No rename has been made since the last one was undone.");
+        return;
+    }
+    report(outcomes, "put back", false);
+}
+
+// Tells what a batch did, then lists the items again under their names now.
+// Conflicts the user has already seen and accepted are not told again.
+function report(outcomes, verb, conflictsShown) {
+    var done = 0;
+    var problems = [];
+    outcomes.forEach(function (outcome) {
+        if (outcome.status === "renamed")
+            done += 1;
+        else if (outcome.status === "failed" || (outcome.status === "conflict" && !conflictsShown))
+            problems.push(outcome.from.split("/").pop() + ": " + outcome.reason);
+    });
+    if (droppedItems !== null)
+        droppedItems = droppedItems.map(function (path) {
+            var moved = outcomes.filter(function (outcome) { return outcome.status === "renamed" && outcome.from === path; });
+            return moved.length > 0 ? moved[0].to : path;
+        });
+    listItems();
+    setContents("status_line", plural(done, "file", "files") + " " + verb);
+    if (problems.length > 0)
+        showError(plural(problems.length, "file was", "files were") + " not " + verb,
+                  problems.slice(0, 10).join("\n") + (problems.length > 10 ? "\n…" : ""));
+}
+
+function offerToFinishInterruptedRename() {
+    if (!call("hasUnfinishedRename"))
+        return;
+    var choice = ask("A rename was interrupted",
+                     "Nomen stopped while it was renaming files. Finish that rename, or put the files back under their old names?",
+                     ["Finish", "Roll Back"]);
+    var ok = choice === "Finish" ? call("finishUnfinishedRename") : call("rollBackUnfinishedRename");
+    if (!ok)
+        showError("The interrupted rename could not be completed",
+                  "Some files could not be moved; they keep the names they have now.");
+}

@@ -1,0 +1,227 @@
+// The window as a person uses it, on a private X server: list a folder,
+// type a prefix, see the preview and the new names, rename, undo.
+
+#include "MainScript.h"
+#include "MethodTable.h"
+#include "RZApplication.h"
+#include "TestPrinting.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <gtest/gtest.h>
+
+namespace {
+
+RZApplication *application = nullptr;
+MainScript *script = nullptr;
+QTemporaryDir *home = nullptr;
+
+bool waitFor(const std::function<bool()> &condition, int milliseconds = 5000)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.elapsed() > milliseconds)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return true;
+}
+
+template <typename T>
+T *control(const char *name)
+{
+    return qobject_cast<T *>(application->outlet(QString::fromLatin1(name)));
+}
+
+QStringList namesIn(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+QStringList column(int column)
+{
+    QStringList values;
+    const FileTableModel &model = application->fileTableDataSource();
+    for (int row = 0; row < model.rowCount(); ++row)
+        values.append(model.data(model.index(row, column), Qt::DisplayRole).toString());
+    return values;
+}
+
+// Dialogs the window shows: the next question is answered with the button
+// of that title; any other dialog is recorded and closed.
+QString pendingAnswer;
+QStringList unexpectedDialogs;
+
+void answerNextQuestion(const QString &button)
+{
+    pendingAnswer = button;
+}
+
+void watchDialogs()
+{
+    auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    if (!box)
+        return;
+    for (QAbstractButton *choice : box->buttons())
+        if (!pendingAnswer.isEmpty() && choice->text() == pendingAnswer) {
+            pendingAnswer.clear();
+            choice->click();
+            return;
+        }
+    unexpectedDialogs.append(box->text() + QStringLiteral(": ") + box->informativeText());
+    box->reject();
+}
+
+#define EXPECT_NO_SURPRISES()                                                                                       \
+    do {                                                                                                             \
+        EXPECT_TRUE(script->errors().isEmpty()) << script->errors().join(u'\n').toStdString();                     \
+        EXPECT_TRUE(unexpectedDialogs.isEmpty()) << unexpectedDialogs.join(u'\n').toStdString();                   \
+        unexpectedDialogs.clear();                                                                                  \
+    } while (false)
+
+void screenshot(const QString &name)
+{
+    const QString shots = QString::fromLocal8Bit(qgetenv("NOMEN_SCREENSHOT_DIR"));
+    QCoreApplication::processEvents(); // pending layouts first
+    if (!shots.isEmpty() && QDir().mkpath(shots))
+        application->window()->grab().save(shots + u'/' + name);
+}
+
+void makeFiles(const QString &folder, const QStringList &names)
+{
+    for (const QString &name : names) {
+        QFile file(folder + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(name.toUtf8());
+    }
+}
+
+TEST(MainWindow, APersonListsRenamesAndUndoes)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"IMG_10.jpg", "IMG_9.jpg", "IMG_100.jpg", "notes.txt"});
+    // Not listed (no folder rows), but it holds the name notes.txt would get.
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("Trip 4 notes.txt")));
+
+    script->start({folder.path()});
+    EXPECT_NO_SURPRISES();
+    EXPECT_EQ(control<QLineEdit>("source_folder")->text(), folder.path());
+    ASSERT_EQ(application->fileTableDataSource().rowCount(), 4);
+
+    // Counters follow the order of the rows: names in natural order at
+    // first; a click on a column header orders by that column, a second
+    // click turns the order round.
+    const QStringList natural = {"IMG_9.jpg", "IMG_10.jpg", "IMG_100.jpg", "notes.txt"};
+    EXPECT_EQ(column(FileTableModel::Original), natural);
+    auto *table = control<QTableView>("fileTable");
+    auto clickHeader = [table](int section) {
+        QTest::mouseClick(table->horizontalHeader()->viewport(), Qt::LeftButton, {},
+                          QPoint(table->horizontalHeader()->sectionViewportPosition(section) + 10, 5));
+    };
+    clickHeader(FileTableModel::Original);
+    EXPECT_EQ(column(FileTableModel::Original), QStringList({"notes.txt", "IMG_100.jpg", "IMG_10.jpg", "IMG_9.jpg"}));
+    clickHeader(FileTableModel::Size);
+    EXPECT_EQ(column(FileTableModel::Size), QStringList({"9 B", "9 B", "10 B", "11 B"}));
+    clickHeader(FileTableModel::Original);
+    EXPECT_EQ(column(FileTableModel::Original), natural);
+
+    auto *prefix = control<QLineEdit>("prefix");
+    prefix->setFocus();
+    QTest::keyClicks(prefix, QStringLiteral("Trip «#» "));
+    EXPECT_EQ(control<QLineEdit>("preview_name")->text(), "Trip 1 IMG_9.jpg");
+    ASSERT_TRUE(waitFor([] { return !application->fileTableDataSource().conflictAt(3).isEmpty(); }));
+    EXPECT_EQ(column(FileTableModel::New),
+              QStringList({"Trip 1 IMG_9.jpg", "Trip 2 IMG_10.jpg", "Trip 3 IMG_100.jpg", "Trip 4 notes.txt"}));
+    const FileTableModel &model = application->fileTableDataSource();
+    EXPECT_EQ(model.data(model.index(3, FileTableModel::New), Qt::ToolTipRole).toString(),
+              "a file named \"Trip 4 notes.txt\" is already there");
+    EXPECT_FALSE(model.data(model.index(0, FileTableModel::New), Qt::ToolTipRole).isValid());
+    EXPECT_EQ(model.data(model.index(0, FileTableModel::Size), Qt::DisplayRole).toString(), "9 B");
+    screenshot(QStringLiteral("main-window-preview.png"));
+
+    // Rename: the conflict is shown first; the others are renamed.
+    auto *rename = control<QAbstractButton>("rename");
+    ASSERT_TRUE(rename->isEnabled());
+    answerNextQuestion(QStringLiteral("Rename Others"));
+    QTest::mouseClick(rename, Qt::LeftButton);
+    EXPECT_NO_SURPRISES();
+    EXPECT_EQ(namesIn(folder.path()),
+              QStringList({"Trip 1 IMG_9.jpg", "Trip 2 IMG_10.jpg", "Trip 3 IMG_100.jpg", "Trip 4 notes.txt", "notes.txt"}));
+    // The table lists the folder again, under the new names.
+    EXPECT_EQ(column(FileTableModel::Original), QStringList({"notes.txt", "Trip 1 IMG_9.jpg", "Trip 2 IMG_10.jpg", "Trip 3 IMG_100.jpg"}));
+    EXPECT_EQ(control<QWidget>("status_line")->property("text").toString(), "3 files renamed");
+    screenshot(QStringLiteral("main-window-renamed.png"));
+
+    // Undo Rename from the menu's keyboard shortcut, in the active window.
+    QApplication::setActiveWindow(application->window());
+    ASSERT_TRUE(waitFor([] { return application->window()->isActiveWindow(); }));
+    table->setFocus();
+    QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_NO_SURPRISES();
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"IMG_10.jpg", "IMG_100.jpg", "IMG_9.jpg", "Trip 4 notes.txt", "notes.txt"}));
+    EXPECT_EQ(control<QWidget>("status_line")->property("text").toString(), "3 files put back");
+    for (const QString name : {"IMG_10.jpg", "notes.txt"}) {
+        QFile file(folder.path() + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), name.toUtf8()) << "content unchanged";
+    }
+    screenshot(QStringLiteral("main-window-undone.png"));
+}
+
+TEST(MainWindow, TheRuleIsRememberedBetweenRuns)
+{
+    control<QLineEdit>("suffix")->setText(QStringLiteral(" «YYYY-MM-DD»"));
+    control<QAbstractButton>("descend")->setChecked(true);
+    script->handle(QStringLiteral("willQuit"));
+    control<QLineEdit>("suffix")->setText(QString());
+    control<QAbstractButton>("descend")->setChecked(false);
+
+    script->host().engine().evaluate(QStringLiteral("callMethod(application, 'restoreInterfaceState', [])"));
+    EXPECT_EQ(control<QLineEdit>("suffix")->text(), " «YYYY-MM-DD»");
+    EXPECT_TRUE(control<QAbstractButton>("descend")->isChecked());
+    EXPECT_TRUE(QFile::exists(home->path() + QStringLiteral("/config/Nomen/Nomen.conf")));
+}
+
+TEST(MainWindow, MenusCarryTheUsualShortcuts)
+{
+    QStringList shortcuts;
+    for (const char *name : {"action_open", "action_undo", "action_quit"})
+        shortcuts.append(application->window()->findChild<QAction *>(QString::fromLatin1(name))->shortcut().toString());
+    EXPECT_EQ(shortcuts, QStringList({"Ctrl+O", "Ctrl+Z", "Ctrl+Q"}));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // A private home for the remembered rule and the journal.
+    QTemporaryDir privateHome;
+    home = &privateHome;
+    qputenv("XDG_CONFIG_HOME", (privateHome.path() + QStringLiteral("/config")).toLocal8Bit());
+    qputenv("XDG_DATA_HOME", (privateHome.path() + QStringLiteral("/data")).toLocal8Bit());
+    RZApplication app(argc, argv);
+    application = &app;
+    const MethodRegistry methods = buildMethodTable();
+    app.init(methods);
+    MainScript mainScript(app, methods);
+    if (!mainScript.load(RZApplication::resourceDirectory() + QStringLiteral("/main.js")))
+        return 1;
+    script = &mainScript;
+    QTimer dialogWatch;
+    QObject::connect(&dialogWatch, &QTimer::timeout, &watchDialogs);
+    dialogWatch.start(50);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

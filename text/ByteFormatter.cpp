@@ -1,0 +1,66 @@
+#include "ByteFormatter.h"
+
+#include "StringAdditions.h"
+
+#include <QCoreApplication>
+
+namespace ROZ_ByteFormatter {
+
+namespace {
+
+QString unit(const char *key)
+{
+    return QCoreApplication::translate("ui", key);
+}
+
+bool isNumber(const QVariant &object)
+{
+    switch (object.typeId()) {
+    case QMetaType::Bool:
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+QString stringForObjectValue(const QVariant &object)
+{
+    if (!isNumber(object))
+        return QStringLiteral("-");
+    const float v = object.toFloat();
+    if (v >= BytesPerGB)
+        return QString::asprintf("%.2f ", double(v / BytesPerGB)) + unit("GB");
+    if (v >= BytesPerMB)
+        return QString::asprintf("%.2f ", double(v / BytesPerMB)) + unit("MB");
+    if (v >= BytesPerKB)
+        return QString::asprintf("%.1f ", double(v / BytesPerKB)) + unit("KB");
+    return QString::number(int(v)) + u' ' + unit("B");
+}
+
+Parsed getObjectValueForString(const QString &text)
+{
+    const std::pair<const char *, float> scales[] = {{"GB", BytesPerGB}, {"MB", BytesPerMB}, {"KB", BytesPerKB}, {"B", 1.0f}};
+    for (const auto &[key, scale] : scales) {
+        const QString suffix = u' ' + unit(key);
+        if (text.endsWith(suffix))
+            return {ROZ_NSStringAdditions::desuffix(text, suffix).toFloat() * scale, {}};
+    }
+    return {std::nullopt, QCoreApplication::translate("", "Couldn't find unit designation")};
+}
+
+} // namespace ROZ_ByteFormatter

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+#include <optional>
+
+// Shows a byte count as a short size with a unit ("1.5 KB") and reads such
+// a text back. Values go through 32-bit floats, so counts of 2^24 bytes and
+// more lose their last places; that is accepted for a size column.
+namespace ROZ_ByteFormatter {
+
+inline constexpr float BytesPerKB = 1024.0f;
+inline constexpr float BytesPerMB = 1048576.0f;
+inline constexpr float BytesPerGB = 1073741824.0f;
+
+// "-" for anything that is not a number.
+QString stringForObjectValue(const QVariant &object);
+
+// The number, or the error text when the text ends in no known unit.
+struct Parsed {
+    std::optional<float> value;
+    QString errorDescription;
+};
+Parsed getObjectValueForString(const QString &text);
+
+} // namespace ROZ_ByteFormatter
