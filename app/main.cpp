@@ -2,6 +2,7 @@
 // main script decides what each control does.
 
 #include "MainScript.h"
+#include "LocalTimeZone.h"
 #include "MethodTable.h"
 #include "NamedException.h"
 #include "RZApplication.h"
@@ -10,6 +11,7 @@
 
 int main(int argc, char **argv)
 {
+    pinLocalTimeZone();
     RZApplication application(argc, argv);
     const MethodRegistry methods = buildMethodTable();
     try {

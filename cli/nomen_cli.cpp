@@ -6,6 +6,7 @@
 #include "BatchRenaming.h"
 #include "FolderListing.h"
 #include "JsonText.h"
+#include "LocalTimeZone.h"
 #include "MethodTable.h"
 #include "NamedException.h"
 #include "RZApplication.h"
@@ -15,12 +16,14 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
 #include <algorithm>
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -104,6 +107,42 @@ const char *statusName(SafeMover::Status status)
     return "";
 }
 
+// A bar on the terminal for long batches, redrawn at most ten times a
+// second; nothing when standard error is not a terminal.
+class ProgressBar {
+public:
+    explicit ProgressBar(SafeMover &mover)
+    {
+        if (!isatty(STDERR_FILENO))
+            return;
+        m_clock.start();
+        mover.progress = [this](size_t done, size_t total) { show(done, total); };
+    }
+    ~ProgressBar()
+    {
+        if (m_drawn)
+            std::fputs("\r\033[K", stderr);
+    }
+
+private:
+    void show(size_t done, size_t total)
+    {
+        if (total < 1000 || (done != total && m_clock.elapsed() - m_last < 100))
+            return;
+        m_last = m_clock.elapsed();
+        const int width = 40;
+        const int filled = int(done * width / total);
+        std::fprintf(stderr, "\r[%s%s] %3d%%  %zu/%zu", QByteArray(filled, '#').constData(),
+                     QByteArray(width - filled, ' ').constData(), int(done * 100 / total), done, total);
+        std::fflush(stderr);
+        m_drawn = true;
+    }
+
+    QElapsedTimer m_clock;
+    qint64 m_last = -1000;
+    bool m_drawn = false;
+};
+
 int report(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied)
 {
     int conflicts = 0;
@@ -137,6 +176,7 @@ int report(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool appl
 
 int main(int argc, char **argv)
 {
+    pinLocalTimeZone();
     QCoreApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("nomen-cli"));
     QCommandLineParser options;
@@ -182,8 +222,14 @@ int main(int argc, char **argv)
 
     RZApplication::loadTranslations(application);
     SafeMover mover(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/nomen"));
-    if (options.isSet("undo"))
-        return report(mover.undoLast(), options.isSet("json"), true);
+    if (options.isSet("undo")) {
+        std::vector<SafeMover::Outcome> outcomes;
+        {
+            const ProgressBar bar(mover);
+            outcomes = mover.undoLast();
+        }
+        return report(outcomes, options.isSet("json"), true);
+    }
     if (mover.hasUnfinishedBatch()) {
         say(stderr, QStringLiteral("nomen-cli: a batch was interrupted; finishing it first"));
         mover.finishUnfinished();
@@ -232,7 +278,12 @@ int main(int argc, char **argv)
         }
         if (!options.isSet("apply"))
             return report(SafeMover::plan(moves), options.isSet("json"), false);
-        return report(mover.apply(moves), options.isSet("json"), true);
+        std::vector<SafeMover::Outcome> outcomes;
+        {
+            const ProgressBar bar(mover);
+            outcomes = mover.apply(moves);
+        }
+        return report(outcomes, options.isSet("json"), true);
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));
         return Failures;

@@ -2,6 +2,7 @@
 // completion value, so every script-callable method can be tried from a shell.
 
 #include "DeferredCalls.h"
+#include "LocalTimeZone.h"
 #include "MethodTable.h"
 #include "NamedException.h"
 #include "RZApplication.h"
@@ -50,6 +51,7 @@ int main(int argc, char **argv)
         && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ensureRuntimeDirectory();
+    pinLocalTimeZone();
     RZApplication application(argc, argv);
     const QStringList args = application.arguments().mid(1);
     QString program;

@@ -46,7 +46,8 @@ ListingRequest ListingRequest::fromArray(const QVariantList &e)
 }
 
 FolderListing::FolderListing(const Dates &dates, std::atomic<bool> &stopProgressBool)
-    : m_dates(dates), m_stop(stopProgressBool)
+    : m_dates(dates), m_stop(stopProgressBool), m_earliest(dates.date1904.toMSecsSinceEpoch()),
+      m_epochGMT(dates.date1970GMT.toMSecsSinceEpoch()), m_latest(dates.date2040.toMSecsSinceEpoch())
 {
 }
 
@@ -136,7 +137,7 @@ std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &fol
     return items;
 }
 
-QVariantMap FolderListing::fileInfo(const Scanned &item) const
+FolderListing::Dated FolderListing::datesOf(const Scanned &item) const
 {
     std::optional<QDateTime> created = item.status ? item.status->created : std::nullopt;
     if (exifDate) {
@@ -144,10 +145,16 @@ QVariantMap FolderListing::fileInfo(const Scanned &item) const
         if (ROZ_MiscMethods::isThisADate(fromExif))
             created = fromExif.toDateTime();
     }
+    return {clamped(created), clamped(item.status ? std::optional(item.status->modified) : std::nullopt)};
+}
+
+QVariantMap FolderListing::fileInfo(const Scanned &item) const
+{
+    const Dated dates = datesOf(item);
     return {{QStringLiteral("the_extension"), extensionOf(item.name)},
             {QStringLiteral("type_code"), QVariant::fromValue(item.finder ? item.finder->type : 0u)},
-            {Creation, clamped(created)},
-            {Modification, clamped(item.status ? std::optional(item.status->modified) : std::nullopt)},
+            {Creation, dates.creation},
+            {Modification, dates.modification},
             {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(item.status ? item.status->size : 0))}};
 }
 
@@ -171,11 +178,16 @@ QVariantMap FolderListing::getFolderInfo(const QString &path) const
 
 QDateTime FolderListing::clamped(const std::optional<QDateTime> &date) const
 {
-    if (!date || !date->isValid() || *date < m_dates.date1904)
+    // One conversion of the date, not one per comparison: each asks the C
+    // library for the local time's offset.
+    if (!date || !date->isValid())
         return m_dates.date1904;
-    if (*date == m_dates.date1970GMT)
+    const qint64 instant = date->toMSecsSinceEpoch();
+    if (instant < m_earliest)
+        return m_dates.date1904;
+    if (instant == m_epochGMT)
         return m_dates.date1970;
-    if (*date > m_dates.date2040)
+    if (instant > m_latest)
         return m_dates.date2040;
     return *date;
 }
@@ -230,7 +242,6 @@ QVariantList FolderListing::listing(const ListingRequest &request, const std::ve
             }
             continue;
         }
-        const QVariantMap info = fileInfo(item);
         bool include = false;
         bool listed = true;
         if (request.longNames) {
@@ -240,16 +251,19 @@ QVariantList FolderListing::listing(const ListingRequest &request, const std::ve
                 listed = request.listUnmatched && !request.folderRows;
         } else {
             include = (noFilters && !request.folderRows)
-                      || (!typeBlank && fileTypeCode(info.value(QStringLiteral("type_code")).toUInt(), request.typeCodes))
-                      || (!extensionBlank && extensions.contains(info.value(QStringLiteral("the_extension")).toString()));
+                      || (!typeBlank && fileTypeCode(item.finder ? item.finder->type : 0u, request.typeCodes))
+                      || (!extensionBlank && extensions.contains(extensionOf(item.name)));
             if (!include)
                 listed = request.listUnmatched && !request.folderRows;
         }
         if (!listed)
             continue;
+        // The record straight from what was read, as getFileInfo: tells it.
+        const Dated dates = datesOf(item);
         records.append(QVariantMap{{Include, include}, {Original, item.name}, {Location, item.location},
-                                   {Creation, info.value(Creation)}, {Modification, info.value(Modification)},
-                                   {Size, info.value(QStringLiteral("file_size"))}, {New, QString(QLatin1String(""))}});
+                                   {Creation, dates.creation}, {Modification, dates.modification},
+                                   {Size, QVariant::fromValue(qulonglong(item.status ? item.status->size : 0))},
+                                   {New, QString(QLatin1String(""))}});
     }
     return records;
 }

@@ -73,8 +73,13 @@ private:
     QVariantMap fileInfo(const Scanned &item) const;
     QVariantMap folderInfo(const Scanned &item) const;
     QDateTime clamped(const std::optional<QDateTime> &date) const;
+    struct Dated {
+        QDateTime creation, modification;
+    };
+    Dated datesOf(const Scanned &item) const;
     QVariantList listing(const ListingRequest &request, const std::vector<Scanned> &items, bool descend, bool &stopped);
 
     Dates m_dates;
     std::atomic<bool> &m_stop;
+    qint64 m_earliest, m_epochGMT, m_latest; // the dates above, as instants
 };

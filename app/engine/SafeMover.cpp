@@ -9,9 +9,15 @@
 #include <QSet>
 #include <cerrno>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
+#include <linux/fs.h>
+#include <linux/magic.h>
 #include <map>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace {
@@ -32,6 +38,73 @@ bool exists(const QString &path)
     struct stat info;
     return lstat(PathCodec::encode(path).constData(), &info) == 0;
 }
+
+// Whether items exist, for a plan: the names of a folder that many moves
+// touch are read once (one pass over the folder instead of a file status
+// call per name, each walking the whole path again). Only on file systems
+// that compare names byte for byte; elsewhere each name is looked up.
+class ExistingItems {
+public:
+    explicit ExistingItems(const std::vector<SafeMover::Move> &moves)
+    {
+        QHash<QString, int> uses;
+        for (const SafeMover::Move &move : moves) {
+            uses[folderOf(move.from)] += 1;
+            uses[folderOf(move.to)] += 1;
+        }
+        for (auto use = uses.cbegin(); use != uses.cend(); ++use)
+            if (use.value() >= 64)
+                if (auto names = namesIn(use.key()))
+                    m_names.insert(use.key(), std::move(*names));
+    }
+
+    bool contains(const QString &path) const
+    {
+        const auto names = m_names.constFind(folderOf(path));
+        if (names == m_names.cend())
+            return exists(path);
+        return names->contains(PathCodec::encode(nameOf(path)));
+    }
+
+private:
+    static bool comparesBytes(int folder)
+    {
+        struct statfs system;
+        if (fstatfs(folder, &system) != 0)
+            return false;
+        switch (system.f_type) {
+        case EXT4_SUPER_MAGIC: // also ext2 and ext3
+        case XFS_SUPER_MAGIC:
+        case BTRFS_SUPER_MAGIC:
+        case TMPFS_MAGIC: {
+            // ext4 and tmpfs can fold case in single folders.
+            long flags = 0;
+            return ioctl(folder, FS_IOC_GETFLAGS, &flags) != 0 || !(flags & 0x40000000 /* FS_CASEFOLD_FL */);
+        }
+        default:
+            return false;
+        }
+    }
+
+    static std::optional<QSet<QByteArray>> namesIn(const QString &folder)
+    {
+        const int descriptor = open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (descriptor < 0)
+            return std::nullopt;
+        DIR *listing = comparesBytes(descriptor) ? fdopendir(descriptor) : nullptr;
+        if (!listing) {
+            close(descriptor);
+            return std::nullopt;
+        }
+        QSet<QByteArray> names;
+        while (const dirent *entry = readdir(listing))
+            names.insert(QByteArray(entry->d_name));
+        closedir(listing);
+        return names;
+    }
+
+    QHash<QString, QSet<QByteArray>> m_names;
+};
 
 bool sameItem(const QString &a, const QString &b)
 {
@@ -90,6 +163,68 @@ private:
     int m_fd = -1;
 };
 
+// Which steps of a journal are done: one byte per step in a file beside it,
+// mapped into memory. Marking a step is a store into a page the kernel
+// holds, so it survives the process being killed, without a system call
+// per move.
+class DoneMarks {
+public:
+    static QString pathFor(const QString &journalPath) { return journalPath + QStringLiteral(".done"); }
+
+    DoneMarks(const QString &journalPath, size_t count) : m_size(std::max<size_t>(count, 1))
+    {
+        const int fd = open(PathCodec::encode(pathFor(journalPath)).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        if (fd < 0)
+            return;
+        struct stat info;
+        if (fstat(fd, &info) == 0 && (size_t(info.st_size) >= m_size || ftruncate(fd, off_t(m_size)) == 0)) {
+            void *mapped = mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+            if (mapped != MAP_FAILED)
+                m_marks = static_cast<char *>(mapped);
+        }
+        close(fd);
+    }
+    ~DoneMarks()
+    {
+        if (m_marks)
+            munmap(m_marks, m_size);
+    }
+    bool ok() const { return m_marks != nullptr; }
+    void mark(size_t step)
+    {
+        if (step < m_size)
+            m_marks[step] = 1;
+    }
+
+    static void readInto(const QString &journalPath, std::vector<bool> &done)
+    {
+        QFile file(pathFor(journalPath));
+        if (!file.open(QIODevice::ReadOnly))
+            return;
+        const QByteArray marks = file.readAll();
+        for (size_t i = 0; i < done.size() && i < size_t(marks.size()); ++i)
+            done[i] = done[i] || marks[qsizetype(i)] == 1;
+    }
+
+private:
+    size_t m_size;
+    char *m_marks = nullptr;
+};
+
+// A journal goes with its marks.
+bool removeJournal(const QString &path)
+{
+    QFile::remove(DoneMarks::pathFor(path));
+    return QFile::remove(path);
+}
+
+bool renameJournal(const QString &from, const QString &to)
+{
+    removeJournal(to);
+    QFile::rename(DoneMarks::pathFor(from), DoneMarks::pathFor(to));
+    return QFile::rename(from, to);
+}
+
 } // namespace
 
 SafeMover::SafeMover(QString journalDirectory) : m_directory(std::move(journalDirectory))
@@ -110,6 +245,7 @@ QString SafeMover::lastJournal() const
 std::vector<SafeMover::Outcome> SafeMover::plan(const std::vector<Move> &moves)
 {
     std::vector<Outcome> outcomes;
+    const ExistingItems existing(moves);
     QHash<QString, int> targets;
     for (const Move &move : moves) {
         Outcome outcome{move, Status::Renamed, QString()};
@@ -117,15 +253,23 @@ std::vector<SafeMover::Outcome> SafeMover::plan(const std::vector<Move> &moves)
             outcome.status = Status::Unchanged;
         else if (const QString reason = invalidReason(move.to); !reason.isEmpty())
             outcome = {move, Status::Conflict, reason};
-        else if (!exists(move.from))
+        else if (!existing.contains(move.from))
             outcome = {move, Status::Failed, QStringLiteral("the file is no longer there")};
         if (outcome.status == Status::Renamed)
             targets[move.to] += 1;
         outcomes.push_back(outcome);
     }
-    for (Outcome &outcome : outcomes)
-        if (outcome.status == Status::Renamed && targets.value(outcome.move.to) > 1)
+    QSet<QString> sources;
+    for (Outcome &outcome : outcomes) {
+        if (outcome.status != Status::Renamed)
+            continue;
+        if (targets.value(outcome.move.to) > 1)
             outcome = {outcome.move, Status::Conflict, QStringLiteral("another row takes the same new name")};
+        else if (sources.contains(outcome.move.from))
+            outcome = {outcome.move, Status::Conflict, QStringLiteral("an earlier row moves the same file")};
+        else
+            sources.insert(outcome.move.from);
+    }
     // A name already on disk is free only if the item there moves away; a
     // row that cannot move keeps its name taken, so this is repeated until
     // nothing changes.
@@ -136,7 +280,7 @@ std::vector<SafeMover::Outcome> SafeMover::plan(const std::vector<Move> &moves)
             if (outcome.status == Status::Renamed)
                 leaving.insert(outcome.move.from);
         for (Outcome &outcome : outcomes) {
-            if (outcome.status != Status::Renamed || !exists(outcome.move.to) || leaving.contains(outcome.move.to))
+            if (outcome.status != Status::Renamed || !existing.contains(outcome.move.to) || leaving.contains(outcome.move.to))
                 continue;
             if (sameItem(outcome.move.from, outcome.move.to))
                 continue; // the same file under another case, on a file system that ignores case
@@ -210,7 +354,8 @@ bool SafeMover::run(std::vector<Step> &steps, std::vector<bool> &done, const QSt
                     const std::function<void(int row, int error)> &report)
 {
     JournalFile journal(journalPath);
-    if (!journal.ok())
+    DoneMarks marks(journalPath, steps.size());
+    if (!journal.ok() || !marks.ok())
         return false;
     int executed = 0;
     for (size_t i = 0; i < steps.size(); ++i) {
@@ -220,9 +365,11 @@ bool SafeMover::run(std::vector<Step> &steps, std::vector<bool> &done, const QSt
             return false; // as if the process had died here
         const int error = FileMoves::moveWithoutReplacing(steps[i].from, steps[i].to);
         ++executed;
+        if (progress)
+            progress(i + 1, steps.size());
         if (error == 0) {
             done[i] = true;
-            journal.write("done " + QByteArray::number(qulonglong(i)), false);
+            marks.mark(i);
         } else if (steps[i].row < 0) {
             // Could not step aside: the moves after it in its cycle stay put.
             for (size_t j = i + 1; j < steps.size(); ++j)
@@ -247,7 +394,7 @@ std::vector<SafeMover::Outcome> SafeMover::apply(const std::vector<Move> &moves)
     std::vector<Step> steps = order(outcomes);
     if (steps.empty())
         return outcomes;
-    QFile::remove(currentJournal());
+    removeJournal(currentJournal());
     {
         JournalFile journal(currentJournal());
         if (!journal.ok()) {
@@ -256,9 +403,10 @@ std::vector<SafeMover::Outcome> SafeMover::apply(const std::vector<Move> &moves)
                     outcome = {outcome.move, Status::Failed, QStringLiteral("the journal cannot be written")};
             return outcomes;
         }
+        QByteArray plan;
         for (const Step &step : steps)
-            journal.write("step " + encoded(step.from) + ' ' + encoded(step.to) + ' ' + QByteArray::number(step.row), false);
-        journal.write("planned", true);
+            plan += "step " + encoded(step.from) + ' ' + encoded(step.to) + ' ' + QByteArray::number(step.row) + '\n';
+        journal.write(plan + "planned", true);
     }
     std::vector<bool> done(steps.size(), false);
     const bool finished = run(steps, done, currentJournal(), [&](int row, int error) {
@@ -266,8 +414,7 @@ std::vector<SafeMover::Outcome> SafeMover::apply(const std::vector<Move> &moves)
             outcomes[size_t(row)] = {outcomes[size_t(row)].move, Status::Failed, QString::fromLocal8Bit(strerror(error))};
     });
     if (finished) {
-        QFile::remove(lastJournal());
-        QFile::rename(currentJournal(), lastJournal());
+        renameJournal(currentJournal(), lastJournal());
     }
     return outcomes;
 }
@@ -286,16 +433,14 @@ std::optional<SafeMover::Journal> SafeMover::readJournal(const QString &path) co
             journal.done.push_back(false);
         } else if (fields[0] == "planned") {
             planned = true;
-        } else if (fields[0] == "done" && fields.size() == 2) {
-            const size_t index = fields[1].toULongLong();
-            if (index < journal.done.size())
-                journal.done[index] = true;
         } else if (fields[0] == "finished") {
             journal.finished = true;
         }
     }
     if (!planned)
         journal.steps.clear(); // the plan never reached the disk whole: nothing was moved
+    journal.done.resize(journal.steps.size());
+    DoneMarks::readInto(path, journal.done);
     return journal;
 }
 
@@ -311,8 +456,7 @@ bool SafeMover::finishUnfinished()
     if (!journal)
         return false;
     run(journal->steps, journal->done, currentJournal(), [](int, int) {});
-    QFile::remove(lastJournal());
-    return QFile::rename(currentJournal(), lastJournal());
+    return renameJournal(currentJournal(), lastJournal());
 }
 
 bool SafeMover::rollBackUnfinished()
@@ -327,8 +471,8 @@ bool SafeMover::rollBackUnfinished()
             back.push_back({journal->steps[i].to, journal->steps[i].from, journal->steps[i].row});
     std::vector<bool> done(back.size(), false);
     run(back, done, currentJournal() + QStringLiteral(".rollback"), [](int, int) {});
-    QFile::remove(currentJournal() + QStringLiteral(".rollback"));
-    return QFile::remove(currentJournal());
+    removeJournal(currentJournal() + QStringLiteral(".rollback"));
+    return removeJournal(currentJournal());
 }
 
 std::vector<SafeMover::Outcome> SafeMover::undoLast()
@@ -348,7 +492,7 @@ std::vector<SafeMover::Outcome> SafeMover::undoLast()
     for (size_t i = 0; i < back.size(); ++i)
         if (done[i] && back[i].row >= 0)
             outcomes.push_back({{back[i].from, back[i].to}, Status::Renamed, QString()});
-    QFile::remove(lastJournal() + QStringLiteral(".undo"));
-    QFile::remove(lastJournal());
+    removeJournal(lastJournal() + QStringLiteral(".undo"));
+    removeJournal(lastJournal());
     return outcomes;
 }

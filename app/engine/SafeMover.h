@@ -42,6 +42,9 @@ public:
     bool finishUnfinished();
     bool rollBackUnfinished();
 
+    // Called after each move of a batch with the moves made and the total.
+    std::function<void(size_t done, size_t total)> progress;
+
     // For tests: the batch stops dead after this many renames, as a killed
     // process would.
     std::optional<int> stopAfterSteps;

@@ -106,6 +106,36 @@ TEST_F(SafeMoves, ConflictsAreFoundBeforeAnythingMoves)
     EXPECT_EQ(read("taken"), QByteArray("C"));
 }
 
+// A folder with many moves is read once instead of each name being looked
+// up; the answers must be the same, and a batch reports its progress.
+TEST_F(SafeMoves, ManyMovesInOneFolderFindTheSameConflicts)
+{
+    std::vector<SafeMover::Move> moves;
+    for (int i = 0; i < 100; ++i) {
+        make(QStringLiteral("f%1").arg(i), QByteArray::number(i));
+        moves.push_back(move(QStringLiteral("f%1").arg(i), QStringLiteral("g%1").arg(i)));
+    }
+    make("g7", "someone else's");
+    moves.push_back(move("missing", "g100"));
+    moves.push_back(move("f8", "h8")); // a second move of one file
+    std::vector<size_t> reported;
+    mover.progress = [&](size_t done, size_t total) {
+        EXPECT_EQ(total, 99u);
+        reported.push_back(done);
+    };
+    const auto outcomes = mover.apply(moves);
+    EXPECT_EQ(outcomes[7].status, S::Conflict);
+    EXPECT_EQ(outcomes[100].status, S::Failed);
+    EXPECT_EQ(outcomes[100].reason, "the file is no longer there");
+    EXPECT_EQ(outcomes[8].status, S::Renamed);
+    EXPECT_EQ(outcomes[101].status, S::Conflict);
+    EXPECT_EQ(outcomes[101].reason, "an earlier row moves the same file");
+    EXPECT_EQ(read("g7"), QByteArray("someone else's"));
+    EXPECT_EQ(read("g99"), QByteArray("99"));
+    ASSERT_EQ(reported.size(), 99u);
+    EXPECT_EQ(reported.back(), 99u);
+}
+
 TEST_F(SafeMoves, ATargetThatAppearsAfterPlanningIsNotOverwritten)
 {
     make("a", "A");
