@@ -50,6 +50,7 @@ public:
     // New names for every row at once, from a preview of the whole table.
     void setNewNames(const QStringList &names);
     bool hasPreviewedNames() const { return !m_newNames.isEmpty(); }
+    const QStringList &previewedNames() const { return m_newNames; }
 
     // Why each row's new name cannot be given (empty for a row that can);
     // shown in the new-name column before anything is renamed.

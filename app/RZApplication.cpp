@@ -308,9 +308,9 @@ void RZApplication::refreshTablePreview()
     if (!grep && rows.size() <= immediatePreviewRows) {
         copy.baseNameCache = m_previewBases; // this thread's own, kept between keystrokes
         m_table->setNewNames(TablePreview::newNames(copy, rows, prefixChoice, suffixChoice, QDateTime::currentDateTime()));
-        lastTablePreviewMs = clock.elapsed();
         lastTablePreviewInBackground = false;
         emit tablePreviewApplied();
+        lastTablePreviewMs = clock.elapsed(); // with what the new names set off
         return;
     }
     // Larger tables, and GREP rules, are worked out aside: typing never waits.
@@ -513,25 +513,27 @@ void RZApplication::refreshPreview()
 
 void RZApplication::checkConflicts()
 {
-    std::vector<SafeMover::Move> moves;
-    std::vector<int> rowOfMove;
-    const QVariantList &rows = m_table->rows();
-    for (int row = 0; row < rows.size(); ++row) {
-        if (!m_table->valueForColumn(QStringLiteral("include"), row).toBool())
-            continue;
-        const QString location = m_table->valueForColumn(QStringLiteral("location"), row).toString();
-        const QString newName = m_table->valueForColumn(QStringLiteral("new"), row).toString();
-        if (newName.isEmpty() && !m_table->hasPreviewedNames())
-            continue; // no new name worked out yet
-        moves.push_back({location + m_table->valueForColumn(QStringLiteral("original"), row).toString(), location + newName});
-        rowOfMove.push_back(row);
-    }
+    const QVariantList rows = m_table->rows();
+    const QStringList newNames = m_table->previewedNames();
+    const bool previewed = m_table->hasPreviewedNames();
     const quint64 generation = ++m_conflictGeneration;
-    const qsizetype rowCount = rows.size();
     // The check looks at the disk for every row: aside, so typing never waits.
-    QThreadPool::globalInstance()->start([this, moves, rowOfMove, generation, rowCount] {
+    QThreadPool::globalInstance()->start([this, rows, newNames, previewed, generation] {
+        std::vector<SafeMover::Move> moves;
+        std::vector<int> rowOfMove;
+        for (int row = 0; row < rows.size(); ++row) {
+            const QVariantMap record = rows[row].toMap();
+            if (!record.value(QStringLiteral("include")).toBool())
+                continue;
+            const QString newName = previewed ? newNames.value(row) : record.value(QStringLiteral("new")).toString();
+            if (newName.isEmpty() && !previewed)
+                continue; // no new name worked out yet
+            const QString location = record.value(QStringLiteral("location")).toString();
+            moves.push_back({location + record.value(QStringLiteral("original")).toString(), location + newName});
+            rowOfMove.push_back(row);
+        }
         const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
-        QStringList reasons(rowCount);
+        QStringList reasons(rows.size());
         for (size_t i = 0; i < outcomes.size(); ++i)
             if (outcomes[i].status == SafeMover::Status::Conflict)
                 reasons[rowOfMove[i]] = outcomes[i].reason;

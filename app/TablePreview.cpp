@@ -15,6 +15,7 @@ QStringList newNames(NameComposer composer, const QVariantList &rows, qint32 pre
                      const QDateTime &supplied)
 {
     composer.duplicate_check_list.clear();
+    composer.duplicate_check_list.reserve(rows.size());
     const qint32 count = qint32(rows.size());
     auto dateFor = [&supplied](qint32 choice, const QVariantMap &row) {
         return choice == 1   ? supplied

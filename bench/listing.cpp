@@ -136,12 +136,25 @@ void TablePreview10k(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * 10000);
 }
 
+// As in the window while the user types: the treated base names are kept
+// between keystrokes, since only the prefix or suffix changed.
+void TablePreview10kWhileTyping(benchmark::State &state)
+{
+    const QVariantList table = rows(10000);
+    NameComposer composer = rule();
+    composer.baseNameCache = std::make_shared<NameComposer::BaseNameCache>();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(TablePreview::newNames(composer, table, 0, 0, QDateTime::currentDateTime()));
+    state.SetItemsProcessed(state.iterations() * 10000);
+}
+
 } // namespace
 
 BENCHMARK(BareReaddirLstatWalk)->Unit(benchmark::kMillisecond);
 BENCHMARK(ParseItems)->Unit(benchmark::kMillisecond);
 BENCHMARK(MakeReplacementNames100k)->Unit(benchmark::kMillisecond);
 BENCHMARK(TablePreview10k)->Unit(benchmark::kMillisecond);
+BENCHMARK(TablePreview10kWhileTyping)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {

@@ -45,6 +45,7 @@ QVariantList makeReplacementNames(NameComposer &composer, const BatchRequest &re
                                   const BatchProgress &progress)
 {
     composer.duplicate_check_list.clear();
+    composer.duplicate_check_list.reserve(rows.size());
     composer.settings._prefix_date_to_use = request.prefixChoice;
     composer.settings._suffix_date_to_use = request.suffixChoice;
     const double count = request.rowCount;

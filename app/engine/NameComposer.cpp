@@ -145,9 +145,18 @@ QString NameComposer::cachedBaseName(const QString &name)
     return baseNameCache->bases[name] = treatedBaseName(name);
 }
 
+QString NameComposer::folderNameOf(const QString &location)
+{
+    if (location != m_lastLocation || m_lastLocation.isNull()) {
+        m_lastLocation = location;
+        m_lastFolderName = lastPathComponent(location);
+    }
+    return m_lastFolderName;
+}
+
 QString NameComposer::generateNewName(const CompositionRequest &request)
 {
-    const QString folder = lastPathComponent(request.location);
+    const QString folder = folderNameOf(request.location);
 
     QString newName = fillTokens(settings._prefix, request.prefixDate,
                                  counterText(settings._prefix_start_num, request.rowCount,

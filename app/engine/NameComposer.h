@@ -41,6 +41,11 @@ public:
         m_set.clear();
     }
     const QStringList &toList() const { return m_list; }
+    void reserve(qsizetype size)
+    {
+        m_list.reserve(size);
+        m_set.reserve(size);
+    }
 
 private:
     QStringList m_list;
@@ -96,6 +101,11 @@ private:
     QString treatedBaseName(const QString &name);
     QString cachedBaseName(const QString &name);
     QString tokensFilled(const QString &text, const QDateTime &date) const;
+    QString folderNameOf(const QString &location);
+
+    // Rows of one folder follow each other: its name is worked out once.
+    QString m_lastLocation;
+    QString m_lastFolderName;
 
     // The last texts the date tokens were filled in: rows without dates of
     // their own share one answer.
