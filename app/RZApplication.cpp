@@ -162,6 +162,11 @@ void RZApplication::connectInterfaceEvents()
         refreshPreview();
     });
     connect(m_table, &QAbstractItemModel::modelReset, this, [this] { ++m_conflictGeneration; });
+    // A row ticked or unticked changes the counters of the rows after it.
+    connect(m_table, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex &from, const QModelIndex &to) {
+        if (from.column() <= FileTableModel::Include && to.column() >= FileTableModel::Include)
+            refreshPreview();
+    });
     if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")))) {
         // Names in natural order until the user picks another order.
         table->horizontalHeader()->setSectionsClickable(true);

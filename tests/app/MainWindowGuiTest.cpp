@@ -4,6 +4,7 @@
 #include "MainScript.h"
 #include "MethodTable.h"
 #include "RZApplication.h"
+#include "SafeMover.h"
 #include "TestPrinting.h"
 
 #include <QAbstractButton>
@@ -14,10 +15,12 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -178,6 +181,57 @@ TEST(MainWindow, APersonListsRenamesAndUndoes)
         EXPECT_EQ(file.readAll(), name.toUtf8()) << "content unchanged";
     }
     screenshot(QStringLiteral("main-window-undone.png"));
+}
+
+TEST(MainWindow, UntickingARowGivesItsCounterToTheNext)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"a.txt", "b.txt", "c.txt"});
+    script->handle(QStringLiteral("dropped"), QStringList{folder.path()});
+    control<QLineEdit>("prefix")->setText(QString());
+    QTest::keyClicks(control<QLineEdit>("prefix"), QStringLiteral("«#»-"));
+    FileTableModel &model = application->fileTableDataSource();
+    ASSERT_EQ(column(FileTableModel::New), QStringList({"1-a.txt", "2-b.txt", "3-c.txt"}));
+    model.setData(model.index(0, FileTableModel::Include), Qt::Unchecked, Qt::CheckStateRole);
+    EXPECT_EQ(column(FileTableModel::New), QStringList({"a.txt", "1-b.txt", "2-c.txt"}));
+    EXPECT_NO_SURPRISES();
+}
+
+TEST(MainWindow, FilesDroppedOnTheWindowAreListed)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"one.txt", "two.txt", "three.txt"});
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(folder.path() + QStringLiteral("/one.txt")),
+                  QUrl::fromLocalFile(folder.path() + QStringLiteral("/three.txt"))});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(application->window(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(application->window(), &drop);
+    EXPECT_NO_SURPRISES();
+    EXPECT_EQ(column(FileTableModel::Original), QStringList({"one.txt", "three.txt"}));
+    EXPECT_EQ(control<QLineEdit>("source_folder")->text(), folder.path() + u'/');
+}
+
+TEST(MainWindow, ABatchCutShortIsOfferedForRollBackAtTheNextStart)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"1.txt", "2.txt", "3.txt", "4.txt"});
+    SafeMover crashing(home->path() + QStringLiteral("/data/nomen"));
+    crashing.stopAfterSteps = 2;
+    std::vector<SafeMover::Move> moves;
+    for (const QString name : {"1", "2", "3", "4"})
+        moves.push_back({folder.path() + u'/' + name + QStringLiteral(".txt"), folder.path() + u'/' + name + QStringLiteral(".moved")});
+    crashing.apply(moves);
+    ASSERT_EQ(namesIn(folder.path()).filter(QStringLiteral(".moved")).size(), 2);
+
+    answerNextQuestion(QStringLiteral("Roll Back"));
+    script->handle(QStringLiteral("launched"), QStringList{folder.path()});
+    EXPECT_NO_SURPRISES();
+    EXPECT_TRUE(pendingAnswer.isEmpty()) << "the question was asked";
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"1.txt", "2.txt", "3.txt", "4.txt"}));
+    EXPECT_EQ(application->fileTableDataSource().rowCount(), 4);
 }
 
 TEST(MainWindow, TheRuleIsRememberedBetweenRuns)
