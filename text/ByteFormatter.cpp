@@ -1,5 +1,6 @@
 #include "ByteFormatter.h"
 
+#include "DictionaryAdditions.h"
 #include "StringAdditions.h"
 
 #include <QCoreApplication>
@@ -13,34 +14,11 @@ QString unit(const char *key)
     return QCoreApplication::translate("ui", key);
 }
 
-bool isNumber(const QVariant &object)
-{
-    switch (object.typeId()) {
-    case QMetaType::Bool:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return true;
-    default:
-        return false;
-    }
-}
-
 } // namespace
 
 QString stringForObjectValue(const QVariant &object)
 {
-    if (!isNumber(object))
+    if (!ROZ_NSDictionaryAdditions::isNumber(object))
         return QStringLiteral("-");
     const float v = object.toFloat();
     if (v >= BytesPerGB)
