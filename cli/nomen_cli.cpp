@@ -210,6 +210,8 @@ int main(int argc, char **argv)
         {"date-source", "Date for date tokens: none, now, created or modified.", "source", "none"},
         {"exif", "Take creation dates from the photographs' EXIF data."},
         {"recursive", "Descend into subfolders."},
+        {"folders", "Rename the folders below the named ones too, after their contents; files are then renamed only when --type, --ext-filter or --long-names picks them."},
+        {"long-names", "With --folders: the files whose names have 32 characters or more."},
         {"ext-filter", "Only these extensions (comma-separated, exact).", "list"},
         {"type", "Only these four-character type codes (comma-separated).", "list"},
         {"sort", "Row order: name (natural), date, size or none (the file system's).", "order", "name"},
@@ -256,6 +258,8 @@ int main(int argc, char **argv)
             request.paths = {root};
             request.root = root;
             request.descend = options.isSet("recursive");
+            request.folderRows = options.isSet("folders");
+            request.longNames = options.isSet("long-names");
             request.extensions = options.value("ext-filter").split(u',', Qt::SkipEmptyParts);
             request.typeCodes = options.value("type").split(u',', Qt::SkipEmptyParts);
             rows += engine.listing().parseItems(request).value_or(QVariantList());

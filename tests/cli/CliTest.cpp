@@ -88,4 +88,14 @@ TEST_F(Cli, ConflictsApplyAndUndo)
     EXPECT_EQ(cli({"--case", "upper", tree.filePath("Trip")}).exitCode, 64);
 }
 
+TEST_F(Cli, FoldersAreRenamedAfterTheirContents)
+{
+    const CliRun applied = cli({"--prefix", "x ", "--recursive", "--folders", "--ext-filter", "jpg", "--apply", tree.filePath("Trip")});
+    EXPECT_EQ(applied.exitCode, 0) << applied.out.toStdString();
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/x Beach/x IMG_1.jpg")));
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/notes.txt"))) << "no filter picks it";
+    EXPECT_EQ(cli({"--undo"}).exitCode, 0);
+    EXPECT_TRUE(QFile::exists(tree.filePath("Trip/Beach/IMG_1.jpg")));
+}
+
 } // namespace
