@@ -56,7 +56,12 @@ RZApplication::RZApplication(int &argc, char **argv) : QApplication(argc, argv),
     setOrganizationName(QStringLiteral("Nomen"));
 }
 
-RZApplication::~RZApplication() = default;
+RZApplication::~RZApplication()
+{
+    // Previews and conflict checks still running aside report back to this
+    // object.
+    QThreadPool::globalInstance()->waitForDone();
+}
 
 RZApplication *RZApplication::instance()
 {

@@ -3,7 +3,6 @@
 // with any conflict; --apply renames through the safe mover, --undo puts
 // the last batch back.
 
-#include "BatchRenaming.h"
 #include "FolderListing.h"
 #include "JsonText.h"
 #include "LocalTimeZone.h"
@@ -13,6 +12,7 @@
 #include "RenameEngine.h"
 #include "SafeMover.h"
 #include "SortFunctions.h"
+#include "TablePreview.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -270,15 +270,14 @@ int main(int argc, char **argv)
         for (const QVariant &row : rows)
             names.append(row.toMap().value("original").toString());
         engine.prefetchGrep(names);
-        BatchRequest batch;
-        batch.suppliedDate = QDateTime::currentDateTime();
-        batch.prefixChoice = batch.suffixChoice = dateChoice(options.value("date-source"));
-        batch.rowCount = qint32(rows.size());
-        for (const QVariant &record : BatchRenaming::makeReplacementNames(engine.composer, batch, rows, {})) {
-            const QVariantMap r = record.toMap();
+        // The batch pass's names; the rows themselves say where each file is.
+        const qint32 choice = dateChoice(options.value("date-source"));
+        const QStringList newNames = TablePreview::newNames(engine.composer, rows, choice, choice, QDateTime::currentDateTime());
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            const QVariantMap r = rows[i].toMap();
             if (r.value("include").toBool())
                 moves.push_back({r.value("location").toString() + r.value("original").toString(),
-                                 r.value("location").toString() + r.value("new").toString()});
+                                 r.value("location").toString() + newNames[i]});
         }
         if (!options.isSet("apply"))
             return report(SafeMover::plan(moves), options.isSet("json"), false);
