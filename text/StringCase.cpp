@@ -3,6 +3,7 @@
 #include "TextScanner.h"
 
 #include <algorithm>
+#include <array>
 
 namespace ROZ_NSStringAdditions {
 
@@ -80,11 +81,12 @@ QString titleCaseString(const QString &self)
     return snrBatch(result, search, lowered);
 }
 
-QString stripDiacritical(const QString &self)
+namespace {
+
+// Decomposes and drops the marks: the rule itself.
+QString withoutMarks(const QString &text)
 {
-    if (isBlankString(self))
-        return self;
-    const QString decomposed = self.normalized(QString::NormalizationForm_D);
+    const QString decomposed = text.normalized(QString::NormalizationForm_D);
     QString result;
     result.reserve(decomposed.size());
     for (qsizetype i = 0; i < decomposed.size(); ++i) {
@@ -98,6 +100,33 @@ QString stripDiacritical(const QString &self)
             result += c;
         }
     }
+    return result;
+}
+
+} // namespace
+
+QString stripDiacritical(const QString &self)
+{
+    if (isBlankString(self))
+        return self;
+    // Latin-1 holds no combining marks, so such a name is stripped one
+    // character at a time, each as the rule strips it alone: most names,
+    // without normalizing.
+    constexpr char16_t notOneCharacter = 0xFFFF;
+    static const std::array<char16_t, 256> latin1 = [] {
+        std::array<char16_t, 256> table;
+        for (char16_t c = 0; c < 256; ++c) {
+            const QString stripped = withoutMarks(QString(QChar(c)));
+            table[c] = stripped.size() == 1 ? stripped[0].unicode() : notOneCharacter;
+        }
+        return table;
+    }();
+    auto fast = [](QChar c) { return c.unicode() < 256 && latin1[c.unicode()] != notOneCharacter; };
+    if (!std::all_of(self.cbegin(), self.cend(), fast))
+        return withoutMarks(self);
+    QString result = self;
+    for (QChar &c : result)
+        c = QChar(latin1[c.unicode()]);
     return result;
 }
 
