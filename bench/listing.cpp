@@ -6,6 +6,7 @@
 #include "FolderListing.h"
 #include "NameComposer.h"
 #include "PathCodec.h"
+#include "LocalTimeZone.h"
 #include "TablePreview.h"
 
 #include <QCoreApplication>
@@ -158,6 +159,7 @@ BENCHMARK(TablePreview10kWhileTyping)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
 {
+    pinLocalTimeZone(); // as the programs do
     QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
