@@ -529,18 +529,18 @@ void RZApplication::checkConflicts()
     const quint64 generation = ++m_conflictGeneration;
     // The check looks at the disk for every row: aside, so typing never waits.
     QThreadPool::globalInstance()->start([this, rows, newNames, previewed, generation] {
+        // Without a preview the rows' own new names count, where they have one.
+        QStringList names = newNames;
+        if (!previewed)
+            for (const QVariant &row : rows)
+                names.append(row.toMap().value(QStringLiteral("new")).toString());
         std::vector<SafeMover::Move> moves;
         std::vector<int> rowOfMove;
-        for (int row = 0; row < rows.size(); ++row) {
-            const QVariantMap record = rows[row].toMap();
-            if (!record.value(QStringLiteral("include")).toBool())
-                continue;
-            const QString newName = previewed ? newNames.value(row) : record.value(QStringLiteral("new")).toString();
-            if (newName.isEmpty() && !previewed)
+        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, names)) {
+            if (!previewed && names[rowMove.row].isEmpty())
                 continue; // no new name worked out yet
-            const QString location = record.value(QStringLiteral("location")).toString();
-            moves.push_back({location + record.value(QStringLiteral("original")).toString(), location + newName});
-            rowOfMove.push_back(row);
+            moves.push_back(rowMove.move);
+            rowOfMove.push_back(rowMove.row);
         }
         const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
         QStringList reasons(rows.size());

@@ -5,7 +5,6 @@
 #include "MethodTable.h"
 #include "RenameEngine.h"
 
-#include <QCoreApplication>
 #include <benchmark/benchmark.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -101,12 +100,3 @@ void SpawnPerlForEachName(benchmark::State &state)
 BENCHMARK(ComposeLiteral)->Unit(benchmark::kMillisecond);
 BENCHMARK(ComposeGrep)->Unit(benchmark::kMillisecond);
 BENCHMARK(SpawnPerlForEachName)->Unit(benchmark::kMillisecond)->Iterations(1);
-
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

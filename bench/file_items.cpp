@@ -3,7 +3,6 @@
 
 #include "MiscMethods.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -76,12 +75,3 @@ BENCHMARK(BareLstat)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReturnItemIsFolder)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReturnItemVisiblity)->Unit(benchmark::kMillisecond);
 BENCHMARK(AttributesOfItem)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -6,10 +6,8 @@
 #include "FolderListing.h"
 #include "NameComposer.h"
 #include "PathCodec.h"
-#include "LocalTimeZone.h"
 #include "TablePreview.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
@@ -156,13 +154,3 @@ BENCHMARK(ParseItems)->Unit(benchmark::kMillisecond);
 BENCHMARK(MakeReplacementNames100k)->Unit(benchmark::kMillisecond);
 BENCHMARK(TablePreview10k)->Unit(benchmark::kMillisecond);
 BENCHMARK(TablePreview10kWhileTyping)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char **argv)
-{
-    pinLocalTimeZone(); // as the programs do
-    QCoreApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -3,6 +3,7 @@
 // with any conflict; --apply renames through the safe mover, --undo puts
 // the last batch back.
 
+#include "BatchRenaming.h"
 #include "FolderListing.h"
 #include "JsonText.h"
 #include "LocalTimeZone.h"
@@ -272,13 +273,9 @@ int main(int argc, char **argv)
         engine.prefetchGrep(names);
         // The batch pass's names; the rows themselves say where each file is.
         const qint32 choice = dateChoice(options.value("date-source"));
-        const QStringList newNames = TablePreview::newNames(engine.composer, rows, choice, choice, QDateTime::currentDateTime());
-        for (qsizetype i = 0; i < rows.size(); ++i) {
-            const QVariantMap r = rows[i].toMap();
-            if (r.value("include").toBool())
-                moves.push_back({r.value("location").toString() + r.value("original").toString(),
-                                 r.value("location").toString() + newNames[i]});
-        }
+        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(
+                 rows, TablePreview::newNames(engine.composer, rows, choice, choice, QDateTime::currentDateTime())))
+            moves.push_back(rowMove.move);
         if (!options.isSet("apply"))
             return report(SafeMover::plan(moves), options.isSet("json"), false);
         std::vector<SafeMover::Outcome> outcomes;

@@ -82,6 +82,19 @@ QVariantList makeReplacementNames(NameComposer &composer, const BatchRequest &re
     return records;
 }
 
+std::vector<RowMove> movesFor(const QVariantList &rows, const QStringList &newNames)
+{
+    std::vector<RowMove> moves;
+    for (qsizetype i = 0; i < rows.size() && i < newNames.size(); ++i) {
+        const QVariantMap record = rows[i].toMap();
+        if (!record.value(QStringLiteral("include")).toBool())
+            continue;
+        const QString location = record.value(QStringLiteral("location")).toString();
+        moves.push_back({int(i), {location + record.value(QStringLiteral("original")).toString(), location + newNames[i]}});
+    }
+    return moves;
+}
+
 QVariantList cleanData(const QVariantList &records, const QDateTime &date1904)
 {
     QVariantList cleaned;

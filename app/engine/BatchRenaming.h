@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SafeMover.h"
+
 #include <QDateTime>
 #include <QStringList>
 #include <QVariantList>
@@ -35,6 +37,14 @@ namespace BatchRenaming {
 // the prefix counter becomes the suffix counter plus the prefix increment.
 QVariantList makeReplacementNames(NameComposer &composer, const BatchRequest &request, const QVariantList &rows,
                                   const BatchProgress &progress);
+
+// The moves that give the included rows their new names (one per row, in
+// row order), each with the row it serves.
+struct RowMove {
+    int row;
+    SafeMover::Move move;
+};
+std::vector<RowMove> movesFor(const QVariantList &rows, const QStringList &newNames);
 
 // Missing "creation" or "modification" dates become `date1904`.
 QVariantList cleanData(const QVariantList &records, const QDateTime &date1904);
