@@ -9,6 +9,7 @@
 #include "SystemLog.h"
 #include "GrepReplace.h"
 #include "NativeBinding.h"
+#include "PathCodec.h"
 #include "PerlWorker.h"
 #include "RZApplication.h"
 #include "SafeMover.h"
@@ -16,7 +17,6 @@
 #include <QAbstractItemView>
 #include <QLineEdit>
 #include <QSettings>
-#include <QStandardPaths>
 
 namespace {
 
@@ -38,10 +38,11 @@ QObject *fieldOf(RZApplication &application, const QVariant &value)
     return convert<QObject *>(value, 0);
 }
 
-// The batches' journal lives in the user's data folder.
+// The batches' journal lives in the user's data folder, shared with the
+// command line through its lock.
 SafeMover &sharedMover()
 {
-    static SafeMover mover(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/nomen"));
+    static SafeMover mover;
     return mover;
 }
 
@@ -63,8 +64,30 @@ QVariantList outcomesToScript(const std::vector<SafeMover::Outcome> &outcomes)
         list.append(QVariantMap{{QStringLiteral("from"), outcome.move.from},
                                 {QStringLiteral("to"), outcome.move.to},
                                 {QStringLiteral("status"), QString::fromLatin1(names[int(outcome.status)])},
-                                {QStringLiteral("reason"), outcome.reason}});
+                                {QStringLiteral("reason"), outcome.reason},
+                                {QStringLiteral("warning"), outcome.warning}});
     return list;
+}
+
+// A batch that was refused moved nothing: the script hears why as an error.
+QVariant reportToScript(const SafeMover::Report &report)
+{
+    if (report.refusal != SafeMover::Refusal::None)
+        throw NamedException(NSGenericException, report.refusalText);
+    if (!report.notice.isEmpty())
+        SystemLog::write(report.notice);
+    return outcomesToScript(report.outcomes);
+}
+
+QVariant pendingToScript(const std::optional<SafeMover::Pending> &pending)
+{
+    if (!pending)
+        return QVariant::fromValue(nullptr);
+    static const char *const kinds[] = {"rename", "undo", "roll back"};
+    return QVariantMap{{QStringLiteral("kind"), QString::fromLatin1(kinds[int(pending->kind)])},
+                       {QStringLiteral("items"), qlonglong(pending->items)},
+                       {QStringLiteral("folder"), pending->folder},
+                       {QStringLiteral("problem"), pending->problem}};
 }
 
 template <typename Method>
@@ -207,25 +230,29 @@ void registerApplicationMethods(MethodRegistry &registry)
                             });
 
     // Safe renaming of a whole batch: each row {from, to} as full paths; each
-    // answer {from, to, status, reason} with status "renamed", "unchanged",
-    // "conflict" or "failed".
+    // answer {from, to, status, reason, warning} with status "renamed",
+    // "unchanged", "conflict" or "failed". A batch refused as a whole (another
+    // run busy, a batch cut short waiting) raises NSGenericException.
     add(registry, "planRenames:", [](RZApplication &, const QVariantList &args) {
         return QVariant(outcomesToScript(SafeMover::plan(movesFromScript(convert<QVariantList>(args[0], 0)))));
     });
     add(registry, "applyRenames:", [](RZApplication &, const QVariantList &args) {
-        return QVariant(outcomesToScript(sharedMover().apply(movesFromScript(convert<QVariantList>(args[0], 0)))));
+        return reportToScript(sharedMover().apply(movesFromScript(convert<QVariantList>(args[0], 0))));
     });
     add(registry, "undoLastRename", [](RZApplication &, const QVariantList &) {
-        return QVariant(outcomesToScript(sharedMover().undoLast()));
+        return reportToScript(sharedMover().undoLast());
     });
     add(registry, "hasUnfinishedRename", [](RZApplication &, const QVariantList &) {
-        return QVariant(sharedMover().hasUnfinishedBatch());
+        return QVariant(sharedMover().pending().has_value());
+    });
+    add(registry, "unfinishedRename", [](RZApplication &, const QVariantList &) {
+        return pendingToScript(sharedMover().pending());
     });
     add(registry, "finishUnfinishedRename", [](RZApplication &, const QVariantList &) {
-        return QVariant(sharedMover().finishUnfinished());
+        return reportToScript(sharedMover().finishPending());
     });
     add(registry, "rollBackUnfinishedRename", [](RZApplication &, const QVariantList &) {
-        return QVariant(sharedMover().rollBackUnfinished());
+        return reportToScript(sharedMover().rollBackPending());
     });
 
     // The window, as the main script drives it.
@@ -286,16 +313,16 @@ void registerApplicationMethods(MethodRegistry &registry)
     // What the helper scripts call.
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenPerl"), QStringLiteral("execute:"),
                                   +[](const QString &program) -> std::optional<QString> {
-                                      const auto printed = PerlWorker::shared().run(program.toUtf8());
-                                      return printed ? std::optional(QString::fromUtf8(*printed)) : std::nullopt;
+                                      const auto printed = PerlWorker::shared().run(PathCodec::encode(program));
+                                      return printed ? std::optional(PathCodec::decode(*printed)) : std::nullopt;
                                   });
     registry.addClassMethod(QStringLiteral("NomenPerl"), QStringLiteral("executeAll:"), [](Invocation &invocation) {
         std::vector<QByteArray> programs;
         for (const QString &program : convert<QStringList>(invocation.arguments[0], 0))
-            programs.push_back(program.toUtf8());
+            programs.push_back(PathCodec::encode(program));
         QVariantList answers;
         for (const auto &printed : PerlWorker::shared().runAll(programs))
-            answers.append(printed ? QVariant(QString::fromUtf8(*printed)) : QVariant::fromValue(nullptr));
+            answers.append(printed ? QVariant(PathCodec::decode(*printed)) : QVariant::fromValue(nullptr));
         return QVariant(answers);
     });
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),

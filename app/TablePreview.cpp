@@ -2,6 +2,7 @@
 
 #include "BatchRenaming.h"
 #include "GrepReplace.h"
+#include "PathCodec.h"
 #include "PerlWorker.h"
 
 #include <QHash>
@@ -44,20 +45,19 @@ NameComposer::GrepReplace prefetchedGrep(const RenameSettings &settings, const Q
     QStringList texts;
     for (const QVariant &row : rows) {
         const QString base = NameComposer::baseNameOf(row.toMap().value(QStringLiteral("original")).toString());
-        programs.push_back(GrepReplace::program(base, settings._filename_search_1, settings._filename_replace_1,
-                                                settings._snr_consider_case_1)
-                               .toUtf8());
+        programs.push_back(PathCodec::encode(GrepReplace::program(base, settings._filename_search_1, settings._filename_replace_1,
+                                                settings._snr_consider_case_1)));
     }
     auto answers = std::make_shared<QHash<QByteArray, std::optional<QByteArray>>>();
     const auto printed = PerlWorker::shared().runAll(programs);
     for (size_t i = 0; i < programs.size(); ++i)
         answers->insert(programs[i], printed[i]);
     return [answers](const QString &text, const QString &pattern, const QString &replacement, bool consideringCase) {
-        const QByteArray program = GrepReplace::program(text, pattern, replacement, consideringCase).toUtf8();
+        const QByteArray program = PathCodec::encode(GrepReplace::program(text, pattern, replacement, consideringCase));
         auto known = answers->constFind(program);
         const std::optional<QByteArray> answer =
             known != answers->constEnd() ? *known : PerlWorker::shared().run(program);
-        return answer ? QString::fromUtf8(*answer) : text;
+        return answer ? PathCodec::decode(*answer) : text;
     };
 }
 

@@ -2,138 +2,313 @@
 
 #include "PathCodec.h"
 
+#include <QList>
 #include <cerrno>
+#include <memory>
 #include <cstdio>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace FileMoves {
 
 namespace {
 
-int copyFile(const QByteArray &from, const QByteArray &to, const struct stat &info)
+QString shown(const QByteArray &path)
 {
-    const int in = open(from.constData(), O_RDONLY | O_CLOEXEC);
-    if (in < 0)
-        return errno;
-    // O_EXCL: if the destination has appeared meanwhile, nothing is replaced.
-    const int out = open(to.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, info.st_mode & 07777);
-    if (out < 0) {
-        const int error = errno;
-        close(in);
-        return error;
-    }
-    char buffer[1 << 16];
-    int error = 0;
-    for (;;) {
-        const ssize_t got = read(in, buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0) {
-            error = got < 0 ? errno : 0;
-            break;
-        }
-        for (ssize_t done = 0; done < got;) {
-            const ssize_t written = write(out, buffer + done, size_t(got - done));
-            if (written < 0 && errno == EINTR)
-                continue;
-            if (written <= 0) {
-                error = written < 0 ? errno : EIO;
-                break;
-            }
-            done += written;
-        }
-        if (error)
-            break;
-    }
-    if (!error && fsync(out) != 0)
-        error = errno;
-    const timespec times[2] = {info.st_atim, info.st_mtim};
-    futimens(out, times);
-    close(in);
-    if (close(out) != 0 && !error)
-        error = errno;
-    return error;
+    return PathCodec::decode(path);
 }
 
-int removeTree(const QByteArray &path)
+// The first failure of a copy, with the file it concerns.
+struct Failure {
+    int error = 0;
+    QString detail;
+    explicit operator bool() const { return error != 0; }
+};
+
+Failure failed(int error, const QString &what, const QByteArray &path)
 {
-    struct stat info;
-    if (lstat(path.constData(), &info) != 0)
-        return errno;
-    if (!S_ISDIR(info.st_mode))
-        return unlink(path.constData()) == 0 ? 0 : errno;
-    if (DIR *directory = opendir(path.constData())) {
-        while (const dirent *entry = readdir(directory)) {
-            const QByteArray name(entry->d_name);
-            if (name != "." && name != "..")
-                removeTree(path + '/' + name);
+    return {error, QStringLiteral("%1 \"%2\": %3").arg(what, shown(path), QString::fromLocal8Bit(strerror(error)))};
+}
+
+int closeChecked(int descriptor)
+{
+    return close(descriptor) == 0 || errno == EINTR ? 0 : errno;
+}
+
+Failure flushFolder(const QByteArray &folder)
+{
+    const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return failed(errno, QStringLiteral("cannot open the folder"), folder);
+    const int error = fsync(descriptor) == 0 ? 0 : errno;
+    close(descriptor);
+    return error ? failed(error, QStringLiteral("cannot flush the folder"), folder) : Failure{};
+}
+
+QByteArray folderOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+// Extended attributes go with the copy. Those of the user must arrive, or
+// the copy fails; the system's own (security, trusted, ACLs) are copied
+// where the destination allows it.
+Failure copyAttributes(const QByteArray &from, const QByteArray &to)
+{
+    QByteArray names(1024, '\0');
+    ssize_t length;
+    while ((length = llistxattr(from.constData(), names.data(), size_t(names.size()))) < 0 && errno == ERANGE)
+        names.resize(names.size() * 4);
+    if (length < 0)
+        return errno == ENOTSUP ? Failure{} : failed(errno, QStringLiteral("cannot read the extended attributes of"), from);
+    for (const QByteArray &name : names.left(length).split('\0')) {
+        if (name.isEmpty())
+            continue;
+        QByteArray value(256, '\0');
+        ssize_t size;
+        while ((size = lgetxattr(from.constData(), name.constData(), value.data(), size_t(value.size()))) < 0 && errno == ERANGE)
+            value.resize(value.size() * 4);
+        if (size < 0) {
+            if (errno == ENODATA)
+                continue; // removed meanwhile
+            return failed(errno, QStringLiteral("cannot read the extended attribute %1 of").arg(QString::fromLatin1(name)), from);
         }
-        closedir(directory);
+        if (lsetxattr(to.constData(), name.constData(), value.constData(), size_t(size), 0) == 0)
+            continue;
+        const int error = errno;
+        const bool optional = !name.startsWith("user.") && (error == EPERM || error == ENOTSUP || error == EACCES);
+        if (!optional)
+            return failed(error, QStringLiteral("cannot keep the extended attribute %1 on").arg(QString::fromLatin1(name)), to);
     }
-    return rmdir(path.constData()) == 0 ? 0 : errno;
+    return {};
+}
+
+// Owner where allowed (only a privileged user may give files away), then
+// the permissions, which a change of owner may have cleared in part.
+Failure copyOwnerAndMode(const QByteArray &to, const struct stat &info)
+{
+    if (lchown(to.constData(), info.st_uid, info.st_gid) != 0 && errno != EPERM)
+        return failed(errno, QStringLiteral("cannot set the owner of"), to);
+    if (!S_ISLNK(info.st_mode) && chmod(to.constData(), info.st_mode & 07777) != 0)
+        return failed(errno, QStringLiteral("cannot set the permissions of"), to);
+    return {};
+}
+
+Failure copyTimes(const QByteArray &to, const struct stat &info)
+{
+    const timespec times[2] = {info.st_atim, info.st_mtim};
+    if (utimensat(AT_FDCWD, to.constData(), times, AT_SYMLINK_NOFOLLOW) != 0)
+        return failed(errno, QStringLiteral("cannot set the times of"), to);
+    return {};
+}
+
+Failure copyContents(const QByteArray &from, const QByteArray &to)
+{
+    const int in = open(from.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (in < 0)
+        return failed(errno, QStringLiteral("cannot open"), from);
+    // O_EXCL: if the destination has appeared meanwhile, nothing is replaced.
+    const int out = open(to.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (out < 0) {
+        const Failure failure = failed(errno, QStringLiteral("cannot create"), to);
+        close(in);
+        return failure;
+    }
+    Failure failure;
+    static constexpr size_t bufferSize = 1 << 16;
+    auto buffer = std::make_unique<char[]>(bufferSize);
+    while (!failure) {
+        const ssize_t got = read(in, buffer.get(), bufferSize);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            failure = failed(errno, QStringLiteral("cannot read"), from);
+        if (got <= 0)
+            break;
+        for (ssize_t done = 0; done < got && !failure;) {
+            const ssize_t written = write(out, buffer.get() + done, size_t(got - done));
+            if (written < 0 && errno == EINTR)
+                continue;
+            if (written <= 0)
+                failure = failed(written < 0 ? errno : EIO, QStringLiteral("cannot write"), to);
+            else
+                done += written;
+        }
+    }
+    if (!failure && fsync(out) != 0)
+        failure = failed(errno, QStringLiteral("cannot flush"), to);
+    close(in);
+    if (const int error = closeChecked(out); error && !failure)
+        failure = failed(error, QStringLiteral("cannot write"), to);
+    return failure;
+}
+
+Failure copyLink(const QByteArray &from, const QByteArray &to, const struct stat &info)
+{
+    QByteArray target(qsizetype(info.st_size) + 1, '\0');
+    const ssize_t length = readlink(from.constData(), target.data(), size_t(target.size()));
+    if (length < 0)
+        return failed(errno, QStringLiteral("cannot read the link"), from);
+    if (length >= target.size())
+        return failed(EAGAIN, QStringLiteral("the link changed while it was read:"), from);
+    target.truncate(length);
+    if (symlink(target.constData(), to.constData()) != 0)
+        return failed(errno, QStringLiteral("cannot create"), to);
+    return {};
+}
+
+Failure copyTree(const QByteArray &from, const QByteArray &to);
+
+Failure copyFolder(const QByteArray &from, const QByteArray &to)
+{
+    if (mkdir(to.constData(), 0700) != 0)
+        return failed(errno, QStringLiteral("cannot create"), to);
+    DIR *folder = opendir(from.constData());
+    if (!folder)
+        return failed(errno, QStringLiteral("cannot read the folder"), from);
+    Failure failure;
+    errno = 0;
+    while (const dirent *entry = readdir(folder)) {
+        const QByteArray name(entry->d_name);
+        if (name == "." || name == "..")
+            continue;
+        if ((failure = copyTree(from + '/' + name, to + '/' + name)))
+            break;
+        errno = 0;
+    }
+    if (!failure && errno != 0)
+        failure = failed(errno, QStringLiteral("cannot read the folder"), from);
+    closedir(folder);
+    return failure ? failure : flushFolder(to);
 }
 
 // Copies an item with everything in it; the destination must not exist.
-int copyTree(const QByteArray &from, const QByteArray &to)
+Failure copyTree(const QByteArray &from, const QByteArray &to)
+{
+    struct stat info;
+    if (lstat(from.constData(), &info) != 0)
+        return failed(errno, QStringLiteral("cannot read"), from);
+    Failure failure;
+    if (S_ISLNK(info.st_mode))
+        failure = copyLink(from, to, info);
+    else if (S_ISREG(info.st_mode))
+        failure = copyContents(from, to);
+    else if (S_ISDIR(info.st_mode))
+        failure = copyFolder(from, to);
+    else
+        failure = failed(ENOTSUP, QStringLiteral("cannot copy this kind of item:"), from);
+    if (!failure && !S_ISLNK(info.st_mode))
+        failure = copyAttributes(from, to);
+    if (!failure)
+        failure = copyOwnerAndMode(to, info);
+    if (!failure)
+        failure = copyTimes(to, info);
+    return failure;
+}
+
+// Removes an item with everything in it, stopping at the first failure.
+Failure removeTree(const QByteArray &path)
+{
+    struct stat info;
+    if (lstat(path.constData(), &info) != 0)
+        return failed(errno, QStringLiteral("cannot read"), path);
+    if (!S_ISDIR(info.st_mode))
+        return unlink(path.constData()) == 0 ? Failure{} : failed(errno, QStringLiteral("cannot remove"), path);
+    DIR *folder = opendir(path.constData());
+    if (!folder)
+        return failed(errno, QStringLiteral("cannot read the folder"), path);
+    Failure failure;
+    while (const dirent *entry = readdir(folder)) {
+        const QByteArray name(entry->d_name);
+        if (name != "." && name != ".." && (failure = removeTree(path + '/' + name)))
+            break;
+    }
+    closedir(folder);
+    if (!failure && rmdir(path.constData()) != 0)
+        failure = failed(errno, QStringLiteral("cannot remove"), path);
+    return failure;
+}
+
+// Where RENAME_NOREPLACE is unknown: a file gets its new name as a hard
+// link, which fails rather than replace anything, and then loses the old
+// one; a folder (or a file where hard links are not allowed) is renamed
+// once its destination is seen to be free.
+int renameWithoutTheFlag(const QByteArray &from, const QByteArray &to)
 {
     struct stat info;
     if (lstat(from.constData(), &info) != 0)
         return errno;
-    if (S_ISLNK(info.st_mode)) {
-        char target[4096];
-        const ssize_t length = readlink(from.constData(), target, sizeof target - 1);
-        if (length < 0)
+    if (!S_ISDIR(info.st_mode)) {
+        if (link(from.constData(), to.constData()) == 0) {
+            if (unlink(from.constData()) == 0)
+                return 0;
+            const int error = errno;
+            unlink(to.constData()); // back to one name: the move did not happen
+            return error;
+        }
+        if (errno != EPERM && errno != ENOTSUP && errno != EMLINK)
             return errno;
-        target[length] = 0;
-        return symlink(target, to.constData()) == 0 ? 0 : errno;
     }
-    if (S_ISREG(info.st_mode))
-        return copyFile(from, to, info);
-    if (!S_ISDIR(info.st_mode))
-        return ENOTSUP;
-    if (mkdir(to.constData(), info.st_mode & 07777) != 0)
+    struct stat existing;
+    if (lstat(to.constData(), &existing) == 0)
+        return EEXIST;
+    if (errno != ENOENT)
         return errno;
-    DIR *directory = opendir(from.constData());
-    if (!directory)
-        return errno;
-    int error = 0;
-    while (const dirent *entry = readdir(directory)) {
-        const QByteArray name(entry->d_name);
-        if (name == "." || name == "..")
-            continue;
-        if ((error = copyTree(from + '/' + name, to + '/' + name)) != 0)
-            break;
+    return rename(from.constData(), to.constData()) == 0 ? 0 : errno;
+}
+
+Result moveAcross(const QByteArray &from, const QByteArray &to, const Options &options)
+{
+    struct stat existing;
+    if (lstat(to.constData(), &existing) == 0)
+        return {EEXIST, {}, false};
+    Failure failure = copyTree(from, to);
+    if (!failure)
+        failure = flushFolder(folderOf(to));
+    if (!failure && options.copied)
+        if (const int error = options.copied(to))
+            failure = failed(error, QStringLiteral("the copy was not recorded, so it was removed again:"), to);
+    if (failure) {
+        // A copy that is not whole goes; one we did not make stays.
+        if (failure.error != EEXIST)
+            removeTree(to);
+        return {failure.error, failure.detail, false};
     }
-    closedir(directory);
-    return error;
+    if (const Failure removal = removeTree(from))
+        return {removal.error,
+                QStringLiteral("\"%1\" was copied to \"%2\", but the original could not be removed (%3): both copies are there")
+                    .arg(shown(from), shown(to), removal.detail),
+                true};
+    return {};
 }
 
 } // namespace
 
-int moveWithoutReplacing(const QString &from, const QString &to)
+Result move(const QString &from, const QString &to, const Options &options)
 {
     const QByteArray source = PathCodec::encode(from);
     const QByteArray destination = PathCodec::encode(to);
     if (source.isEmpty() || destination.isEmpty())
-        return ENOENT;
-    if (renameat2(AT_FDCWD, source.constData(), AT_FDCWD, destination.constData(), RENAME_NOREPLACE) == 0)
-        return 0;
-    if (errno != EXDEV)
-        return errno;
-    // Another file system: copy, then remove the original only once the
-    // copy is complete. A failed copy is removed and the original kept.
-    struct stat existing;
-    if (lstat(destination.constData(), &existing) == 0)
-        return EEXIST;
-    if (const int error = copyTree(source, destination)) {
-        if (error != EEXIST)
-            removeTree(destination);
-        return error;
-    }
-    return removeTree(source);
+        return {ENOENT, {}, false};
+    int error = options.simulatedRenameError;
+    if (error == 0)
+        error = renameat2(AT_FDCWD, source.constData(), AT_FDCWD, destination.constData(), RENAME_NOREPLACE) == 0 ? 0 : errno;
+    if (error == EINVAL || error == ENOSYS)
+        error = renameWithoutTheFlag(source, destination);
+    if (error == EXDEV)
+        return moveAcross(source, destination, options);
+    return {error, {}, false};
+}
+
+int moveWithoutReplacing(const QString &from, const QString &to)
+{
+    const Result result = move(from, to);
+    return result.error;
 }
 
 } // namespace FileMoves

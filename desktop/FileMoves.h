@@ -1,12 +1,41 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <functional>
 
-// Moves an item without ever replacing one: the move fails when the
-// destination exists, atomically on one file system (renameat2 with
-// RENAME_NOREPLACE); across file systems the item is copied (never over an
-// existing one) and the original removed only after the copy is whole.
-// Answers an errno-style code, 0 on success.
+// Moves an item without ever replacing one. On one file system the move is
+// atomic and fails when the destination exists (renameat2 with
+// RENAME_NOREPLACE; where the file system does not know that flag, a hard
+// link then removal of the old name for files, and a rename after checking
+// the destination is free for folders). Across file systems the item is
+// copied, never over an existing one, with its extended attributes, owner
+// (where allowed), permissions and times; the copy and its folder are
+// flushed to disk, and only then is the original removed.
 namespace FileMoves {
+
+struct Result {
+    int error = 0;        // an errno value; 0 when the item is at its destination
+    QString detail;       // what failed, naming the files, when the errno alone does not say
+    bool originalKept = false; // copied whole, but the original could not be removed: both are there
+
+    bool moved() const { return error == 0 || originalKept; }
+};
+
+struct Options {
+    // For tests: the first rename answers this errno value instead of
+    // being made (EINVAL as from a file system without RENAME_NOREPLACE,
+    // EXDEV as across file systems).
+    int simulatedRenameError = 0;
+    // Called when a copy across file systems is whole and on disk, before
+    // the original is removed: answer 0 to go on, or an errno value to give
+    // up (the copy is removed and the original kept).
+    std::function<int(const QByteArray &copy)> copied;
+};
+
+Result move(const QString &from, const QString &to, const Options &options = {});
+
+// The move as a bare errno value, 0 on success.
 int moveWithoutReplacing(const QString &from, const QString &to);
-}
+
+} // namespace FileMoves

@@ -207,11 +207,24 @@ function renameFiles() {
         if (choice !== "Rename Others")
             return;
     }
-    report(call("applyRenames:", [moves]), "renamed", true);
+    var outcomes;
+    try {
+        outcomes = call("applyRenames:", [moves]);
+    } catch (refused) {
+        showError("Nothing was renamed", refused.reason || String(refused));
+        return;
+    }
+    report(outcomes, "renamed", true);
 }
 
 function undoRename() {
-    var outcomes = call("undoLastRename");
+    var outcomes;
+    try {
+        outcomes = call("undoLastRename");
+    } catch (refused) {
+        showError("Nothing was put back", refused.reason || String(refused));
+        return;
+    }
     if (outcomes.length === 0) {
         showError("Nothing to undo", "No rename has been made since the last one was undone.");
         return;
@@ -227,7 +240,9 @@ function report(outcomes, verb, conflictsShown) {
     outcomes.forEach(function (outcome) {
         if (outcome.status === "renamed")
             done += 1;
-        else if (outcome.status === "failed" || (outcome.status === "conflict" && !conflictsShown))
+        else if (outcome.status === "failed")
+            problems.push(outcome.reason); // it names the files
+        else if (outcome.status === "conflict" && !conflictsShown)
             problems.push(outcome.from.split("/").pop() + ": " + outcome.reason);
     });
     if (droppedItems !== null)
@@ -242,14 +257,32 @@ function report(outcomes, verb, conflictsShown) {
                   problems.slice(0, 10).join("\n") + (problems.length > 10 ? "\n…" : ""));
 }
 
+// A batch cut short (Nomen killed, the machine stopped) is dealt with
+// before anything else is renamed: finished, or its files put back.
 function offerToFinishInterruptedRename() {
-    if (!call("hasUnfinishedRename"))
+    var waiting = call("unfinishedRename");
+    if (waiting === null)
         return;
+    if (waiting.problem !== "") {
+        showError("A rename journal cannot be trusted",
+                  "Nomen found the journal of an interrupted rename, but " + waiting.problem +
+                  ". It is kept for inspection; nothing is renamed until it is moved out of the way.");
+        return;
+    }
     var choice = ask("A rename was interrupted",
-                     "Nomen stopped while it was renaming files. Finish that rename, or put the files back under their old names?",
+                     "Nomen stopped while it was renaming " + plural(waiting.items, "item", "items") + " in " +
+                     waiting.folder + ". Finish that rename, or put the files back under their old names?",
                      ["Finish", "Roll Back"]);
-    var ok = choice === "Finish" ? call("finishUnfinishedRename") : call("rollBackUnfinishedRename");
-    if (!ok)
-        showError("The interrupted rename could not be completed",
-                  "Some files could not be moved; they keep the names they have now.");
+    var outcomes;
+    try {
+        outcomes = choice === "Finish" ? call("finishUnfinishedRename") : call("rollBackUnfinishedRename");
+    } catch (refused) {
+        showError("The interrupted rename could not be dealt with", refused.reason || String(refused));
+        return;
+    }
+    var problems = outcomes.filter(function (outcome) { return outcome.status === "failed" || outcome.status === "conflict"; })
+        .map(function (outcome) { return outcome.reason; });
+    if (problems.length > 0)
+        showError("Some files could not be moved",
+                  problems.slice(0, 10).join("\n") + (problems.length > 10 ? "\n…" : ""));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SafeMover.h"
+#include "BatchPlan.h"
 
 #include <QDateTime>
 #include <QStringList>
@@ -42,7 +42,7 @@ QVariantList makeReplacementNames(NameComposer &composer, const BatchRequest &re
 // row order), each with the row it serves.
 struct RowMove {
     int row;
-    SafeMover::Move move;
+    Batch::Move move;
 };
 std::vector<RowMove> movesFor(const QVariantList &rows, const QStringList &newNames);
 

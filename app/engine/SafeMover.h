@@ -1,71 +1,90 @@
 #pragma once
 
+#include "BatchPlan.h"
+#include "BatchRunner.h"
+#include "JournalStore.h"
+
 #include <QString>
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <vector>
 
-// Moves a batch of files to their new names without ever losing one:
-//   plan      every row is checked (an empty, ".", ".." or over-long name, a
-//             "/" or NUL in it, two rows wanting one name, a name taken on
-//             disk by a file that is not itself moving away);
-//   order     chains (a->b, b->c) run back to front, swaps and cycles go
-//             through a temporary name in the same folder, deeper items
-//             before the folders that hold them;
-//   journal   before the first move the whole plan is written and flushed
-//             to disk, and each move is recorded as it completes;
-//   move      never over an existing item; a move that fails leaves its file
-//             where it was and the rest of the batch goes on.
-// Undo moves the last batch back through the same steps. A journal left by
-// a batch that did not finish can be finished or rolled back.
+class BatchObserver;
+
+// Renames a batch of files without ever losing one:
+//   plan     every row is checked and the moves ordered (BatchPlan);
+//   journal  the whole plan is written and flushed before the first move;
+//            if it cannot be, nothing moves;
+//   move     never over an existing item; a move that fails leaves its
+//            file where it was and the rest of the batch goes on;
+//   file     the journal joins the history of batches that can be undone.
+// One run at a time holds the journal folder's lock. A batch cut short at
+// any instant (a kill, a power cut) is left pending: nothing else is done
+// until it is finished or rolled back, each deciding from the disk where
+// every file is. Undo is a batch of its own, moving back only files that
+// are still the ones that were renamed.
 class SafeMover {
 public:
-    struct Move {
-        QString from; // full paths
-        QString to;
+    using Move = Batch::Move;
+    using Status = Batch::Status;
+    using Outcome = Batch::Outcome;
+
+    enum class Refusal {
+        None,
+        Busy,        // another run holds the lock
+        Pending,     // a batch cut short waits to be finished or rolled back
+        Distrusted,  // a journal that is not whole, not ours, or damaged
+        NoJournal,   // the journal could not be written
     };
-    enum class Status { Renamed, Unchanged, Conflict, Failed };
-    struct Outcome {
-        Move move;
-        Status status;
-        QString reason;
+    struct Report {
+        std::vector<Outcome> outcomes;
+        Refusal refusal = Refusal::None;
+        QString refusalText; // nothing was moved, and why
+        bool interrupted = false; // stopped between moves; the batch is pending
+        QString notice; // the moves were made, but something about them is worth telling
+    };
+    struct Pending {
+        BatchJournal::Kind kind = BatchJournal::Kind::Apply;
+        size_t items = 0;
+        QString folder;  // the first folder it renames in
+        QString problem; // why its journal cannot be believed, if it cannot
     };
 
-    explicit SafeMover(QString journalDirectory);
+    explicit SafeMover(QString journalDirectory = JournalStore::defaultDirectory());
 
+    // The outcome of every row, without moving anything.
     static std::vector<Outcome> plan(const std::vector<Move> &moves);
-    std::vector<Outcome> apply(const std::vector<Move> &moves);
-    std::vector<Outcome> undoLast();
+    Report apply(const std::vector<Move> &moves);
+    // Puts the most recent batch of the history back.
+    Report undoLast();
 
-    // A batch that stopped part way, as its journal tells.
-    bool hasUnfinishedBatch() const;
-    bool finishUnfinished();
-    bool rollBackUnfinished();
+    std::optional<Pending> pending() const;
+    Report finishPending();
+    Report rollBackPending();
 
-    // Called after each move of a batch with the moves made and the total.
+    // Holds the lock across several calls (the command line holds it from
+    // listing to renaming, so what it lists is what it renames); answers
+    // what stands in the way, or "".
+    QString hold();
+    void release();
+
     std::function<void(size_t done, size_t total)> progress;
+    const std::atomic<bool> *interruption = nullptr;
+    BatchObserver *observer = nullptr; // for tests
+    int lockWaitMs = 2000;
 
-    // For tests: the batch stops dead after this many renames, as a killed
-    // process would.
-    std::optional<int> stopAfterSteps;
+    const JournalStore &store() const { return m_store; }
 
 private:
-    struct Step {
-        QString from;
-        QString to;
-        int row; // the row it serves, -1 for none
-    };
-    struct Journal {
-        std::vector<Step> steps;
-        std::vector<bool> done;
-        bool finished = false;
-    };
-    std::vector<Step> order(const std::vector<Outcome> &planned) const;
-    bool run(std::vector<Step> &steps, std::vector<bool> &done, const QString &journalPath,
-             const std::function<void(int row, int error)> &report);
-    std::optional<Journal> readJournal(const QString &path) const;
-    QString currentJournal() const;
-    QString lastJournal() const;
+    class Locked;
+    BatchRunner::Hooks hooks();
+    std::optional<Report> refuseIfPending() const;
+    static Report refusedJournal(const QString &path, const QString &why);
+    Report execute(BatchPlan &plan, std::vector<Outcome> alsoReported);
+    Report continuePending(BatchJournal &journal);
+    Report settle(const BatchJournal &journal, const BatchRunner::Result &result, Report report);
+    QString settleUndo(const QString &entry);
 
-    QString m_directory;
+    JournalStore m_store;
 };

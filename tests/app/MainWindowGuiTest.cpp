@@ -4,6 +4,7 @@
 #include "MainScript.h"
 #include "MethodTable.h"
 #include "RZApplication.h"
+#include "BatchObserver.h"
 #include "SafeMover.h"
 #include "TestPrinting.h"
 
@@ -218,12 +219,24 @@ TEST(MainWindow, ABatchCutShortIsOfferedForRollBackAtTheNextStart)
 {
     QTemporaryDir folder;
     makeFiles(folder.path(), {"1.txt", "2.txt", "3.txt", "4.txt"});
+    // Stopped after two moves, as Ctrl-C in the command line stops it.
+    class StopAfterTwo : public BatchObserver {
+    public:
+        int at(BatchPoint point, size_t index, const QString &) override
+        {
+            if (point == BatchPoint::Moved && index == 1)
+                stop.store(true);
+            return 0;
+        }
+        std::atomic<bool> stop{false};
+    } stopper;
     SafeMover crashing(home->path() + QStringLiteral("/data/nomen"));
-    crashing.stopAfterSteps = 2;
+    crashing.observer = &stopper;
+    crashing.interruption = &stopper.stop;
     std::vector<SafeMover::Move> moves;
     for (const QString name : {"1", "2", "3", "4"})
         moves.push_back({folder.path() + u'/' + name + QStringLiteral(".txt"), folder.path() + u'/' + name + QStringLiteral(".moved")});
-    crashing.apply(moves);
+    ASSERT_TRUE(crashing.apply(moves).interrupted);
     ASSERT_EQ(namesIn(folder.path()).filter(QStringLiteral(".moved")).size(), 2);
 
     answerNextQuestion(QStringLiteral("Roll Back"));

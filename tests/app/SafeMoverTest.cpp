@@ -1,231 +1,305 @@
-#include "PathCodec.h"
+#include "BatchObserver.h"
+#include "FileMoves.h"
+#include "FileTree.h"
 #include "SafeMover.h"
 #include "TestPrinting.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace {
 
+using S = SafeMover::Status;
+using Files = QMap<QString, QByteArray>;
+
 class SafeMoves : public testing::Test {
 protected:
-    QString path(const QString &name) const { return dir.filePath(QStringLiteral("files/") + name); }
-    void make(const QString &name, const QByteArray &contents)
+    SafeMover::Move move(const QString &from, const QString &to) const { return {tree.path(from), tree.path(to)}; }
+    std::vector<SafeMover::Move> moves(const std::vector<std::pair<QString, QString>> &pairs) const
     {
-        QDir().mkpath(QFileInfo(path(name)).absolutePath());
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(contents);
+        std::vector<SafeMover::Move> list;
+        for (const auto &[from, to] : pairs)
+            list.push_back(move(from, to));
+        return list;
     }
-    QByteArray read(const QString &name) const
+    static QList<S> statuses(const std::vector<SafeMover::Outcome> &outcomes)
     {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-    }
-    QStringList listing() const
-    {
-        QStringList names = QDir(dir.filePath(QStringLiteral("files"))).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-        names.sort();
-        return names;
-    }
-    SafeMover::Move move(const QString &from, const QString &to) const { return {path(from), path(to)}; }
-    static QList<SafeMover::Status> statuses(const std::vector<SafeMover::Outcome> &outcomes)
-    {
-        QList<SafeMover::Status> list;
+        QList<S> list;
         for (const auto &outcome : outcomes)
             list.append(outcome.status);
         return list;
     }
 
     QTemporaryDir dir;
-    SafeMover mover{dir.filePath(QStringLiteral("journal"))};
+    FileTree tree{dir.filePath(QStringLiteral("files"))};
+    QString journals = dir.filePath(QStringLiteral("journal"));
+    SafeMover mover{journals};
 };
 
-using S = SafeMover::Status;
+// Answers an errno value at chosen points.
+class Failing : public BatchObserver {
+public:
+    Failing(BatchPoint point, int error) : m_point(point), m_error(error) {}
+    int at(BatchPoint point, size_t, const QString &) override { return point == m_point ? m_error : 0; }
 
-TEST_F(SafeMoves, ChainsSwapsAndCyclesAllArrive)
+private:
+    BatchPoint m_point;
+    int m_error;
+};
+
+TEST_F(SafeMoves, ChainsSwapsAndCyclesArriveAndUndoPutsThemBack)
 {
-    make("a", "A");
-    make("b", "B");
-    make("c", "C");
-    make("x", "X");
-    make("y", "Y");
-    // a->b->c->d is a chain; x<->y is a swap.
-    const auto outcomes = mover.apply({move("a", "b"), move("b", "c"), move("c", "d"), move("x", "y"), move("y", "x")});
-    EXPECT_EQ(statuses(outcomes), QList<S>({S::Renamed, S::Renamed, S::Renamed, S::Renamed, S::Renamed}));
-    EXPECT_EQ(read("b"), QByteArray("A"));
-    EXPECT_EQ(read("c"), QByteArray("B"));
-    EXPECT_EQ(read("d"), QByteArray("C"));
-    EXPECT_EQ(read("x"), QByteArray("Y"));
-    EXPECT_EQ(read("y"), QByteArray("X"));
-    EXPECT_EQ(listing(), QStringList({"b", "c", "d", "x", "y"})) << "nothing left under a temporary name";
-
-    // A three-cycle, then undo puts everything back.
-    const auto cycle = mover.apply({move("b", "c"), move("c", "d"), move("d", "b")});
-    EXPECT_EQ(statuses(cycle), QList<S>({S::Renamed, S::Renamed, S::Renamed}));
-    EXPECT_EQ(read("c"), QByteArray("A"));
-    EXPECT_EQ(read("d"), QByteArray("B"));
-    EXPECT_EQ(read("b"), QByteArray("C"));
-    mover.undoLast();
-    EXPECT_EQ(read("b"), QByteArray("A"));
-    EXPECT_EQ(read("c"), QByteArray("B"));
-    EXPECT_EQ(read("d"), QByteArray("C"));
-    EXPECT_EQ(listing(), QStringList({"b", "c", "d", "x", "y"}));
+    ASSERT_TRUE(tree.makeAll({"a", "b", "c", "x", "y", "p", "q", "r"}));
+    const Files before = tree.files();
+    // a->b->c->d is a chain, x<->y a swap, p->q->r->p a cycle.
+    const auto report = mover.apply(moves({{"a", "b"}, {"b", "c"}, {"c", "d"}, {"x", "y"}, {"y", "x"}, {"p", "q"}, {"q", "r"}, {"r", "p"}}));
+    EXPECT_EQ(statuses(report.outcomes), QList<S>(8, S::Renamed));
+    EXPECT_EQ(tree.files(), Files({{"b", "a"}, {"c", "b"}, {"d", "c"}, {"x", "y"}, {"y", "x"}, {"q", "p"}, {"r", "q"}, {"p", "r"}}))
+        << "nothing left under a temporary name";
+    const auto undone = mover.undoLast();
+    EXPECT_EQ(statuses(undone.outcomes), QList<S>(8, S::Renamed));
+    EXPECT_EQ(tree.files(), before);
+    EXPECT_TRUE(mover.undoLast().outcomes.empty()) << "the history is empty again";
 }
 
-TEST_F(SafeMoves, ShiftByOneOverAThousandNumberedFiles)
+TEST_F(SafeMoves, EveryRowIsCheckedBeforeAnythingMoves)
 {
-    std::vector<SafeMover::Move> moves;
-    for (int i = 1; i <= 1000; ++i) {
-        make(QStringLiteral("%1.jpg").arg(i, 4, 10, QLatin1Char('0')), QByteArray::number(i));
-        moves.push_back(move(QStringLiteral("%1.jpg").arg(i, 4, 10, QLatin1Char('0')), QStringLiteral("%1.jpg").arg(i + 1, 4, 10, QLatin1Char('0'))));
+    ASSERT_TRUE(tree.makeAll({"a", "b", "c", "taken", "linked", "sub/z"}));
+    ASSERT_EQ(link(PathCodec::encode(tree.path("linked")).constData(), PathCodec::encode(tree.path("hardlink")).constData()), 0);
+    const Files before = tree.files();
+    struct Row {
+        SafeMover::Move move;
+        S status;
+        QString reason;
+    };
+    const Row rows[] = {
+        {move("a", "same"), S::Conflict, "another row takes the same new name \"same\""},
+        {move("b", "same"), S::Conflict, "another row takes the same new name \"same\""},
+        {move("c", "taken"), S::Conflict, "a file named \"taken\" is already there"},
+        {move("taken", "taken"), S::Unchanged, ""},
+        {move("a", ""), S::Conflict, "the new name is empty"},
+        {move("a", ".."), S::Conflict, "\"..\" cannot be a name"},
+        {move("a", "sub/b"), S::Conflict, "the new name \"sub/b\" holds \"/\""},
+        {move("a", "../up_a"), S::Conflict, "the new name \"../up_a\" holds \"/\""},
+        {{tree.path("a"), dir.filePath("elsewhere")}, S::Conflict, QStringLiteral("\"%1\" is not in the folder of \"%2\"").arg(dir.filePath("elsewhere"), tree.path("a"))},
+        {move("a", QStringLiteral("n") + QChar(0)), S::Conflict, "the new name holds a NUL character"},
+        {move("a", QString(256, u'n')), S::Conflict, "the new name is longer than 255 bytes"},
+        {move("missing", "m2"), S::Failed, QStringLiteral("\"%1\" is no longer there").arg(tree.path("missing"))},
+        {move("nowhere/m", "nowhere/m3"), S::Failed, QStringLiteral("no such folder \"%1\"").arg(tree.path("nowhere"))},
+        {move("linked", "l2"), S::Renamed, ""},
+        {move("hardlink", "l3"), S::Conflict, "\"hardlink\" is another name of the file \"linked\", which an earlier row moves"},
+    };
+    std::vector<SafeMover::Move> list;
+    for (const Row &row : rows)
+        list.push_back(row.move);
+    const std::vector<SafeMover::Outcome> planned = SafeMover::plan(list);
+    for (size_t i = 0; i < std::size(rows); ++i) {
+        EXPECT_EQ(planned[i].status, rows[i].status) << i;
+        EXPECT_EQ(planned[i].reason, rows[i].reason) << i;
     }
-    const auto outcomes = mover.apply(moves);
-    EXPECT_EQ(std::count_if(outcomes.begin(), outcomes.end(), [](const auto &o) { return o.status == S::Renamed; }), 1000);
-    EXPECT_EQ(read("0002.jpg"), QByteArray("1"));
-    EXPECT_EQ(read("1001.jpg"), QByteArray("1000"));
-    EXPECT_EQ(read("0001.jpg"), QByteArray("<missing>"));
+    EXPECT_EQ(tree.files(), before) << "a plan moves nothing";
 }
 
-TEST_F(SafeMoves, ConflictsAreFoundBeforeAnythingMoves)
+TEST_F(SafeMoves, NamesThatMaySurpriseAreWarnedAboutAndStillGiven)
 {
-    make("a", "A");
-    make("b", "B");
-    make("taken", "T");
-    make("c", "C");
-    const auto outcomes = mover.apply({move("a", "same"), move("b", "same"), move("c", "taken"), move("taken", "taken"),
-                                       move("a", ""), move("a", ".."), move("a", QString(256, u'n'))});
-    EXPECT_EQ(statuses(outcomes), QList<S>({S::Conflict, S::Conflict, S::Conflict, S::Unchanged, S::Conflict, S::Conflict, S::Conflict}));
-    EXPECT_TRUE(outcomes[2].reason.contains(QStringLiteral("already there")));
-    EXPECT_EQ(listing(), QStringList({"a", "b", "c", "taken"}));
-    // A name taken by a file that moves away in the same batch is free.
-    EXPECT_EQ(statuses(mover.apply({move("c", "taken"), move("taken", "t2")})), QList<S>({S::Renamed, S::Renamed}));
-    EXPECT_EQ(read("taken"), QByteArray("C"));
+    ASSERT_TRUE(tree.makeAll({"a", "b", "c", ".d"}));
+    const auto report = mover.apply(moves({{"a", ".a"}, {"b", " b"}, {"c", "c "}, {".d", ".e"}}));
+    EXPECT_EQ(statuses(report.outcomes), QList<S>(4, S::Renamed));
+    EXPECT_EQ(report.outcomes[0].warning, "the new name starts with \".\": the item will be hidden");
+    EXPECT_EQ(report.outcomes[1].warning, "the new name starts with a space");
+    EXPECT_EQ(report.outcomes[2].warning, "the new name ends with a space");
+    EXPECT_EQ(report.outcomes[3].warning, "") << "it was hidden already";
+}
+
+TEST_F(SafeMoves, RelativePathsAreResolvedSoUndoWorksFromAnywhere)
+{
+    ASSERT_TRUE(tree.makeAll({"a"}));
+    ASSERT_TRUE(QDir().mkpath(dir.filePath("elsewhere")));
+    ASSERT_EQ(symlink(PathCodec::encode(tree.root()).constData(), PathCodec::encode(dir.filePath("elsewhere/link")).constData()), 0);
+    const QString here = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(dir.filePath("elsewhere")));
+    const auto report = mover.apply({{"link/a", "link/b"}});
+    ASSERT_TRUE(QDir::setCurrent(here));
+    EXPECT_EQ(statuses(report.outcomes), QList<S>({S::Renamed}));
+    EXPECT_EQ(tree.files(), Files({{"b", "a"}}));
+    EXPECT_EQ(statuses(mover.undoLast().outcomes), QList<S>({S::Renamed}));
+    EXPECT_EQ(tree.files(), Files({{"a", "a"}}));
 }
 
 // A folder with many moves is read once instead of each name being looked
 // up; the answers must be the same, and a batch reports its progress.
 TEST_F(SafeMoves, ManyMovesInOneFolderFindTheSameConflicts)
 {
-    std::vector<SafeMover::Move> moves;
+    std::vector<SafeMover::Move> list;
     for (int i = 0; i < 100; ++i) {
-        make(QStringLiteral("f%1").arg(i), QByteArray::number(i));
-        moves.push_back(move(QStringLiteral("f%1").arg(i), QStringLiteral("g%1").arg(i)));
+        ASSERT_TRUE(tree.make(QStringLiteral("f%1").arg(i), QByteArray::number(i)));
+        list.push_back(move(QStringLiteral("f%1").arg(i), QStringLiteral("g%1").arg(i)));
     }
-    make("g7", "someone else's");
-    moves.push_back(move("missing", "g100"));
-    moves.push_back(move("f8", "h8")); // a second move of one file
+    ASSERT_TRUE(tree.make("g7", "someone else's"));
+    list.push_back(move("f8", "h8")); // a second move of one file
     std::vector<size_t> reported;
     mover.progress = [&](size_t done, size_t total) {
         EXPECT_EQ(total, 99u);
         reported.push_back(done);
     };
-    const auto outcomes = mover.apply(moves);
+    const auto outcomes = mover.apply(list).outcomes;
     EXPECT_EQ(outcomes[7].status, S::Conflict);
-    EXPECT_EQ(outcomes[100].status, S::Failed);
-    EXPECT_EQ(outcomes[100].reason, "the file is no longer there");
     EXPECT_EQ(outcomes[8].status, S::Renamed);
-    EXPECT_EQ(outcomes[101].status, S::Conflict);
-    EXPECT_EQ(outcomes[101].reason, "an earlier row moves the same file");
-    EXPECT_EQ(read("g7"), QByteArray("someone else's"));
-    EXPECT_EQ(read("g99"), QByteArray("99"));
+    EXPECT_EQ(outcomes[100].reason, "an earlier row moves the same file");
+    EXPECT_EQ(tree.read("g7"), "someone else's");
+    EXPECT_EQ(tree.read("g99"), "99");
     ASSERT_EQ(reported.size(), 99u);
     EXPECT_EQ(reported.back(), 99u);
 }
 
-TEST_F(SafeMoves, ATargetThatAppearsAfterPlanningIsNotOverwritten)
+TEST_F(SafeMoves, AFailedMoveLeavesItsFileNamesItAndTheRestGoesOn)
 {
-    make("a", "A");
-    make("b", "B");
-    const auto planned = SafeMover::plan({move("a", "late")});
-    EXPECT_EQ(planned[0].status, S::Renamed);
-    make("late", "someone else's");
-    const auto outcomes = mover.apply({move("a", "late"), move("b", "c")});
-    EXPECT_EQ(outcomes[0].status, S::Conflict);
-    EXPECT_EQ(read("late"), QByteArray("someone else's"));
-    EXPECT_EQ(read("a"), QByteArray("A"));
-    EXPECT_EQ(read("c"), QByteArray("B")) << "the rest of the batch goes on";
-}
-
-TEST_F(SafeMoves, AFailedMoveLeavesItsFileAndTheRestGoesOn)
-{
-    make("locked/a", "A");
-    make("b", "B");
-    make("d", "D");
-    chmod(QFile::encodeName(path("locked")).constData(), 0555);
-    // Root may write into a read-only folder; a missing folder stops anyone.
-    const bool root = geteuid() == 0;
-    const auto outcomes = mover.apply({move("locked/a", "locked/z"), move("d", "nowhere/z"), move("b", "c")});
-    chmod(QFile::encodeName(path("locked")).constData(), 0755);
-    if (!root) {
-        EXPECT_EQ(outcomes[0].status, S::Failed);
-        EXPECT_EQ(read("locked/a"), QByteArray("A"));
-    }
-    EXPECT_EQ(outcomes[1].status, S::Failed);
-    EXPECT_EQ(read("d"), QByteArray("D"));
-    EXPECT_EQ(outcomes[2].status, S::Renamed);
-    EXPECT_EQ(read("c"), QByteArray("B"));
-}
-
-TEST_F(SafeMoves, ChildrenMoveBeforeTheirFolder)
-{
-    make("Album/one.jpg", "1");
-    const auto outcomes = mover.apply({move("Album", "Trip"), move("Album/one.jpg", "Album/first.jpg")});
-    EXPECT_EQ(statuses(outcomes), QList<S>({S::Renamed, S::Renamed}));
-    EXPECT_EQ(read("Trip/first.jpg"), QByteArray("1"));
-}
-
-TEST_F(SafeMoves, AKilledBatchIsFinishedOrRolledBackWithEveryFileIntact)
-{
-    for (int k = 0; k <= 7; ++k) {
-        for (bool finish : {true, false}) {
-            QDir(dir.filePath("files")).removeRecursively();
-            make("a", "A");
-            make("b", "B");
-            make("c", "C");
-            make("d", "D");
-            // A 3-cycle (with a step aside) and one plain rename: 5 steps.
-            SafeMover dying(dir.filePath(QStringLiteral("journal")));
-            dying.stopAfterSteps = k;
-            dying.apply({move("a", "b"), move("b", "c"), move("c", "a"), move("d", "e")});
-            SafeMover next(dir.filePath(QStringLiteral("journal")));
-            if (k < 5) {
-                ASSERT_TRUE(next.hasUnfinishedBatch()) << k;
-                if (finish)
-                    next.finishUnfinished();
-                else
-                    next.rollBackUnfinished();
-            }
-            const QStringList after = listing();
-            if (finish || k >= 5) {
-                EXPECT_EQ(after, QStringList({"a", "b", "c", "e"})) << k;
-                EXPECT_EQ(read("b"), QByteArray("A")) << k;
-                EXPECT_EQ(read("a"), QByteArray("C")) << k;
-                next.undoLast();
-            }
-            EXPECT_EQ(listing(), QStringList({"a", "b", "c", "d"})) << k << finish;
-            EXPECT_EQ(read("a") + read("b") + read("c") + read("d"), QByteArray("ABCD")) << k << finish;
-            EXPECT_FALSE(next.hasUnfinishedBatch());
+    ASSERT_TRUE(tree.makeAll({"a", "b", "x", "y"}));
+    // The swap's first move fails; a name appears after planning.
+    class Interference : public BatchObserver {
+    public:
+        explicit Interference(FileTree &tree) : m_tree(tree) {}
+        int at(BatchPoint point, size_t, const QString &path) override
+        {
+            if (point == BatchPoint::Move && path == m_tree.path("x"))
+                return EACCES;
+            if (point == BatchPoint::Move && path == m_tree.path("a"))
+                m_tree.make("c", "appeared");
+            return 0;
         }
-    }
+        FileTree &m_tree;
+    } interference(tree);
+    mover.observer = &interference;
+    const auto outcomes = mover.apply(moves({{"x", "y"}, {"y", "x"}, {"a", "c"}, {"b", "d"}})).outcomes;
+    EXPECT_EQ(statuses(outcomes), QList<S>({S::Failed, S::Failed, S::Failed, S::Renamed}));
+    EXPECT_TRUE(outcomes[0].reason.startsWith(QStringLiteral("\"%1\" could not be moved aside to \".nomen-moving-").arg(tree.path("x"))))
+        << outcomes[0].reason.toStdString();
+    EXPECT_TRUE(outcomes[0].reason.endsWith("Permission denied")) << outcomes[0].reason.toStdString();
+    EXPECT_EQ(outcomes[1].reason,
+              QStringLiteral("\"%1\" could not be renamed to \"x\": the file with that name could not be moved out of the way").arg(tree.path("y")));
+    EXPECT_EQ(outcomes[2].reason, QStringLiteral("\"%1\" could not be renamed to \"c\": an item with that name is already there").arg(tree.path("a")));
+    EXPECT_EQ(tree.files(), Files({{"a", "a"}, {"c", "appeared"}, {"d", "b"}, {"x", "x"}, {"y", "y"}}));
+}
+
+TEST_F(SafeMoves, FoldersMoveAfterTheirContentsAndComeBackWithThem)
+{
+    ASSERT_TRUE(tree.makeAll({"Album/one.jpg", "Album/Inner/two.jpg", "Other/three.jpg"}));
+    const Files before = tree.files();
+    // Two folders swap names while the files inside them are renamed.
+    const auto report = mover.apply(moves({{"Album", "Other"}, {"Other", "Album"}, {"Album/one.jpg", "Album/first.jpg"},
+                                           {"Album/Inner", "Album/Deep"}, {"Album/Inner/two.jpg", "Album/Inner/second.jpg"},
+                                           {"Other/three.jpg", "Other/third.jpg"}}));
+    EXPECT_EQ(statuses(report.outcomes), QList<S>(6, S::Renamed));
+    EXPECT_EQ(tree.files(), Files({{"Other/first.jpg", "Album/one.jpg"}, {"Other/Deep/second.jpg", "Album/Inner/two.jpg"},
+                                   {"Album/third.jpg", "Other/three.jpg"}}));
+    EXPECT_EQ(statuses(mover.undoLast().outcomes), QList<S>(6, S::Renamed));
+    EXPECT_EQ(tree.files(), before);
 }
 
 TEST_F(SafeMoves, NamesThatAreNotUtf8GoThroughTheWholePath)
 {
-    QDir().mkpath(dir.filePath("files"));
-    const QByteArray raw = PathCodec::encode(dir.filePath("files")) + "/raw\xff";
-    FILE *file = fopen(raw.constData(), "w");
-    ASSERT_NE(file, nullptr);
-    fputs("R", file);
-    fclose(file);
-    const QString from = PathCodec::decode(raw);
-    const QString to = PathCodec::decode(PathCodec::encode(dir.filePath("files")) + "/new\xfe");
-    EXPECT_EQ(mover.apply({{from, to}})[0].status, S::Renamed);
+    const QString raw = PathCodec::decode("raw\xff");
+    const QString renamed = PathCodec::decode("new\xfe");
+    ASSERT_TRUE(tree.make(raw, "R"));
+    EXPECT_EQ(mover.apply({move(raw, renamed)}).outcomes[0].status, S::Renamed);
+    EXPECT_EQ(tree.files().keys(), QStringList({renamed}));
     mover.undoLast();
-    EXPECT_EQ(access(raw.constData(), F_OK), 0) << "undone through the journal, byte for byte";
+    EXPECT_EQ(unlink(PathCodec::encode(tree.path(raw)).constData()), 0) << "undone through the journal, byte for byte";
+}
+
+TEST_F(SafeMoves, UndoGoesBackThroughTheLastTwentyBatches)
+{
+    ASSERT_TRUE(tree.makeAll({"n0"}));
+    for (int i = 0; i < 22; ++i)
+        ASSERT_EQ(mover.apply({move(QStringLiteral("n%1").arg(i), QStringLiteral("n%1").arg(i + 1))}).outcomes[0].status, S::Renamed);
+    // A batch that moves nothing leaves the history as it is.
+    EXPECT_EQ(mover.apply({move("missing", "other")}).outcomes[0].status, S::Failed);
+    EXPECT_EQ(mover.store().history().size(), JournalStore::KeptBatches);
+    for (int i = 22; i > 2; --i) {
+        ASSERT_EQ(statuses(mover.undoLast().outcomes), QList<S>({S::Renamed})) << i;
+        ASSERT_EQ(tree.files(), Files({{QStringLiteral("n%1").arg(i - 1), "n0"}})) << i;
+    }
+    EXPECT_TRUE(mover.undoLast().outcomes.empty()) << "older batches are forgotten";
+}
+
+TEST_F(SafeMoves, UndoPutsBackOnlyTheSameFilesAndKeepsWhatItCouldNotDo)
+{
+    ASSERT_TRUE(tree.makeAll({"a", "b", "c"}));
+    mover.apply(moves({{"a", "A"}, {"b", "B"}, {"c", "C"}}));
+    // "A" is replaced by another file; "b" is taken by a newcomer.
+    ASSERT_EQ(unlink(PathCodec::encode(tree.path("A")).constData()), 0);
+    ASSERT_TRUE(tree.make("A", "impostor"));
+    ASSERT_TRUE(tree.make("b", "newcomer"));
+    const auto first = mover.undoLast().outcomes;
+    EXPECT_EQ(statuses(first), QList<S>({S::Conflict, S::Renamed, S::Failed}));
+    EXPECT_EQ(first[0].reason, "a file named \"b\" is already there");
+    EXPECT_EQ(first[2].reason, QStringLiteral("\"%1\" is no longer the file that was renamed from \"%2\"; it is left alone")
+                                   .arg(tree.path("A"), tree.path("a")));
+    EXPECT_EQ(tree.files(), Files({{"A", "impostor"}, {"B", "b"}, {"b", "newcomer"}, {"c", "c"}}));
+    // Once "b" is free the same undo can be tried again; then it is done.
+    ASSERT_EQ(unlink(PathCodec::encode(tree.path("b")).constData()), 0);
+    EXPECT_EQ(statuses(mover.undoLast().outcomes), QList<S>({S::Renamed, S::Failed}));
+    EXPECT_EQ(tree.files(), Files({{"A", "impostor"}, {"b", "b"}, {"c", "c"}}));
+    EXPECT_TRUE(mover.store().history().isEmpty());
+}
+
+TEST_F(SafeMoves, OneRunAtATime)
+{
+    ASSERT_TRUE(tree.makeAll({"a"}));
+    SafeMover other(journals);
+    other.lockWaitMs = 100;
+    ASSERT_EQ(mover.hold(), "");
+    for (const SafeMover::Report &report : {other.apply({move("a", "b")}), other.undoLast(), other.finishPending()}) {
+        EXPECT_EQ(report.refusal, SafeMover::Refusal::Busy);
+        EXPECT_TRUE(report.refusalText.startsWith("another Nomen run is renaming files")) << report.refusalText.toStdString();
+    }
+    EXPECT_EQ(mover.apply({move("a", "b")}).outcomes[0].status, S::Renamed) << "the holder may go on";
+    mover.release();
+    EXPECT_EQ(other.apply({move("b", "c")}).outcomes[0].status, S::Renamed);
+}
+
+TEST_F(SafeMoves, AJournalThatCannotBeWrittenMovesNothing)
+{
+    for (const BatchPoint point : {BatchPoint::WriteJournal, BatchPoint::FlushJournal, BatchPoint::PlaceJournal}) {
+        ASSERT_TRUE(tree.makeAll({"a", "b"}));
+        Failing full(point, ENOSPC);
+        mover.observer = &full;
+        const auto report = mover.apply(moves({{"a", "b"}, {"b", "a"}}));
+        EXPECT_EQ(report.refusal, SafeMover::Refusal::NoJournal);
+        EXPECT_TRUE(report.refusalText.contains("No space left on device")) << report.refusalText.toStdString();
+        EXPECT_EQ(statuses(report.outcomes), QList<S>(2, S::Failed));
+        EXPECT_EQ(tree.files(), Files({{"a", "a"}, {"b", "b"}}));
+        EXPECT_FALSE(mover.pending());
+        EXPECT_FALSE(QFile::exists(journals + "/pending.journal.new"));
+    }
+}
+
+TEST_F(SafeMoves, FileSystemsWithoutTheNoReplaceFlag)
+{
+    ASSERT_TRUE(tree.makeAll({"a", "b", "taken", "Folder/in"}));
+    Failing unknownFlag(BatchPoint::Move, EINVAL);
+    mover.observer = &unknownFlag;
+    const auto report = mover.apply(moves({{"a", "b"}, {"b", "a"}, {"Folder", "Renamed"}}));
+    EXPECT_EQ(statuses(report.outcomes), QList<S>(3, S::Renamed));
+    EXPECT_EQ(tree.files(), Files({{"a", "b"}, {"b", "a"}, {"Renamed/in", "Folder/in"}, {"taken", "taken"}}));
+    // Hard link then unlink: nothing replaced even when the name appears late.
+    EXPECT_EQ(FileMoves::move(tree.path("a"), tree.path("taken"), {EINVAL, {}}).error, EEXIST);
+    EXPECT_EQ(FileMoves::move(tree.path("Renamed"), tree.path("taken"), {EINVAL, {}}).error, EEXIST);
+    EXPECT_EQ(tree.read("taken"), "taken");
+}
+
+TEST_F(SafeMoves, AcrossFileSystemsTheCopyIsRecordedSoUndoFindsIt)
+{
+    ASSERT_TRUE(tree.makeAll({"a", "Folder/in"}));
+    Failing elsewhere(BatchPoint::Move, EXDEV);
+    mover.observer = &elsewhere;
+    EXPECT_EQ(statuses(mover.apply(moves({{"a", "b"}, {"Folder", "Moved"}})).outcomes), QList<S>(2, S::Renamed));
+    EXPECT_EQ(tree.files(), Files({{"b", "a"}, {"Moved/in", "Folder/in"}}));
+    mover.observer = nullptr;
+    EXPECT_EQ(statuses(mover.undoLast().outcomes), QList<S>(2, S::Renamed)) << "the copies are the files now";
+    EXPECT_EQ(tree.files(), Files({{"a", "a"}, {"Folder/in", "Folder/in"}}));
 }
 
 } // namespace

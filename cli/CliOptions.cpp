@@ -1,0 +1,136 @@
+#include "CliOptions.h"
+
+#include "PathCodec.h"
+
+#include <climits>
+#include <cstdlib>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace CliOptions {
+
+namespace {
+
+const QStringList cases = {"UPPERCASE", "lowercase", "Title Case", "Sentence case"};
+const QStringList numberOptions = {"start", "step", "zeros", "trim-start", "trim-end"};
+
+qint32 number(const QCommandLineParser &options, const QString &name)
+{
+    return options.value(name).trimmed().toInt();
+}
+
+} // namespace
+
+void declare(QCommandLineParser &options)
+{
+    options.setApplicationDescription(QStringLiteral(
+        "Renames the files of folders by a rule, as the Nomen window does.\n"
+        "A dry run unless --apply is given.\n\n"
+        "Examples:\n"
+        "  nomen-cli --prefix 'Trip «#» ' --zeros 3 --ext-filter jpg ~/Pictures/Trip\n"
+        "  nomen-cli --grep --search 'IMG_(\\d+)' --replace 'photo $1' --apply ~/Pictures/Trip\n"
+        "  nomen-cli --undo\n\n"
+        "Exit codes: 0 success, 1 conflicts, 2 failures, 3 refused (a batch cut short\n"
+        "waits for --finish or --roll-back, or a journal cannot be believed), 64 usage,\n"
+        "66 no such folder, 75 another run is renaming, 130 interrupted."));
+    options.addHelpOption();
+    options.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("Folders or files to rename."), QStringLiteral("folder..."));
+    options.addOptions({
+        {"prefix", "Text before the name (tokens: «#» counter, «ƒ» folder, «date FORMAT», «YYYY-MM-DD»...).", "text"},
+        {"suffix", "Text after the name, with the same tokens.", "text"},
+        {"start", "First counter value.", "n", "1"},
+        {"step", "Counter increment.", "n", "1"},
+        {"zeros", "Minimum counter digits.", "n", "0"},
+        {"no-original", "Leave the original name out."},
+        {"search", "Text to search in the name.", "text"},
+        {"replace", "Replacement text.", "text"},
+        {"grep", "Search with a Perl regular expression."},
+        {"ignore-case", "Ignore case in a GREP search."},
+        {"trim-start", "Characters dropped from the start (negative empties the name).", "n", "0"},
+        {"trim-end", "Characters dropped from the end (negative keeps the last n).", "n", "0"},
+        {"case", "UPPERCASE, lowercase, Title Case or Sentence case.", "name"},
+        {"strip-diacritics", "Remove accents."},
+        {"extension", "New extension.", "ext"},
+        {"ext-case", "Case of the extension.", "name"},
+        {"date-source", "Date for date tokens: none, now, created or modified.", "source", "none"},
+        {"exif", "Take creation dates from the photographs' EXIF data."},
+        {"recursive", "Descend into subfolders."},
+        {"folders", "Rename the folders below the named ones too, after their contents; files are then renamed only when --type, --ext-filter or --long-names picks them."},
+        {"long-names", "With --folders: the files whose names have 32 characters or more."},
+        {"ext-filter", "Only these extensions (comma-separated, exact).", "list"},
+        {"type", "Only these four-character type codes (comma-separated).", "list"},
+        {"sort", "Row order: name (natural), date, size or none (the file system's).", "order", "name"},
+        {"apply", "Rename the files (through the safe mover, with undo)."},
+        {"undo", "Put the last batch back (repeat to go further back)."},
+        {"finish", "Finish a batch that was cut short."},
+        {"roll-back", "Put the files of a batch that was cut short back under their old names."},
+        {"json", "Answer in JSON."},
+    });
+}
+
+QString problem(const QCommandLineParser &options)
+{
+    for (const QString &name : numberOptions) {
+        bool ok = false;
+        options.value(name).trimmed().toInt(&ok);
+        if (!ok)
+            return QStringLiteral("nomen-cli: --%1 takes a whole number, not \"%2\"").arg(name, options.value(name));
+    }
+    const std::pair<QString, QStringList> choices[] = {{"sort", {"name", "date", "size", "none"}},
+                                                       {"date-source", {"none", "now", "created", "modified"}},
+                                                       {"case", cases},
+                                                       {"ext-case", cases}};
+    for (const auto &[option, allowed] : choices)
+        if (options.isSet(option) && !allowed.contains(options.value(option)))
+            return QStringLiteral("nomen-cli: --%1 takes one of: %2").arg(option, allowed.join(QStringLiteral(", ")));
+    int commands = 0;
+    for (const char *command : {"apply", "undo", "finish", "roll-back"})
+        commands += options.isSet(QString::fromLatin1(command));
+    if (commands > 1)
+        return QStringLiteral("nomen-cli: choose one of --apply, --undo, --finish and --roll-back");
+    return {};
+}
+
+QVariantList settings(const QCommandLineParser &options)
+{
+    QString extension = options.value("extension");
+    if (!extension.isEmpty() && !extension.startsWith(u'.'))
+        extension.prepend(u'.');
+    return {options.value("prefix"), number(options, "start"), number(options, "step"), true,
+            number(options, "zeros"), !options.isSet("no-original"), options.value("search"),
+            options.value("replace"), options.isSet("grep") ? QStringLiteral("GREP") : QStringLiteral("literal"),
+            !options.isSet("ignore-case"), number(options, "trim-start"), number(options, "trim-end"),
+            options.isSet("case"), options.value("case"), options.isSet("strip-diacritics"), options.value("suffix"),
+            number(options, "start"), number(options, "step"), true, number(options, "zeros"),
+            extension, options.isSet("extension"), options.isSet("ext-case"), options.value("ext-case")};
+}
+
+qint32 dateChoice(const QCommandLineParser &options)
+{
+    return qint32(QStringList({"none", "now", "created", "modified"}).indexOf(options.value("date-source")));
+}
+
+std::optional<QString> resolvedArgument(const QString &argument)
+{
+    QByteArray path = PathCodec::encode(argument);
+    if (!path.startsWith('/')) {
+        char here[PATH_MAX];
+        if (!getcwd(here, sizeof here))
+            return std::nullopt;
+        path = QByteArray(here) + '/' + path;
+    }
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    struct stat info;
+    if (lstat(path.constData(), &info) != 0)
+        return std::nullopt;
+    // A folder is listed, not renamed: the folder a link leads to is the one.
+    if (struct stat followed; stat(path.constData(), &followed) == 0 && S_ISDIR(followed.st_mode))
+        if (char *real = realpath(path.constData(), nullptr)) {
+            path = real;
+            free(real);
+        }
+    return PathCodec::decode(path);
+}
+
+} // namespace CliOptions

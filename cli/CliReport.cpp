@@ -1,0 +1,135 @@
+#include "CliReport.h"
+
+#include "JsonText.h"
+#include "PathCodec.h"
+
+#include <unistd.h>
+
+namespace CliReport {
+
+namespace {
+
+const char *statusName(SafeMover::Status status, bool applied)
+{
+    switch (status) {
+    case SafeMover::Status::Renamed:
+        return applied ? "renamed" : "rename";
+    case SafeMover::Status::Unchanged:
+        return "unchanged";
+    case SafeMover::Status::Conflict:
+        return "conflict";
+    case SafeMover::Status::Failed:
+        return "failed";
+    }
+    return "";
+}
+
+const QString howToGoOn = QStringLiteral("nomen-cli --finish completes it; nomen-cli --roll-back puts its files back "
+                                         "under their old names");
+
+} // namespace
+
+void say(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = PathCodec::encode(text + u'\n');
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+}
+
+int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied)
+{
+    int conflicts = 0;
+    int failures = 0;
+    QStringList objects;
+    for (const SafeMover::Outcome &outcome : outcomes) {
+        conflicts += outcome.status == SafeMover::Status::Conflict;
+        failures += outcome.status == SafeMover::Status::Failed;
+        const QString status = QString::fromLatin1(statusName(outcome.status, applied));
+        if (json) {
+            QString object = QStringLiteral("  {\"from\": %1, \"to\": %2, \"status\": %3, \"reason\": %4")
+                                 .arg(JsonText::quoted(outcome.move.from), JsonText::quoted(outcome.move.to),
+                                      JsonText::quoted(status), JsonText::quoted(outcome.reason));
+            if (!outcome.warning.isEmpty())
+                object += QStringLiteral(", \"warning\": ") + JsonText::quoted(outcome.warning);
+            objects.append(object + u'}');
+            continue;
+        }
+        QString line = QStringLiteral("%1  %2 -> %3").arg(status.leftJustified(9), outcome.move.from,
+                                                          outcome.move.to.mid(outcome.move.to.lastIndexOf(u'/') + 1));
+        if (!outcome.reason.isEmpty())
+            line += QStringLiteral("  (") + outcome.reason + u')';
+        if (!outcome.warning.isEmpty())
+            line += QStringLiteral("  (warning: ") + outcome.warning + u')';
+        say(stdout, line);
+    }
+    if (json)
+        say(stdout, objects.isEmpty() ? QStringLiteral("[]") : QStringLiteral("[\n") + objects.join(QStringLiteral(",\n")) + QStringLiteral("\n]"));
+    else
+        say(stdout, QStringLiteral("%1 rows, %2 conflicts, %3 failures%4").arg(outcomes.size()).arg(conflicts).arg(failures)
+                        .arg(applied ? QString() : QStringLiteral(" (dry run: nothing renamed; --apply to rename)")));
+    return failures ? Failures : conflicts ? Conflicts : Success;
+}
+
+int refusal(SafeMover::Refusal refusal, const QString &text)
+{
+    switch (refusal) {
+    case SafeMover::Refusal::None:
+        return Success;
+    case SafeMover::Refusal::Busy:
+        say(stderr, QStringLiteral("nomen-cli: ") + text);
+        return Busy;
+    case SafeMover::Refusal::Pending:
+        say(stderr, QStringLiteral("nomen-cli: %1: %2.").arg(text, howToGoOn));
+        return Refused;
+    case SafeMover::Refusal::Distrusted:
+        say(stderr, QStringLiteral("nomen-cli: %1. Check the files it names, then move it out of the way to go on.").arg(text));
+        return Refused;
+    case SafeMover::Refusal::NoJournal:
+        say(stderr, QStringLiteral("nomen-cli: ") + text);
+        return Failures;
+    }
+    return Failures;
+}
+
+int report(const SafeMover::Report &report, bool json)
+{
+    if (report.refusal != SafeMover::Refusal::None)
+        return refusal(report.refusal, report.refusalText);
+    const int code = rows(report.outcomes, json, true);
+    if (!report.notice.isEmpty())
+        say(stderr, QStringLiteral("nomen-cli: ") + report.notice);
+    if (report.interrupted) {
+        say(stderr, QStringLiteral("nomen-cli: interrupted between two moves; the batch is pending: ") + howToGoOn);
+        return Interrupted;
+    }
+    return code;
+}
+
+ProgressBar::ProgressBar(SafeMover &mover) : m_mover(mover)
+{
+    if (!isatty(STDERR_FILENO))
+        return;
+    m_clock.start();
+    mover.progress = [this](size_t done, size_t total) { show(done, total); };
+}
+
+ProgressBar::~ProgressBar()
+{
+    m_mover.progress = nullptr;
+    if (m_drawn)
+        std::fputs("\r\033[K", stderr);
+}
+
+void ProgressBar::show(size_t done, size_t total)
+{
+    if (total < 1000 || (done != total && m_clock.elapsed() - m_last < 100))
+        return;
+    m_last = m_clock.elapsed();
+    const int width = 40;
+    const int filled = int(done * width / total);
+    std::fprintf(stderr, "\r[%s%s] %3d%%  %zu/%zu", QByteArray(filled, '#').constData(),
+                 QByteArray(width - filled, ' ').constData(), int(done * 100 / total), done, total);
+    std::fflush(stderr);
+    m_drawn = true;
+}
+
+} // namespace CliReport
