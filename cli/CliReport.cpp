@@ -24,6 +24,13 @@ const char *statusName(SafeMover::Status status, bool applied)
     return "";
 }
 
+// The new name as the rule made it, "/" and all.
+QString newName(const SafeMover::Move &move)
+{
+    const QString folder = move.from.left(move.from.lastIndexOf(u'/') + 1);
+    return move.to.startsWith(folder) ? move.to.mid(folder.size()) : move.to;
+}
+
 const QString howToGoOn = QStringLiteral("nomen-cli --finish completes it; nomen-cli --roll-back puts its files back "
                                          "under their old names");
 
@@ -53,8 +60,7 @@ int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applie
             objects.append(object + u'}');
             continue;
         }
-        QString line = QStringLiteral("%1  %2 -> %3").arg(status.leftJustified(9), outcome.move.from,
-                                                          outcome.move.to.mid(outcome.move.to.lastIndexOf(u'/') + 1));
+        QString line = QStringLiteral("%1  %2 -> %3").arg(status.leftJustified(9), outcome.move.from, newName(outcome.move));
         if (!outcome.reason.isEmpty())
             line += QStringLiteral("  (") + outcome.reason + u')';
         if (!outcome.warning.isEmpty())

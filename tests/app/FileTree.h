@@ -6,6 +6,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,6 +17,12 @@
 class FileTree {
 public:
     explicit FileTree(QString root) : m_root(std::move(root)) {}
+    // Gone with whatever it holds, names that are not UTF-8 included.
+    ~FileTree() { clear(); }
+    FileTree(const FileTree &) = delete;
+    FileTree &operator=(const FileTree &) = delete;
+
+    void clear() const { removeTree(PathCodec::encode(m_root)); }
 
     const QString &root() const { return m_root; }
     QString path(const QString &relative) const { return m_root + u'/' + relative; }
@@ -59,6 +66,24 @@ public:
     }
 
 private:
+    static void removeTree(const QByteArray &path)
+    {
+        struct stat info;
+        if (lstat(path.constData(), &info) != 0)
+            return;
+        if (S_ISDIR(info.st_mode)) {
+            if (DIR *listing = opendir(path.constData())) {
+                while (const dirent *entry = readdir(listing))
+                    if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0)
+                        removeTree(path + '/' + entry->d_name);
+                closedir(listing);
+            }
+            rmdir(path.constData());
+        } else {
+            unlink(path.constData());
+        }
+    }
+
     void collect(const QString &relative, QMap<QString, QByteArray> &found) const
     {
         const QString folder = relative.isEmpty() ? m_root : path(relative);

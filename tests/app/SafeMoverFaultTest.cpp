@@ -189,6 +189,7 @@ protected:
 
     void reset()
     {
+        tree.clear();
         QDir(m_dir.path()).removeRecursively();
         ASSERT_TRUE(QDir().mkpath(m_dir.path()));
         ASSERT_TRUE(tree.makeAll(GetParam().files));
@@ -319,8 +320,9 @@ TEST_P(Faults, AKilledUndoIsFinishedOrRolledBackNeverDoneTwice)
                 // Stopped before the undo's journal was in place, or after
                 // it left while its batch was still in the history: the next
                 // undo does it, or finds nothing left to do.
-                if (tree.files() != after)
+                if (tree.files() != after) {
                     ASSERT_EQ(tree.files(), before) << where.toStdString();
+                }
                 run(Step::Undo);
                 ASSERT_EQ(tree.files(), before) << where.toStdString();
                 EXPECT_TRUE(run(Step::Undo).outcomes.empty()) << where.toStdString() << ": undone twice";
