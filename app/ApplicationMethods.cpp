@@ -79,6 +79,22 @@ QVariant reportToScript(const SafeMover::Report &report)
     return outcomesToScript(report.outcomes);
 }
 
+// A batch of moves is a long pass of the window, its progress in the panel.
+QVariant moving(RZApplication &app, const std::function<SafeMover::Report(SafeMover &)> &call)
+{
+    const RZApplication::LongPass pass(app);
+    SafeMover &mover = sharedMover();
+    mover.progress = [&app](size_t done, size_t total) {
+        if (done == 1)
+            app.stopIndeterminateProgress(double(total));
+        app.updateProgress(double(done), double(total), QStringLiteral("Renaming"),
+                           QStringLiteral("%1 of %2").arg(done).arg(total));
+    };
+    const SafeMover::Report report = call(mover);
+    mover.progress = nullptr;
+    return reportToScript(report);
+}
+
 QVariant pendingToScript(const std::optional<SafeMover::Pending> &pending)
 {
     if (!pending)
@@ -236,11 +252,12 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "planRenames:", [](RZApplication &, const QVariantList &args) {
         return QVariant(outcomesToScript(SafeMover::plan(movesFromScript(convert<QVariantList>(args[0], 0)))));
     });
-    add(registry, "applyRenames:", [](RZApplication &, const QVariantList &args) {
-        return reportToScript(sharedMover().apply(movesFromScript(convert<QVariantList>(args[0], 0))));
+    add(registry, "applyRenames:", [](RZApplication &app, const QVariantList &args) {
+        const std::vector<SafeMover::Move> moves = movesFromScript(convert<QVariantList>(args[0], 0));
+        return moving(app, [&moves](SafeMover &mover) { return mover.apply(moves); });
     });
-    add(registry, "undoLastRename", [](RZApplication &, const QVariantList &) {
-        return reportToScript(sharedMover().undoLast());
+    add(registry, "undoLastRename", [](RZApplication &app, const QVariantList &) {
+        return moving(app, [](SafeMover &mover) { return mover.undoLast(); });
     });
     add(registry, "hasUnfinishedRename", [](RZApplication &, const QVariantList &) {
         return QVariant(sharedMover().pending().has_value());
@@ -248,11 +265,11 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "unfinishedRename", [](RZApplication &, const QVariantList &) {
         return pendingToScript(sharedMover().pending());
     });
-    add(registry, "finishUnfinishedRename", [](RZApplication &, const QVariantList &) {
-        return reportToScript(sharedMover().finishPending());
+    add(registry, "finishUnfinishedRename", [](RZApplication &app, const QVariantList &) {
+        return moving(app, [](SafeMover &mover) { return mover.finishPending(); });
     });
-    add(registry, "rollBackUnfinishedRename", [](RZApplication &, const QVariantList &) {
-        return reportToScript(sharedMover().rollBackPending());
+    add(registry, "rollBackUnfinishedRename", [](RZApplication &app, const QVariantList &) {
+        return moving(app, [](SafeMover &mover) { return mover.rollBackPending(); });
     });
 
     // The window, as the main script drives it.

@@ -8,6 +8,7 @@
 #include "StringAdditions.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QElapsedTimer>
 #include <QHeaderView>
 #include <QLabel>
@@ -209,6 +210,19 @@ void RZApplication::sortTableRows()
 
 bool RZApplication::eventFilter(QObject *watched, QEvent *event)
 {
+    // In a long pass the window is not closed and takes no drops; closing
+    // it asks the pass to stop.
+    if (m_frozen && watched == m_window.get()) {
+        if (event->type() == QEvent::Close) {
+            stopProgressAction();
+            event->ignore();
+            return true;
+        }
+        if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove || event->type() == QEvent::Drop) {
+            event->ignore();
+            return true;
+        }
+    }
     // Folders and files dropped anywhere on the window.
     if (watched == m_window.get() && (event->type() == QEvent::DragEnter || event->type() == QEvent::Drop)) {
         auto *drop = static_cast<QDropEvent *>(event);
@@ -238,11 +252,66 @@ void RZApplication::keepResponsive()
     if (clock.elapsed() - m_lastYield < 30)
         return;
     m_lastYield = clock.elapsed();
+    if (m_passDepth == 0) {
+        // A loop of a script's own: it repaints, but takes no input.
+        processEvents(QEventLoop::ExcludeUserInputEvents, 5);
+        return;
+    }
+    // Frozen only once events are let through: a short pass never flickers.
+    if (!m_frozen)
+        freezeInput();
     processEvents(QEventLoop::AllEvents, 5);
+}
+
+RZApplication::LongPass::LongPass(RZApplication &application) : m_application(application)
+{
+    ++m_application.m_passDepth;
+}
+
+RZApplication::LongPass::~LongPass()
+{
+    if (--m_application.m_passDepth == 0 && m_application.m_frozen)
+        m_application.thawInput();
+}
+
+void RZApplication::freezeInput()
+{
+    m_frozen = true;
+    m_focusBeforeFreeze = focusWidget();
+    const QWidget *stop = outlet(QStringLiteral("stop_progress"));
+    for (QWidget *control : m_window->findChildren<QWidget *>()) {
+        const bool takesInput = qobject_cast<QAbstractButton *>(control) || qobject_cast<QLineEdit *>(control)
+                                || qobject_cast<QComboBox *>(control) || qobject_cast<QAbstractItemView *>(control);
+        if (takesInput && control != stop && control->isEnabled()) {
+            control->setEnabled(false);
+            m_frozenControls.append(control);
+        }
+    }
+    for (QAction *action : m_window->findChildren<QAction *>())
+        if (action->isEnabled()) {
+            action->setEnabled(false);
+            m_frozenActions.append(action);
+        }
+}
+
+void RZApplication::thawInput()
+{
+    for (const QPointer<QWidget> &control : std::as_const(m_frozenControls))
+        if (control)
+            control->setEnabled(true);
+    for (const QPointer<QAction> &action : std::as_const(m_frozenActions))
+        if (action)
+            action->setEnabled(true);
+    m_frozenControls.clear();
+    m_frozenActions.clear();
+    if (m_focusBeforeFreeze)
+        m_focusBeforeFreeze->setFocus();
+    m_frozen = false;
 }
 
 QVariant RZApplication::parseItems(const QVariantList &request)
 {
+    const LongPass pass(*this);
     m_lastYield = -1000; // a Stop pressed just before the listing counts at once
     FolderListing listing = m_engine->listing();
     listing.keepResponsive = [this] { keepResponsive(); };
@@ -252,6 +321,7 @@ QVariant RZApplication::parseItems(const QVariantList &request)
 
 QVariantList RZApplication::makeReplacementNames(const QVariantList &request)
 {
+    const LongPass pass(*this);
     BatchProgress progress;
     progress.stopIndeterminate = [this](double maximum) { stopIndeterminateProgress(maximum); };
     progress.update = [this](double current, double maximum, const QString &upper, const QString &lower) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+class QAction;
 class QWidget;
 
 // The application object: owns the rename engine and the main window's
@@ -73,6 +74,22 @@ public:
     // conflictsMarked follows.
     void checkConflicts();
 
+    // A long pass (listing, batch pass, renaming) under way. The window
+    // still repaints and its Stop button works, but it takes no other
+    // input until the pass ends: nothing can change the rule under the
+    // pass or start a second one inside it.
+    class LongPass {
+    public:
+        explicit LongPass(RZApplication &application);
+        ~LongPass();
+        LongPass(const LongPass &) = delete;
+        LongPass &operator=(const LongPass &) = delete;
+
+    private:
+        RZApplication &m_application;
+    };
+    bool inputFrozen() const { return m_frozen; }
+
 signals:
     void tablePreviewApplied();
     void conflictsMarked();
@@ -96,9 +113,11 @@ private:
     void connectInterfaceEvents();
     void sortByColumn(int column);
 
-    // Lets the window repaint and the Stop button be pressed while a long
-    // loop runs, at most every few milliseconds.
+    // Lets the window repaint (and, in a long pass, the Stop button be
+    // pressed) while a long loop runs, at most every few milliseconds.
     void keepResponsive();
+    void freezeInput();
+    void thawInput();
 
     std::unique_ptr<RenameEngine> m_engine;
     std::unique_ptr<QWidget> m_window;
@@ -109,4 +128,9 @@ private:
     QVariantList m_capturedSettings; // as last read from the controls
     std::shared_ptr<NameComposer::BaseNameCache> m_previewBases = std::make_shared<NameComposer::BaseNameCache>();
     qint64 m_lastYield = 0;
+    int m_passDepth = 0;
+    bool m_frozen = false;
+    QList<QPointer<QWidget>> m_frozenControls;
+    QList<QPointer<QAction>> m_frozenActions;
+    QPointer<QWidget> m_focusBeforeFreeze;
 };

@@ -1,5 +1,7 @@
 #include "GrepReplace.h"
+#include "PathCodec.h"
 #include "PerlWorker.h"
+#include "TablePreview.h"
 #include "TestPrinting.h"
 
 #include <QElapsedTimer>
@@ -130,6 +132,26 @@ TEST(RunPerl, OutputOrNo)
     EXPECT_EQ(GrepReplace::runPERL({QStringLiteral("-e"), QStringLiteral("print \"a\\n\\n\"")}), QVariant(QStringLiteral("a")));
     EXPECT_EQ(GrepReplace::runPERL({QStringLiteral("-e"), QStringLiteral("exit 3")}), QVariant(false));
     EXPECT_EQ(GrepReplace::runPERL({QStringLiteral("-e"), QString::fromUtf8("print \"é\"")}), QVariant(QString::fromUtf8("é")));
+}
+
+} // namespace
+
+namespace {
+
+// A byte that is not UTF-8 reaches Perl as that byte and comes back as it
+// was, whether the name was worked out ahead (a batch) or on its own.
+TEST(GrepBytes, ANameThatIsNotUtf8KeepsItsBytesMatchedOrNot)
+{
+    RenameSettings settings;
+    settings._filename_search_1 = QStringLiteral("^(\\w+)");
+    settings._filename_replace_1 = QStringLiteral("P_$1");
+    settings._snr_consider_case_1 = true;
+    const QString odd = PathCodec::decode("bad\xffname");
+    const NameComposer::GrepReplace grep =
+        TablePreview::prefetchedGrep(settings, {QVariantMap{{QStringLiteral("original"), odd + QStringLiteral(".jpg")}}});
+    EXPECT_EQ(PathCodec::encode(grep(odd, settings._filename_search_1, settings._filename_replace_1, true)), "P_bad\xffname");
+    EXPECT_EQ(PathCodec::encode(grep(odd, QStringLiteral("zzz"), QStringLiteral("q"), true)), "bad\xffname");
+    EXPECT_EQ(PathCodec::encode(grep(odd, QStringLiteral("name$"), QStringLiteral("\xe9"), true)), "bad\xff\xc3\xa9");
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -213,6 +214,46 @@ TEST(MainWindow, FilesDroppedOnTheWindowAreListed)
     EXPECT_NO_SURPRISES();
     EXPECT_EQ(column(FileTableModel::Original), QStringList({"one.txt", "three.txt"}));
     EXPECT_EQ(control<QLineEdit>("source_folder")->text(), folder.path() + u'/');
+}
+
+// Input that arrives while a long pass lets events through (here a listing)
+// changes nothing and starts nothing; afterwards the window is as it was.
+TEST(MainWindow, NothingStartsOrChangesInsideALongPass)
+{
+    QTemporaryDir folder;
+    QStringList names;
+    for (int i = 0; i < 300; ++i)
+        names.append(QStringLiteral("IMG_%1.jpg").arg(i));
+    makeFiles(folder.path(), names);
+    auto *prefix = control<QLineEdit>("prefix");
+    prefix->setText(QStringLiteral("Trip "));
+    prefix->setFocus();
+    auto *update = control<QAbstractButton>("update");
+    update->setEnabled(true);
+    QCoreApplication::postEvent(prefix, new QKeyEvent(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("x")));
+    QCoreApplication::postEvent(prefix, new QKeyEvent(QEvent::KeyRelease, Qt::Key_X, Qt::NoModifier, QStringLiteral("x")));
+    const QPointF middle = QRectF(update->rect()).center();
+    QCoreApplication::postEvent(update, new QMouseEvent(QEvent::MouseButtonPress, middle, update->mapToGlobal(middle),
+                                                        Qt::LeftButton, Qt::LeftButton, Qt::NoModifier));
+    QCoreApplication::postEvent(update, new QMouseEvent(QEvent::MouseButtonRelease, middle, update->mapToGlobal(middle),
+                                                        Qt::LeftButton, Qt::NoButton, Qt::NoModifier));
+    QCoreApplication::postEvent(application->window(), new QKeyEvent(QEvent::ShortcutOverride, Qt::Key_R, Qt::ControlModifier));
+    QStringList started;
+    const auto watch = QObject::connect(application, &RZApplication::scriptEvent, [&](const QString &handler, const QVariant &what) {
+        if (handler != QLatin1String("previewed"))
+            started.append(handler + u' ' + what.toString());
+    });
+    control<QLineEdit>("source_folder")->setText(folder.path());
+    script->handle(QStringLiteral("clicked"), QStringLiteral("source_folder"));
+    QObject::disconnect(watch);
+    EXPECT_NO_SURPRISES();
+    EXPECT_EQ(application->fileTableDataSource().rowCount(), 300);
+    EXPECT_EQ(prefix->text(), "Trip ") << "the keystroke came during the listing";
+    EXPECT_TRUE(started.isEmpty()) << started.join(u',').toStdString();
+    EXPECT_TRUE(prefix->isEnabled() && update->isEnabled() && control<QAbstractButton>("rename")->isEnabled());
+    EXPECT_TRUE(application->window()->findChild<QAction *>(QStringLiteral("action_rename"))->isEnabled());
+    EXPECT_EQ(QApplication::focusWidget(), prefix);
+    prefix->clear();
 }
 
 TEST(MainWindow, ABatchCutShortIsOfferedForRollBackAtTheNextStart)
