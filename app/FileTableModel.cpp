@@ -36,6 +36,7 @@ void FileTableModel::setRows(const QVariantList &rows)
     m_rows.clear();
     m_newNames.clear();
     m_conflicts.clear();
+    m_warnings.clear();
     // Only records are rows; anything else a listing left (a stop marker) is not.
     for (const QVariant &row : rows)
         if (row.typeId() == QMetaType::QVariantMap)
@@ -91,18 +92,19 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     if (index.column() == Include)
         return role == Qt::CheckStateRole ? QVariant(value.toBool() ? Qt::Checked : Qt::Unchecked) : QVariant();
     const bool conflict = index.column() == New && !conflictAt(index.row()).isEmpty();
+    const bool warning = index.column() == New && !conflict && !warningAt(index.row()).isEmpty();
     switch (role) {
     case Qt::DisplayRole:
         return index.column() == Size ? ROZ_ByteFormatter::stringForObjectValue(value) : asText(value);
     case Qt::TextAlignmentRole:
         return index.column() == Size ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
     case Qt::ToolTipRole:
-        return conflict ? conflictAt(index.row()) : QVariant();
+        return conflict ? conflictAt(index.row()) : warning ? warningAt(index.row()) : QVariant();
     case Qt::ForegroundRole:
-        return conflict ? QVariant(QColor(Qt::red)) : QVariant();
+        return conflict ? QVariant(QColor(Qt::red)) : warning ? QVariant(QColor(0xa0, 0x5a, 0x00)) : QVariant();
     case Qt::DecorationRole:
-        if (conflict && qobject_cast<QApplication *>(QCoreApplication::instance()))
-            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+        if ((conflict || warning) && qobject_cast<QApplication *>(QCoreApplication::instance()))
+            return QApplication::style()->standardIcon(conflict ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation);
         return QVariant();
     default:
         return QVariant();
@@ -114,6 +116,15 @@ void FileTableModel::setConflicts(const QStringList &reasons)
     if (reasons == m_conflicts)
         return;
     m_conflicts = reasons.mid(0, m_rows.size());
+    if (!m_rows.isEmpty())
+        emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
+}
+
+void FileTableModel::setWarnings(const QStringList &warnings)
+{
+    if (warnings == m_warnings)
+        return;
+    m_warnings = warnings.mid(0, m_rows.size());
     if (!m_rows.isEmpty())
         emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
 }
@@ -142,6 +153,7 @@ void FileTableModel::sort(int column, Qt::SortOrder order)
     });
     m_newNames.clear();
     m_conflicts.clear();
+    m_warnings.clear();
     endResetModel();
     emit rowsReordered();
 }
@@ -268,6 +280,7 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
     m_rows = reordered;
     m_newNames.clear(); // the order decides the counters: the preview is stale
     m_conflicts.clear();
+    m_warnings.clear();
     endResetModel();
     emit rowsReordered();
     return true;

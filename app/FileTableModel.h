@@ -56,6 +56,9 @@ public:
     // shown in the new-name column before anything is renamed.
     void setConflicts(const QStringList &reasons);
     QString conflictAt(int row) const { return m_conflicts.value(row); }
+    // Names that will be given but may surprise (hidden, a space at an end).
+    void setWarnings(const QStringList &warnings);
+    QString warningAt(int row) const { return m_warnings.value(row); }
 
     // Rows in order of a column: names and locations in natural order,
     // dates and sizes by value. The order is the one counters follow.
@@ -69,4 +72,5 @@ private:
     QVariantList m_rows;
     QStringList m_newNames; // a preview's names, shown until rows change
     QStringList m_conflicts;
+    QStringList m_warnings;
 };

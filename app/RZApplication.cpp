@@ -614,13 +614,17 @@ void RZApplication::checkConflicts()
         }
         const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
         QStringList reasons(rows.size());
-        for (size_t i = 0; i < outcomes.size(); ++i)
+        QStringList warnings(rows.size());
+        for (size_t i = 0; i < outcomes.size(); ++i) {
             if (outcomes[i].status == SafeMover::Status::Conflict)
                 reasons[rowOfMove[i]] = outcomes[i].reason;
-        QMetaObject::invokeMethod(this, [this, reasons, generation] {
+            warnings[rowOfMove[i]] = outcomes[i].warning;
+        }
+        QMetaObject::invokeMethod(this, [this, reasons, warnings, generation] {
             if (generation != m_conflictGeneration || reasons.size() != m_table->rows().size())
                 return; // the names or the rows changed meanwhile
             m_table->setConflicts(reasons);
+            m_table->setWarnings(warnings);
             emit conflictsMarked();
         }, Qt::QueuedConnection);
     });

@@ -256,6 +256,30 @@ TEST(MainWindow, NothingStartsOrChangesInsideALongPass)
     prefix->clear();
 }
 
+TEST(MainWindow, ANewNameWithASlashIsAConflictAndAHiddenOneAWarning)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"a.jpg", "b.jpg"});
+    control<QLineEdit>("source_folder")->setText(folder.path());
+    script->handle(QStringLiteral("clicked"), QStringLiteral("source_folder"));
+    auto *prefix = control<QLineEdit>("prefix");
+    prefix->clear();
+    QTest::keyClicks(prefix, QStringLiteral("../up_"));
+    const FileTableModel &table = application->fileTableDataSource();
+    ASSERT_TRUE(waitFor([&] { return !table.conflictAt(1).isEmpty(); }));
+    EXPECT_EQ(table.conflictAt(0), "the new name \"../up_a.jpg\" holds \"/\"");
+    EXPECT_EQ(table.data(table.index(0, FileTableModel::New), Qt::ForegroundRole).value<QColor>(), QColor(Qt::red));
+    screenshot(QStringLiteral("main-window-slash-conflict.png"));
+    prefix->clear();
+    QTest::keyClicks(prefix, QStringLiteral("."));
+    ASSERT_TRUE(waitFor([&] { return table.conflictAt(1).isEmpty() && !table.warningAt(1).isEmpty(); }));
+    EXPECT_EQ(table.data(table.index(1, FileTableModel::New), Qt::ToolTipRole).toString(),
+              "the new name starts with \".\": the item will be hidden");
+    screenshot(QStringLiteral("main-window-hidden-warning.png"));
+    prefix->clear();
+    EXPECT_NO_SURPRISES();
+}
+
 TEST(MainWindow, ABatchCutShortIsOfferedForRollBackAtTheNextStart)
 {
     QTemporaryDir folder;
