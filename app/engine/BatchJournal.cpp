@@ -218,6 +218,9 @@ std::optional<BatchJournal> BatchJournal::parse(const QByteArray &text, QString 
     }
     if (const QString problem = reader.finish(); !problem.isEmpty())
         return refuse(QStringLiteral("it holds %1").arg(problem));
+    // Only the form written here is believed: no line added, moved or repeated.
+    if (journal.serialize() != QByteArrayView(text.constData(), sumEnd + 1))
+        return refuse(QStringLiteral("it is not in the form Nomen writes"));
 
     // Records appended as the batch ran; a last line without its line feed
     // was cut short before it reached the disk and never counted.
