@@ -139,13 +139,13 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "replaceInsertConstants:withDate:", [](RZApplication &app, const QVariantList &args) {
         return QVariant(app.engine().composer.replaceInsertConstants(convert<QString>(args[0], 0), convert<QDateTime>(args[1], 1)));
     });
-    add(registry, "getEXIFDate:", [](RZApplication &app, const QVariantList &args) { return app.engine().getEXIFDate(args[0]); });
+    add(registry, "getEXIFDate:", [](RZApplication &app, const QVariantList &args) { return app.getEXIFDate(args[0]); });
     add(registry, "setUseEXIFDate:", [](RZApplication &app, const QVariantList &args) {
         app.engine().use_exif_date = convert<bool>(args[0], 0);
         return QVariant();
     });
     add(registry, "snrGrep:searchFor:replaceWith:consideringCase:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.engine().snrGrep(convert<QString>(args[0], 0), convert<QString>(args[1], 1),
+        return QVariant(app.snrGrep(convert<QString>(args[0], 0), convert<QString>(args[1], 1),
                                              convert<QString>(args[2], 2), convert<bool>(args[3], 3)));
     });
     add(registry, "escapeString:", [](RZApplication &, const QVariantList &args) {

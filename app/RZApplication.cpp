@@ -2,10 +2,14 @@
 
 #include "BatchRenaming.h"
 #include "DictionaryAdditions.h"
+#include "GrepReplace.h"
+#include "NamedException.h"
+#include "ScriptSubroutines.h"
 #include "SafeMover.h"
 #include "TablePreview.h"
 #include "MiscMethods.h"
 #include "StringAdditions.h"
+#include "UiStrings.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -21,18 +25,15 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QLineEdit>
 #include <QRadioButton>
-#include <QTranslator>
 #include <QUiLoader>
 #include <QUrl>
 
 #ifndef NOMEN_RESOURCE_DIR
 #define NOMEN_RESOURCE_DIR ""
-#endif
-#ifndef NOMEN_TRANSLATIONS_DIR
-#define NOMEN_TRANSLATIONS_DIR ""
 #endif
 
 namespace {
@@ -75,25 +76,43 @@ QString RZApplication::resourceDirectory()
     return configured.isEmpty() ? QStringLiteral(NOMEN_RESOURCE_DIR) : configured;
 }
 
-void RZApplication::init(const MethodRegistry &methods)
+namespace {
+
+std::unique_ptr<CompiledScript> loadHelper(const MethodRegistry &methods, const QString &name)
 {
-    loadTranslations(*this);
-    loadInterface();
-    m_engine = std::make_unique<RenameEngine>(methods, resourceDirectory() + QStringLiteral("/Scripts"));
+    QVariantMap error;
+    std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(
+        methods, RZApplication::resourceDirectory() + QStringLiteral("/Scripts/") + name + QStringLiteral(".scpt"), &error));
+    if (!script)
+        throw NamedException(NSGenericException, QStringLiteral("Error loading \"%1.scpt\".").arg(name));
+    return script;
 }
 
-void RZApplication::loadTranslations(QCoreApplication &application)
+} // namespace
+
+void RZApplication::init(const MethodRegistry &methods)
 {
-    // English first, then the user's language over it: a key no table
-    // knows answers itself.
-    const QString directory = QString::fromLocal8Bit(qgetenv("NOMEN_TRANSLATIONS"));
-    const QString from = directory.isEmpty() ? QStringLiteral(NOMEN_TRANSLATIONS_DIR) : directory;
-    auto *english = new QTranslator(&application);
-    if (english->load(QStringLiteral("ui_en"), from))
-        application.installTranslator(english);
-    auto *local = new QTranslator(&application);
-    if (local->load(QLocale(), QStringLiteral("ui"), QStringLiteral("_"), from) && !local->language().startsWith(u'e'))
-        application.installTranslator(local);
+    UiStrings::install(*this);
+    loadInterface();
+    m_engine = std::make_unique<RenameEngine>();
+    is104Plus = ROZ_MiscMethods::return104Plus();
+    m_perl = loadHelper(methods, QStringLiteral("perl"));
+    m_exifInfo = loadHelper(methods, QStringLiteral("exif_info"));
+    ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_exifInfo, QStringLiteral("init"));
+    const QFileInfo exiftime(resourceDirectory() + QStringLiteral("/exiftime"));
+    m_engine->exiftime = exiftime.exists() ? exiftime.absoluteFilePath() : QString();
+}
+
+QString RZApplication::snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase)
+{
+    return GrepReplace::snrGrep(text, pattern, replacement, consideringCase, [this](const QString &program) {
+        return ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_perl, QStringLiteral("execute_perl"), program);
+    });
+}
+
+QVariant RZApplication::getEXIFDate(const QVariant &path)
+{
+    return ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_exifInfo, QStringLiteral("get_exif_image_created_date"), path);
 }
 
 void RZApplication::loadInterface()

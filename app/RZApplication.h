@@ -1,7 +1,8 @@
 #pragma once
 
-#include "MethodRegistry.h"
+#include "CompiledScript.h"
 #include "FileTableModel.h"
+#include "MethodRegistry.h"
 #include "RenameEngine.h"
 
 #include <QApplication>
@@ -30,11 +31,14 @@ public:
 
     static RZApplication *instance();
     static QString resourceDirectory();
-    // The "ui" string table for any application object, the command-line
-    // ones included.
-    static void loadTranslations(QCoreApplication &application);
 
     RenameEngine &engine() { return *m_engine; }
+    // The helper scripts: "execute_perl" and the EXIF date reader, as
+    // scripts call them.
+    CompiledScript &perl() { return *m_perl; }
+    CompiledScript &exif_info() { return *m_exifInfo; }
+    QString snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase);
+    QVariant getEXIFDate(const QVariant &path);
     QWidget *window() const { return m_window.get(); }
     // A control by its outlet name; nullptr when the interface file lacks it.
     QWidget *outlet(const QString &name) const;
@@ -120,6 +124,8 @@ private:
     void thawInput();
 
     std::unique_ptr<RenameEngine> m_engine;
+    std::unique_ptr<CompiledScript> m_perl;
+    std::unique_ptr<CompiledScript> m_exifInfo;
     std::unique_ptr<QWidget> m_window;
     FileTableModel *m_table = nullptr;
     quint64 m_previewGeneration = 0;
@@ -134,3 +140,6 @@ private:
     QList<QPointer<QAction>> m_frozenActions;
     QPointer<QWidget> m_focusBeforeFreeze;
 };
+
+// Whether the system counts as release 10.4 or later, set once at start-up.
+inline bool is104Plus = false;

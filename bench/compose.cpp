@@ -2,7 +2,6 @@
 // spawning /usr/bin/perl -e for the same 10,000 GREP programs.
 
 #include "GrepReplace.h"
-#include "MethodTable.h"
 #include "RenameEngine.h"
 
 #include <benchmark/benchmark.h>
@@ -25,8 +24,7 @@ QStringList names()
 
 RenameEngine &engine()
 {
-    static const MethodRegistry methods = buildMethodTable();
-    static RenameEngine shared(methods, QStringLiteral(NOMEN_RESOURCE_DIR "/Scripts"));
+    static RenameEngine shared;
     return shared;
 }
 

@@ -1,6 +1,6 @@
 #include "CliReport.h"
 
-#include "JsonText.h"
+#include "JsonString.h"
 #include "PathCodec.h"
 
 #include <unistd.h>
@@ -53,10 +53,10 @@ int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applie
         const QString status = QString::fromLatin1(statusName(outcome.status, applied));
         if (json) {
             QString object = QStringLiteral("  {\"from\": %1, \"to\": %2, \"status\": %3, \"reason\": %4")
-                                 .arg(JsonText::quoted(outcome.move.from), JsonText::quoted(outcome.move.to),
-                                      JsonText::quoted(status), JsonText::quoted(outcome.reason));
+                                 .arg(JsonString::quoted(outcome.move.from), JsonString::quoted(outcome.move.to),
+                                      JsonString::quoted(status), JsonString::quoted(outcome.reason));
             if (!outcome.warning.isEmpty())
-                object += QStringLiteral(", \"warning\": ") + JsonText::quoted(outcome.warning);
+                object += QStringLiteral(", \"warning\": ") + JsonString::quoted(outcome.warning);
             objects.append(object + u'}');
             continue;
         }

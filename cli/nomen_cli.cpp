@@ -8,13 +8,12 @@
 #include "CliReport.h"
 #include "FolderListing.h"
 #include "LocalTimeZone.h"
-#include "MethodTable.h"
 #include "NamedException.h"
-#include "RZApplication.h"
 #include "RenameEngine.h"
 #include "SafeMover.h"
 #include "SortFunctions.h"
 #include "TablePreview.h"
+#include "UiStrings.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -69,8 +68,7 @@ void sortRows(QVariantList &rows, const QString &order)
 // The moves the rule makes of the named folders and files.
 std::vector<SafeMover::Move> composedMoves(const QCommandLineParser &options, const QStringList &roots)
 {
-    const MethodRegistry methods = buildMethodTable();
-    RenameEngine engine(methods, RZApplication::resourceDirectory() + QStringLiteral("/Scripts"));
+    RenameEngine engine;
     engine.use_exif_date = options.isSet("exif");
     QVariantList rows;
     for (const QString &root : roots) {
@@ -133,7 +131,7 @@ int main(int argc, char **argv)
         say(stderr, problem);
         return CliReport::Usage;
     }
-    RZApplication::loadTranslations(application);
+    UiStrings::install(application);
     SafeMover mover;
     mover.interruption = &interrupted;
     if (options.isSet("undo") || options.isSet("finish") || options.isSet("roll-back"))

@@ -4,6 +4,7 @@
 #include "DictionaryAdditions.h"
 #include "FileStatus.h"
 #include "PathConversion.h"
+#include "PathNames.h"
 #include "StringAdditions.h"
 
 #include <QDir>
@@ -24,18 +25,6 @@ QString fourCharacters(quint32 code)
     for (int shift = 24; shift >= 0; shift -= 8)
         text += QChar(char16_t((code >> shift) & 0xFF));
     return text;
-}
-
-// The platform's last path component: trailing slashes do not count, and
-// the root is itself.
-QString lastPathComponent(const QString &path)
-{
-    QString trimmed = path;
-    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
-        trimmed.chop(1);
-    if (trimmed == QLatin1String("/"))
-        return trimmed;
-    return trimmed.section(u'/', -1);
 }
 
 QString parentOf(const QString &posix)
@@ -93,7 +82,7 @@ QString ROZ_MiscMethods::returnFileType(const QString &path)
 
 QString ROZ_MiscMethods::returnItemName(const QString &path)
 {
-    return lastPathComponent(pathPOSIX(path));
+    return PathNames::lastComponent(pathPOSIX(path));
 }
 
 QString ROZ_MiscMethods::returnItemDisplayedName(const QString &path)
@@ -101,7 +90,7 @@ QString ROZ_MiscMethods::returnItemDisplayedName(const QString &path)
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, true))
         return QString(QLatin1String(""));
-    return lastPathComponent(posix);
+    return PathNames::lastComponent(posix);
 }
 
 QString ROZ_MiscMethods::returnItemExtension(const QString &path)
@@ -110,7 +99,7 @@ QString ROZ_MiscMethods::returnItemExtension(const QString &path)
     const auto status = FileStatus::of(posix, true);
     if (status && status->isDirectory())
         return QString(QLatin1String(""));
-    const QString name = lastPathComponent(posix);
+    const QString name = PathNames::lastComponent(posix);
     const qsizetype dot = name.lastIndexOf(u'.');
     return dot > 0 ? name.mid(dot + 1) : QString(QLatin1String(""));
 }

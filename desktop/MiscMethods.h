@@ -118,12 +118,6 @@ QByteArray archivedData(const QColor &color);
 std::optional<QColor> colorFromData(const QByteArray &data);
 } // namespace ROZ_ColorArchiving
 
-// The names a folder's hidden lists hide: "/.hidden" and the folder's own
-// ".hidden", each read again only when it changes.
-bool listedAsHidden(const QString &folder, const QString &name);
-// The same names at once, for a listing that asks about a whole folder.
-QSet<QString> hiddenNames(const QString &folder);
-
 // Key events are tracked from the start, so that the current one is known
 // when a script asks.
 void installKeyEventTracking();

@@ -1,5 +1,7 @@
 #include "JsonText.h"
 
+#include "JsonString.h"
+
 #include "JsValues.h"
 
 #include <QDateTime>
@@ -34,11 +36,11 @@ void append(QString &out, const QJSValue &value, const ClassNamer &className, in
     } else if (value.isNumber()) {
         out += number(value.toNumber());
     } else if (value.isString()) {
-        out += quoted(value.toString());
+        out += JsonString::quoted(value.toString());
     } else if (value.isDate()) {
-        out += quoted(isoDate(value.toDateTime()));
+        out += JsonString::quoted(isoDate(value.toDateTime()));
     } else if (value.isQObject() || value.isVariant() || JsValues::isArrayBuffer(value)) {
-        out += quoted(u'<' + className(value) + u'>');
+        out += JsonString::quoted(u'<' + className(value) + u'>');
     } else if (value.isArray()) {
         out += u'[';
         const quint32 length = value.property(QStringLiteral("length")).toUInt();
@@ -56,7 +58,7 @@ void append(QString &out, const QJSValue &value, const ClassNamer &className, in
             if (!first)
                 out += u',';
             first = false;
-            out += quoted(it.name()) + u':';
+            out += JsonString::quoted(it.name()) + u':';
             append(out, it.value(), className, depth + 1);
         }
         out += u'}';
@@ -64,41 +66,6 @@ void append(QString &out, const QJSValue &value, const ClassNamer &className, in
 }
 
 } // namespace
-
-QString quoted(const QString &text)
-{
-    QString out = QStringLiteral("\"");
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        if (c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-            out.append(c).append(text[++i]);
-            continue;
-        }
-        switch (c.unicode()) {
-        case u'"':
-            out += QStringLiteral("\\\"");
-            break;
-        case u'\\':
-            out += QStringLiteral("\\\\");
-            break;
-        case u'\n':
-            out += QStringLiteral("\\n");
-            break;
-        case u'\r':
-            out += QStringLiteral("\\r");
-            break;
-        case u'\t':
-            out += QStringLiteral("\\t");
-            break;
-        default:
-            if (c.unicode() < 0x20 || c.isSurrogate())
-                out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-            else
-                out += c;
-        }
-    }
-    return out + u'"';
-}
 
 QString isoDate(const QDateTime &date)
 {

@@ -10,7 +10,6 @@ namespace JsonText {
 
 using ClassNamer = std::function<QString(const QJSValue &)>;
 QString write(const QJSValue &value, const ClassNamer &className);
-QString quoted(const QString &text);
 QString isoDate(const QDateTime &date);
 
 } // namespace JsonText

@@ -1,8 +1,8 @@
 #include "FolderListing.h"
 
 #include "FileStatus.h"
-#include "MiscMethods.h"
-#include "PathConversion.h"
+#include "HiddenItems.h"
+#include "PathNames.h"
 #include "StringAdditions.h"
 
 #include <QSet>
@@ -62,7 +62,7 @@ QStringList FolderListing::directoryContents(const QString &folder, bool withInv
     if (withInvisibles)
         return names;
     QStringList shown;
-    const QSet<QString> hidden = hiddenNames(folder);
+    const QSet<QString> hidden = HiddenItems::listedIn(folder);
     for (const QString &name : names)
         if (visible(scan(folder, name), hidden))
             shown.append(name);
@@ -79,7 +79,7 @@ QStringList FolderListing::listFolder(const QString &folder)
 
 QStringList FolderListing::containerAndItemName(const QString &path)
 {
-    const QString name = ROZ_MiscMethods::returnItemName(path);
+    const QString name = PathNames::lastComponent(path);
     return {name, ROZ_NSStringAdditions::desuffix(path, name)};
 }
 
@@ -116,8 +116,7 @@ FolderListing::Scanned FolderListing::scan(const QString &folder, const QString 
 // flag is its target's, as the single-item answer reads it.
 bool FolderListing::visible(const Scanned &item, const QSet<QString> &hidden)
 {
-    static const QSet<QString> systemPaths = {"/var", "/tmp", "/Network", "/net", "/mach", "/mach.sym", "/home", "/etc", "/dev"};
-    if (item.name.startsWith(u'.') || systemPaths.contains(item.path))
+    if (item.name.startsWith(u'.') || HiddenItems::isSystemPath(item.path))
         return false;
     const auto finder = item.status && item.status->isSymbolicLink() ? FinderInfo::read(item.path, true) : item.finder;
     if (finder && (finder->flags & FinderInfo::InvisibleFlag))
@@ -128,7 +127,7 @@ bool FolderListing::visible(const Scanned &item, const QSet<QString> &hidden)
 std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &folder) const
 {
     std::vector<Scanned> items;
-    const QSet<QString> hidden = hiddenNames(folder);
+    const QSet<QString> hidden = HiddenItems::listedIn(folder);
     for (const QString &name : FileStatus::entryNames(folder).value_or(QStringList())) {
         Scanned item = scan(folder, name);
         if (visible(item, hidden))
@@ -142,7 +141,7 @@ FolderListing::Dated FolderListing::datesOf(const Scanned &item) const
     std::optional<QDateTime> created = item.status ? item.status->created : std::nullopt;
     if (exifDate) {
         const QVariant fromExif = exifDate(item.path);
-        if (ROZ_MiscMethods::isThisADate(fromExif))
+        if (fromExif.typeId() == QMetaType::QDateTime)
             created = fromExif.toDateTime();
     }
     return {clamped(created), clamped(item.status ? std::optional(item.status->modified) : std::nullopt)};

@@ -1,12 +1,7 @@
 #include "TablePreview.h"
 
 #include "BatchRenaming.h"
-#include "GrepReplace.h"
-#include "PathCodec.h"
-#include "PerlWorker.h"
-
-#include <QHash>
-#include <memory>
+#include "GrepPrefetch.h"
 
 namespace TablePreview {
 
@@ -41,24 +36,11 @@ QStringList newNames(NameComposer composer, const QVariantList &rows, qint32 pre
 
 NameComposer::GrepReplace prefetchedGrep(const RenameSettings &settings, const QVariantList &rows)
 {
-    std::vector<QByteArray> programs;
-    QStringList texts;
-    for (const QVariant &row : rows) {
-        const QString base = NameComposer::baseNameOf(row.toMap().value(QStringLiteral("original")).toString());
-        programs.push_back(PathCodec::encode(GrepReplace::program(base, settings._filename_search_1, settings._filename_replace_1,
-                                                settings._snr_consider_case_1)));
-    }
-    auto answers = std::make_shared<QHash<QByteArray, std::optional<QByteArray>>>();
-    const auto printed = PerlWorker::shared().runAll(programs);
-    for (size_t i = 0; i < programs.size(); ++i)
-        answers->insert(programs[i], printed[i]);
-    return [answers](const QString &text, const QString &pattern, const QString &replacement, bool consideringCase) {
-        const QByteArray program = PathCodec::encode(GrepReplace::program(text, pattern, replacement, consideringCase));
-        auto known = answers->constFind(program);
-        const std::optional<QByteArray> answer =
-            known != answers->constEnd() ? *known : PerlWorker::shared().run(program);
-        return answer ? PathCodec::decode(*answer) : text;
-    };
+    QStringList names;
+    names.reserve(rows.size());
+    for (const QVariant &row : rows)
+        names.append(row.toMap().value(QStringLiteral("original")).toString());
+    return GrepPrefetch::replacementFor(settings, names);
 }
 
 } // namespace TablePreview

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "NameComposer.h"
+
+#include <QStringList>
+
+// The GREP replacement the composer uses: programs run by the Perl worker,
+// those of a batch's names sent in one exchange ahead of the pass, so a
+// pass costs the programs' own time, not a round trip each. Names not
+// asked about ahead are answered one by one. Safe away from the main thread.
+namespace GrepPrefetch {
+
+NameComposer::GrepReplace replacementFor(const RenameSettings &settings, const QStringList &names);
+
+} // namespace GrepPrefetch

@@ -1,0 +1,27 @@
+#include "UiStrings.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QTranslator>
+
+#ifndef NOMEN_TRANSLATIONS_DIR
+#define NOMEN_TRANSLATIONS_DIR ""
+#endif
+
+namespace UiStrings {
+
+void install(QCoreApplication &application)
+{
+    // English first, then the user's language over it: a key no table
+    // knows answers itself.
+    const QString directory = QString::fromLocal8Bit(qgetenv("NOMEN_TRANSLATIONS"));
+    const QString from = directory.isEmpty() ? QStringLiteral(NOMEN_TRANSLATIONS_DIR) : directory;
+    auto *english = new QTranslator(&application);
+    if (english->load(QStringLiteral("ui_en"), from))
+        application.installTranslator(english);
+    auto *local = new QTranslator(&application);
+    if (local->load(QLocale(), QStringLiteral("ui"), QStringLiteral("_"), from) && !local->language().startsWith(u'e'))
+        application.installTranslator(local);
+}
+
+} // namespace UiStrings

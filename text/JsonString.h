@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace JsonString {
+
+// A JSON string literal: quotes, backslashes and control characters
+// escaped; a surrogate standing alone (a byte of a name that is not UTF-8)
+// as its \\u escape, so the text stays valid UTF-8.
+QString quoted(const QString &text);
+
+} // namespace JsonString
