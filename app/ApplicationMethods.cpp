@@ -6,6 +6,7 @@
 #include "ExifDates.h"
 #include "FileMoves.h"
 #include "FolderListing.h"
+#include "ItemRecordValues.h"
 #include "SystemLog.h"
 #include "GrepReplace.h"
 #include "NativeBinding.h"
@@ -82,13 +83,14 @@ QVariant reportToScript(const SafeMover::Report &report)
 // A batch of moves is a long pass of the window, its progress in the panel.
 QVariant moving(RZApplication &app, const std::function<SafeMover::Report(SafeMover &)> &call)
 {
-    const RZApplication::LongPass pass(app);
+    const ProgressPanel::LongPass pass(app.progress());
     SafeMover &mover = sharedMover();
     mover.progress = [&app](size_t done, size_t total) {
         if (done == 1)
-            app.stopIndeterminateProgress(double(total));
-        app.updateProgress(double(done), double(total), QStringLiteral("Renaming"),
-                           QStringLiteral("%1 of %2").arg(done).arg(total));
+            app.progress().stopIndeterminate(double(total));
+        if (ProgressPanel::shows(double(done), double(total)))
+            app.progress().update(double(done), double(total), QStringLiteral("Renaming"),
+                                  QStringLiteral("%1 of %2").arg(done).arg(total));
     };
     const SafeMover::Report report = call(mover);
     mover.progress = nullptr;
@@ -191,10 +193,27 @@ void registerApplicationMethods(MethodRegistry &registry)
 
     // The file table.
     add(registry, "setTableRows:", [](RZApplication &app, const QVariantList &args) {
-        app.fileTableDataSource().setRows(convert<QVariantList>(args[0], 0));
+        app.fileTableDataSource().setRows(ItemRecordValues::fromScript(convert<QVariantList>(args[0], 0)));
         return QVariant();
     });
-    add(registry, "tableRows", [](RZApplication &app, const QVariantList &) { return QVariant(app.fileTableDataSource().rows()); });
+    add(registry, "tableRows", [](RZApplication &app, const QVariantList &) {
+        return QVariant(ItemRecordValues::toScript(app.fileTableDataSource().rows(), app.engine().dates));
+    });
+    // The moves that give the table's included rows the new names of the
+    // last batch pass: {from, to, row} for each row whose name changes.
+    add(registry, "tableMoves", [](RZApplication &app, const QVariantList &) {
+        const std::vector<ItemRecord> &rows = app.fileTableDataSource().rows();
+        QStringList names;
+        for (const ItemRecord &row : rows)
+            names.append(row.newName);
+        QVariantList moves;
+        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, names))
+            if (!names[rowMove.row].isEmpty() && names[rowMove.row] != rows[size_t(rowMove.row)].name)
+                moves.append(QVariantMap{{QStringLiteral("from"), rowMove.move.from},
+                                         {QStringLiteral("to"), rowMove.move.to},
+                                         {QStringLiteral("row"), rowMove.row}});
+        return QVariant(moves);
+    });
     add(registry, "getValueForColumn:atRow:", [](RZApplication &app, const QVariantList &args) {
         return app.fileTableDataSource().valueForColumn(convert<QString>(args[0], 0), convert<int>(args[1], 1));
     });
@@ -205,16 +224,16 @@ void registerApplicationMethods(MethodRegistry &registry)
 
     // Progress.
     add(registry, "updateProgress:maxCount:withSuperMessage:withMessage:", [](RZApplication &app, const QVariantList &args) {
-        app.updateProgress(convert<double>(args[0], 0), convert<double>(args[1], 1), convert<QString>(args[2], 2),
-                           convert<QString>(args[3], 3));
+        app.progress().update(convert<double>(args[0], 0), convert<double>(args[1], 1), convert<QString>(args[2], 2),
+                              convert<QString>(args[3], 3));
         return QVariant();
     });
     add(registry, "stopIndeterminateProgress:", [](RZApplication &app, const QVariantList &args) {
-        app.stopIndeterminateProgress(convert<double>(args[0], 0));
+        app.progress().stopIndeterminate(convert<double>(args[0], 0));
         return QVariant();
     });
     add(registry, "stopProgressAction:", [](RZApplication &app, const QVariantList &) {
-        app.stopProgressAction();
+        app.progress().stop();
         return QVariant();
     });
     add(registry, "updateStatus:", [](RZApplication &, const QVariantList &args) {
@@ -230,7 +249,7 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(FileMoves::moveWithoutReplacing(convert<QString>(args[0], 0), convert<QString>(args[1], 1)) == 0);
     });
     add(registry, "cleanData:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(BatchRenaming::cleanData(convert<QVariantList>(args[0], 0), app.engine().date1904));
+        return QVariant(BatchRenaming::cleanData(convert<QVariantList>(args[0], 0), app.engine().dates.date1904));
     });
     add(registry, "runCommand:withArguments:", [](RZApplication &, const QVariantList &args) {
         return QVariant(BatchRenaming::runCommand(convert<QString>(args[0], 0), convert<QStringList>(args[1], 1)));

@@ -1,7 +1,8 @@
 #include "FileTableModel.h"
 
 #include "ByteFormatter.h"
-#include "SortFunctions.h"
+#include "ItemRecordValues.h"
+#include "RowOrder.h"
 
 #include <QApplication>
 #include <QColor>
@@ -30,37 +31,31 @@ const QStringList &FileTableModel::columnIdentifiers()
 
 FileTableModel::FileTableModel(QObject *parent) : QAbstractTableModel(parent) {}
 
-void FileTableModel::setRows(const QVariantList &rows)
+void FileTableModel::setRows(std::vector<ItemRecord> rows)
 {
     beginResetModel();
-    m_rows.clear();
+    m_rows = std::move(rows);
     m_newNames.clear();
     m_conflicts.clear();
     m_warnings.clear();
-    // Only records are rows; anything else a listing left (a stop marker) is not.
-    for (const QVariant &row : rows)
-        if (row.typeId() == QMetaType::QVariantMap)
-            m_rows.append(row);
     endResetModel();
 }
 
 QVariant FileTableModel::valueForColumn(const QString &identifier, int row) const
 {
-    if (row < 0 || row >= m_rows.size())
+    if (row < 0 || size_t(row) >= m_rows.size())
         return QVariant();
     if (row < m_newNames.size() && identifier == QLatin1String("new"))
         return m_newNames[row];
-    return m_rows[row].toMap().value(identifier);
+    return ItemRecordValues::field(m_rows[size_t(row)], identifier, m_dates);
 }
 
 bool FileTableModel::setValue(const QVariant &value, const QString &identifier, int row)
 {
     const int column = int(columnIdentifiers().indexOf(identifier));
-    if (row < 0 || row >= m_rows.size() || column < 0)
+    if (row < 0 || size_t(row) >= m_rows.size() || column < 0)
         return false;
-    QVariantMap record = m_rows[row].toMap();
-    record.insert(identifier, value);
-    m_rows[row] = record;
+    ItemRecordValues::setField(m_rows[size_t(row)], identifier, value);
     if (column == New && row < m_newNames.size())
         m_newNames[row] = value.toString();
     emit dataChanged(index(row, column), index(row, column));
@@ -69,8 +64,8 @@ bool FileTableModel::setValue(const QVariant &value, const QString &identifier, 
 
 void FileTableModel::setNewNames(const QStringList &names)
 {
-    m_newNames = names.mid(0, m_rows.size());
-    if (!m_rows.isEmpty())
+    m_newNames = names.mid(0, qsizetype(m_rows.size()));
+    if (!m_rows.empty())
         emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
 }
 
@@ -88,14 +83,16 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid())
         return QVariant();
-    const QVariant value = valueForColumn(columnIdentifiers()[index.column()], index.row());
     if (index.column() == Include)
-        return role == Qt::CheckStateRole ? QVariant(value.toBool() ? Qt::Checked : Qt::Unchecked) : QVariant();
+        return role == Qt::CheckStateRole ? QVariant(m_rows[size_t(index.row())].include ? Qt::Checked : Qt::Unchecked)
+                                          : QVariant();
     const bool conflict = index.column() == New && !conflictAt(index.row()).isEmpty();
     const bool warning = index.column() == New && !conflict && !warningAt(index.row()).isEmpty();
     switch (role) {
-    case Qt::DisplayRole:
+    case Qt::DisplayRole: {
+        const QVariant value = valueForColumn(columnIdentifiers()[index.column()], index.row());
         return index.column() == Size ? ROZ_ByteFormatter::stringForObjectValue(value) : asText(value);
+    }
     case Qt::TextAlignmentRole:
         return index.column() == Size ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
     case Qt::ToolTipRole:
@@ -115,8 +112,8 @@ void FileTableModel::setConflicts(const QStringList &reasons)
 {
     if (reasons == m_conflicts)
         return;
-    m_conflicts = reasons.mid(0, m_rows.size());
-    if (!m_rows.isEmpty())
+    m_conflicts = reasons.mid(0, qsizetype(m_rows.size()));
+    if (!m_rows.empty())
         emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
 }
 
@@ -124,8 +121,8 @@ void FileTableModel::setWarnings(const QStringList &warnings)
 {
     if (warnings == m_warnings)
         return;
-    m_warnings = warnings.mid(0, m_rows.size());
-    if (!m_rows.isEmpty())
+    m_warnings = warnings.mid(0, qsizetype(m_rows.size()));
+    if (!m_rows.empty())
         emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
 }
 
@@ -133,24 +130,25 @@ void FileTableModel::sort(int column, Qt::SortOrder order)
 {
     if (column < 0 || column >= ColumnCount)
         return;
-    const QString key = columnIdentifiers()[column];
-    auto compare = [&](const QVariant &a, const QVariant &b) {
-        const QVariant x = a.toMap().value(key), y = b.toMap().value(key);
-        switch (column) {
-        case Creation:
-        case Modification:
-            return x.toDateTime() < y.toDateTime() ? -1 : y.toDateTime() < x.toDateTime() ? 1 : 0;
-        case Size:
-        case Include:
-            return x.toDouble() < y.toDouble() ? -1 : y.toDouble() < x.toDouble() ? 1 : 0;
-        default:
-            return SortFunctions::stringAsNumberCompare(x.toString(), y.toString());
-        }
-    };
+    const bool descending = order == Qt::DescendingOrder;
     beginResetModel();
-    std::stable_sort(m_rows.begin(), m_rows.end(), [&](const QVariant &a, const QVariant &b) {
-        return order == Qt::AscendingOrder ? compare(a, b) < 0 : compare(b, a) < 0;
-    });
+    switch (column) {
+    case Creation:
+        RowOrder::byValue(m_rows, RowOrder::Value::Created, descending);
+        break;
+    case Modification:
+        RowOrder::byValue(m_rows, RowOrder::Value::Modified, descending);
+        break;
+    case Size:
+        RowOrder::byValue(m_rows, RowOrder::Value::Size, descending);
+        break;
+    case Include:
+        RowOrder::byValue(m_rows, RowOrder::Value::Include, descending);
+        break;
+    default:
+        RowOrder::byName(m_rows, descending);
+        break;
+    }
     m_newNames.clear();
     m_conflicts.clear();
     m_warnings.clear();
@@ -265,19 +263,21 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
         return true;
     // Rows before the drop point that stay, the dragged rows in their list
     // order, then the rest that stay.
-    QVariantList reordered;
-    const int dropRow = std::clamp(row, 0, int(m_rows.size()));
+    std::vector<ItemRecord> reordered;
+    reordered.reserve(m_rows.size());
+    const int count = int(m_rows.size());
+    const int dropRow = std::clamp(row, 0, count);
     for (int i = 0; i < dropRow; ++i)
         if (!dragged->contains(i))
-            reordered.append(m_rows[i]);
+            reordered.push_back(m_rows[size_t(i)]);
     for (int i : *dragged)
-        if (i >= 0 && i < m_rows.size())
-            reordered.append(m_rows[i]);
-    for (int i = dropRow; i < m_rows.size(); ++i)
+        if (i >= 0 && i < count)
+            reordered.push_back(m_rows[size_t(i)]);
+    for (int i = dropRow; i < count; ++i)
         if (!dragged->contains(i))
-            reordered.append(m_rows[i]);
+            reordered.push_back(m_rows[size_t(i)]);
     beginResetModel();
-    m_rows = reordered;
+    m_rows = std::move(reordered);
     m_newNames.clear(); // the order decides the counters: the preview is stale
     m_conflicts.clear();
     m_warnings.clear();

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "ClampedDates.h"
+#include "ItemRecord.h"
+
 #include <QAbstractTableModel>
 #include <QVariantList>
 #include <functional>
+#include <vector>
 
 // The file table's rows: one item record per row, one column per record key.
 // Rows can be dragged within the table to a new order ("DraggedTableRows",
@@ -19,8 +23,8 @@ public:
     explicit FileTableModel(QObject *parent = nullptr);
     QString className() const { return QStringLiteral("ASKDataSource"); }
 
-    const QVariantList &rows() const { return m_rows; }
-    void setRows(const QVariantList &rows);
+    const std::vector<ItemRecord> &rows() const { return m_rows; }
+    void setRows(std::vector<ItemRecord> rows);
     QVariant valueForColumn(const QString &identifier, int row) const;
     bool setValue(const QVariant &value, const QString &identifier, int row);
 
@@ -60,16 +64,20 @@ public:
     void setWarnings(const QStringList &warnings);
     QString warningAt(int row) const { return m_warnings.value(row); }
 
-    // Rows in order of a column: names and locations in natural order,
-    // dates and sizes by value. The order is the one counters follow.
+    // Rows in order of a column: names and locations in natural order
+    // within their folders, dates and sizes by value. The order is the one
+    // counters follow.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+    const ClampedDates &dates() const { return m_dates; }
 
 signals:
     // The rows changed order (a sort or a drag): new names are stale.
     void rowsReordered();
 
 private:
-    QVariantList m_rows;
+    ClampedDates m_dates;
+    std::vector<ItemRecord> m_rows;
     QStringList m_newNames; // a preview's names, shown until rows change
     QStringList m_conflicts;
     QStringList m_warnings;

@@ -1,35 +1,26 @@
 #include "RZApplication.h"
 
+#include "BatchPass.h"
 #include "BatchRenaming.h"
-#include "DictionaryAdditions.h"
+#include "FormatString.h"
 #include "GrepReplace.h"
-#include "NamedException.h"
-#include "ScriptSubroutines.h"
-#include "SafeMover.h"
-#include "TablePreview.h"
+#include "ItemRecordValues.h"
 #include "MiscMethods.h"
-#include "StringAdditions.h"
+#include "NamedException.h"
+#include "RuleForm.h"
+#include "ScriptSubroutines.h"
 #include "UiStrings.h"
 
 #include <QAbstractButton>
-#include <QAbstractItemView>
-#include <QElapsedTimer>
+#include <QAction>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QHeaderView>
-#include <QLabel>
-#include <QProgressBar>
+#include <QLineEdit>
+#include <QMimeData>
 #include <QTableView>
 #include <QThreadPool>
-#include <QAction>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QDropEvent>
-#include <QFile>
-#include <QFileInfo>
-#include <QMimeData>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QUiLoader>
 #include <QUrl>
 
 #ifndef NOMEN_RESOURCE_DIR
@@ -48,6 +39,16 @@ const QStringList previewFields = {"prefix",          "prefix_start_num", "prefi
 QDateTime fixedDate(const QString &text)
 {
     return ROZ_MiscMethods::dateFromString(text).value_or(QDateTime());
+}
+
+std::unique_ptr<CompiledScript> loadHelper(const MethodRegistry &methods, const QString &name)
+{
+    QVariantMap error;
+    std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(
+        methods, RZApplication::resourceDirectory() + QStringLiteral("/Scripts/") + name + QStringLiteral(".scpt"), &error));
+    if (!script)
+        throw NamedException(NSGenericException, QStringLiteral("Error loading \"%1.scpt\".").arg(name));
+    return script;
 }
 
 } // namespace
@@ -76,25 +77,14 @@ QString RZApplication::resourceDirectory()
     return configured.isEmpty() ? QStringLiteral(NOMEN_RESOURCE_DIR) : configured;
 }
 
-namespace {
-
-std::unique_ptr<CompiledScript> loadHelper(const MethodRegistry &methods, const QString &name)
-{
-    QVariantMap error;
-    std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(
-        methods, RZApplication::resourceDirectory() + QStringLiteral("/Scripts/") + name + QStringLiteral(".scpt"), &error));
-    if (!script)
-        throw NamedException(NSGenericException, QStringLiteral("Error loading \"%1.scpt\".").arg(name));
-    return script;
-}
-
-} // namespace
-
 void RZApplication::init(const MethodRegistry &methods)
 {
     UiStrings::install(*this);
-    loadInterface();
     m_engine = std::make_unique<RenameEngine>();
+    m_form = std::make_unique<InterfaceFile>(resourceDirectory() + QStringLiteral("/MainWindow.ui"));
+    m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine->stopProgressBool);
+    m_preview = new PreviewScheduler(*m_engine, *m_table, this);
+    loadInterface();
     is104Plus = ROZ_MiscMethods::return104Plus();
     m_perl = loadHelper(methods, QStringLiteral("perl"));
     m_exifInfo = loadHelper(methods, QStringLiteral("exif_info"));
@@ -117,16 +107,10 @@ QVariant RZApplication::getEXIFDate(const QVariant &path)
 
 void RZApplication::loadInterface()
 {
-    QUiLoader loader;
-    QFile file(resourceDirectory() + QStringLiteral("/MainWindow.ui"));
-    if (file.open(QIODevice::ReadOnly))
-        m_window.reset(loader.load(&file));
-    if (!m_window)
-        m_window = std::make_unique<QWidget>();
     // User edits only: text set by the program is not an edit.
-    for (QLineEdit *field : m_window->findChildren<QLineEdit *>())
+    for (QLineEdit *field : window()->findChildren<QLineEdit *>())
         connect(field, &QLineEdit::textEdited, this, [this, field] { textDidChange(field); });
-    if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")))) {
+    if (auto *table = m_form->control<QTableView>(QStringLiteral("fileTable"))) {
         table->setModel(m_table);
         table->setSelectionBehavior(QAbstractItemView::SelectRows);
         table->setDragDropMode(QAbstractItemView::DragDrop);
@@ -144,8 +128,8 @@ void RZApplication::loadInterface()
         for (const auto &[column, width] : widths)
             table->setColumnWidth(column, width);
     }
-    if (auto *stop = qobject_cast<QAbstractButton *>(outlet(QStringLiteral("stop_progress"))))
-        connect(stop, &QAbstractButton::clicked, this, [this] { stopProgressAction(); });
+    if (auto *stop = m_form->control<QAbstractButton>(QStringLiteral("stop_progress")))
+        connect(stop, &QAbstractButton::clicked, this, [this] { m_progress->stop(); });
     connectInterfaceEvents();
 }
 
@@ -153,59 +137,60 @@ void RZApplication::connectInterfaceEvents()
 {
     // Every named button, check box, radio button and popup reports its
     // action; Stop is handled here, as it must work while a loop runs.
-    for (QAbstractButton *button : m_window->findChildren<QAbstractButton *>()) {
+    for (QAbstractButton *button : window()->findChildren<QAbstractButton *>()) {
         const QString name = button->objectName();
         if (!name.isEmpty() && !name.startsWith(QLatin1String("qt_")) && name != QLatin1String("stop_progress"))
             connect(button, &QAbstractButton::clicked, this, [this, name] { emit scriptEvent(QStringLiteral("clicked"), name); });
     }
     // Return in a text field is its action too.
-    for (QLineEdit *field : m_window->findChildren<QLineEdit *>()) {
+    for (QLineEdit *field : window()->findChildren<QLineEdit *>()) {
         const QString name = field->objectName();
         connect(field, &QLineEdit::returnPressed, this, [this, name] { emit scriptEvent(QStringLiteral("clicked"), name); });
     }
-    for (QComboBox *popup : m_window->findChildren<QComboBox *>()) {
+    for (QComboBox *popup : window()->findChildren<QComboBox *>()) {
         const QString name = popup->objectName();
         connect(popup, &QComboBox::activated, this, [this, name] { emit scriptEvent(QStringLiteral("clicked"), name); });
     }
-    for (QAction *action : m_window->findChildren<QAction *>()) {
+    for (QAction *action : window()->findChildren<QAction *>()) {
         const QString name = action->objectName();
         if (!name.isEmpty())
             connect(action, &QAction::triggered, this, [this, name] { emit scriptEvent(QStringLiteral("choseMenuItem"), name); });
     }
-    connect(this, &RZApplication::tablePreviewApplied, this, [this] {
+    connect(m_preview, &PreviewScheduler::applied, this, [this] {
+        emit tablePreviewApplied();
         emit scriptEvent(QStringLiteral("previewed"), QVariant());
-        checkConflicts();
+        m_preview->checkConflicts();
     });
+    connect(m_preview, &PreviewScheduler::conflictsMarked, this, &RZApplication::conflictsMarked);
     connect(this, &QCoreApplication::aboutToQuit, this, [this] { emit scriptEvent(QStringLiteral("willQuit"), QVariant()); });
     m_table->filesDropped = [this](const QStringList &paths, int) { emit scriptEvent(QStringLiteral("dropped"), paths); };
     // The counters follow the table's order: a new order needs new names.
     connect(m_table, &FileTableModel::rowsReordered, this, [this] {
         // Rows dragged to a new place are in no column's order any more.
         if (!m_sorting)
-            if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable"))))
+            if (auto *table = m_form->control<QTableView>(QStringLiteral("fileTable")))
                 table->horizontalHeader()->setSortIndicatorShown(false);
         refreshPreview();
     });
-    connect(m_table, &QAbstractItemModel::modelReset, this, [this] { ++m_conflictGeneration; });
     // A row ticked or unticked changes the counters of the rows after it.
     connect(m_table, &QAbstractItemModel::dataChanged, this, [this](const QModelIndex &from, const QModelIndex &to) {
         if (from.column() <= FileTableModel::Include && to.column() >= FileTableModel::Include)
             refreshPreview();
     });
-    if (auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")))) {
+    if (auto *table = m_form->control<QTableView>(QStringLiteral("fileTable"))) {
         // Names in natural order until the user picks another order.
         table->horizontalHeader()->setSectionsClickable(true);
         table->horizontalHeader()->setSortIndicator(FileTableModel::Original, Qt::AscendingOrder);
         table->horizontalHeader()->setSortIndicatorShown(true);
         connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) { sortByColumn(column); });
     }
-    m_window->setAcceptDrops(true);
-    m_window->installEventFilter(this);
+    window()->setAcceptDrops(true);
+    window()->installEventFilter(this);
 }
 
 void RZApplication::sortByColumn(int column)
 {
-    auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")));
+    auto *table = m_form->control<QTableView>(QStringLiteral("fileTable"));
     if (!table)
         return;
     // The header has turned its indicator round already when it was shown
@@ -219,7 +204,7 @@ void RZApplication::sortByColumn(int column)
 
 void RZApplication::sortTableRows()
 {
-    auto *table = qobject_cast<QTableView *>(outlet(QStringLiteral("fileTable")));
+    auto *table = m_form->control<QTableView>(QStringLiteral("fileTable"));
     if (!table || !table->horizontalHeader()->isSortIndicatorShown())
         return;
     m_sorting = true;
@@ -229,11 +214,13 @@ void RZApplication::sortTableRows()
 
 bool RZApplication::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched != window())
+        return QApplication::eventFilter(watched, event);
     // In a long pass the window is not closed and takes no drops; closing
     // it asks the pass to stop.
-    if (m_frozen && watched == m_window.get()) {
+    if (m_progress->inputFrozen()) {
         if (event->type() == QEvent::Close) {
-            stopProgressAction();
+            m_progress->stop();
             event->ignore();
             return true;
         }
@@ -243,7 +230,7 @@ bool RZApplication::eventFilter(QObject *watched, QEvent *event)
         }
     }
     // Folders and files dropped anywhere on the window.
-    if (watched == m_window.get() && (event->type() == QEvent::DragEnter || event->type() == QEvent::Drop)) {
+    if (event->type() == QEvent::DragEnter || event->type() == QEvent::Drop) {
         auto *drop = static_cast<QDropEvent *>(event);
         if (!drop->mimeData()->hasUrls())
             return false;
@@ -261,281 +248,54 @@ bool RZApplication::eventFilter(QObject *watched, QEvent *event)
     return QApplication::eventFilter(watched, event);
 }
 
-void RZApplication::keepResponsive()
-{
-    static QElapsedTimer clock = [] {
-        QElapsedTimer started;
-        started.start();
-        return started;
-    }();
-    if (clock.elapsed() - m_lastYield < 30)
-        return;
-    m_lastYield = clock.elapsed();
-    if (m_passDepth == 0) {
-        // A loop of a script's own: it repaints, but takes no input.
-        processEvents(QEventLoop::ExcludeUserInputEvents, 5);
-        return;
-    }
-    // Frozen only once events are let through: a short pass never flickers.
-    if (!m_frozen)
-        freezeInput();
-    processEvents(QEventLoop::AllEvents, 5);
-}
-
-RZApplication::LongPass::LongPass(RZApplication &application) : m_application(application)
-{
-    ++m_application.m_passDepth;
-}
-
-RZApplication::LongPass::~LongPass()
-{
-    if (--m_application.m_passDepth == 0 && m_application.m_frozen)
-        m_application.thawInput();
-}
-
-void RZApplication::freezeInput()
-{
-    m_frozen = true;
-    m_focusBeforeFreeze = focusWidget();
-    const QWidget *stop = outlet(QStringLiteral("stop_progress"));
-    for (QWidget *control : m_window->findChildren<QWidget *>()) {
-        const bool takesInput = qobject_cast<QAbstractButton *>(control) || qobject_cast<QLineEdit *>(control)
-                                || qobject_cast<QComboBox *>(control) || qobject_cast<QAbstractItemView *>(control);
-        if (takesInput && control != stop && control->isEnabled()) {
-            control->setEnabled(false);
-            m_frozenControls.append(control);
-        }
-    }
-    for (QAction *action : m_window->findChildren<QAction *>())
-        if (action->isEnabled()) {
-            action->setEnabled(false);
-            m_frozenActions.append(action);
-        }
-}
-
-void RZApplication::thawInput()
-{
-    for (const QPointer<QWidget> &control : std::as_const(m_frozenControls))
-        if (control)
-            control->setEnabled(true);
-    for (const QPointer<QAction> &action : std::as_const(m_frozenActions))
-        if (action)
-            action->setEnabled(true);
-    m_frozenControls.clear();
-    m_frozenActions.clear();
-    if (m_focusBeforeFreeze)
-        m_focusBeforeFreeze->setFocus();
-    m_frozen = false;
-}
-
 QVariant RZApplication::parseItems(const QVariantList &request)
 {
-    const LongPass pass(*this);
-    m_lastYield = -1000; // a Stop pressed just before the listing counts at once
+    const ProgressPanel::LongPass pass(*m_progress);
+    m_progress->yieldNow(); // a Stop pressed just before the listing counts at once
     FolderListing listing = m_engine->listing();
-    listing.keepResponsive = [this] { keepResponsive(); };
-    const auto records = listing.parseItems(ListingRequest::fromArray(request));
-    return records ? QVariant(*records) : QVariant(false);
+    listing.keepResponsive = [this] { m_progress->keepResponsive(); };
+    return ItemRecordValues::toScript(listing.list(ListingRequest::fromArray(request)), m_engine->dates);
 }
 
-QVariantList RZApplication::makeReplacementNames(const QVariantList &request)
+QVariantList RZApplication::makeReplacementNames(const QVariantList &entries)
 {
-    const LongPass pass(*this);
-    BatchProgress progress;
-    progress.stopIndeterminate = [this](double maximum) { stopIndeterminateProgress(maximum); };
-    progress.update = [this](double current, double maximum, const QString &upper, const QString &lower) {
-        updateProgress(current, maximum, upper, lower);
-    };
-    const QVariantList rows = m_table->rows();
+    const ProgressPanel::LongPass longPass(*m_progress);
+    const BatchRequest request = BatchRequest::fromArray(entries);
+    std::vector<ItemRecord> rows = m_table->rows();
+    if (request.rowCount < 0 || size_t(request.rowCount) > rows.size())
+        throw NamedException(NSInvalidArgumentException, QStringLiteral("makeReplacementNames: the request counts %1 rows, "
+                                                                        "but the table holds %2")
+                                                             .arg(request.rowCount)
+                                                             .arg(rows.size()));
+    rows.resize(size_t(request.rowCount));
     QStringList names;
-    for (const QVariant &row : rows)
-        names.append(row.toMap().value(QStringLiteral("original")).toString());
+    names.reserve(request.rowCount);
+    for (const ItemRecord &row : rows)
+        names.append(row.name);
     m_engine->prefetchGrep(names);
-    m_engine->composer.prefixZerosControlConnected = outlet(QStringLiteral("prefix_add_leading_zeros")) != nullptr;
-    m_engine->composer.suffixZerosControlConnected = outlet(QStringLiteral("suffix_add_leading_zeros")) != nullptr;
-    return BatchRenaming::makeReplacementNames(m_engine->composer, BatchRequest::fromArray(request), rows, progress);
-}
+    m_engine->composer.prefixZerosControlConnected = RuleForm::prefixZerosConnected(*m_form);
+    m_engine->composer.suffixZerosControlConnected = RuleForm::suffixZerosConnected(*m_form);
+    m_advanceExcluded = request.advanceExcluded;
 
-void RZApplication::updateProgress(double current, double maximum, const QString &upper, const QString &lower)
-{
-    // Fewer screen updates for long passes; the last value is skipped like
-    // any other that is not a multiple.
-    const qint64 step = qint64(current);
-    if ((maximum > 200 && step % 25 != 0) || (maximum > 50 && maximum <= 200 && step % 10 != 0))
-        return;
-    if (auto *label = qobject_cast<QLabel *>(outlet(QStringLiteral("progress_label_super"))))
-        label->setText(upper);
-    if (auto *label = qobject_cast<QLabel *>(outlet(QStringLiteral("progress_label"))))
-        label->setText(lower);
-    if (auto *indicator = qobject_cast<QProgressBar *>(outlet(QStringLiteral("theIndicator")))) {
-        indicator->setValue(int(current));
-        // Drawn now: the loop calling this does not return to the event loop.
-        indicator->window()->repaint();
-    }
-    keepResponsive();
-}
-
-void RZApplication::stopIndeterminateProgress(double maximum)
-{
-    if (auto *indicator = qobject_cast<QProgressBar *>(outlet(QStringLiteral("theIndicator")))) {
-        indicator->setMinimum(0);
-        indicator->setMaximum(int(maximum));
-    }
-}
-
-void RZApplication::stopProgressAction()
-{
-    m_engine->stopProgressBool.store(false);
-}
-
-void RZApplication::refreshTablePreview()
-{
-    const QVariantList rows = m_table->rows();
-    if (rows.isEmpty() || m_capturedSettings.size() < RenameSettings::count)
-        return;
-    // A copy as it stands after the settings were captured: the preview of
-    // the first name has already advanced the engine's own counters once.
-    NameComposer copy = m_engine->composer;
-    copy.settings = m_engine->settings();
-    copy.settings.setConstantData(m_capturedSettings);
-    const qint32 prefixChoice = copy.settings._prefix_date_to_use;
-    const qint32 suffixChoice = copy.settings._suffix_date_to_use;
-    const bool grep = copy.settings._search_type_1 == QLatin1String("GREP") && !copy.settings._filename_search_1.isEmpty();
-    const quint64 generation = ++m_previewGeneration;
-    QElapsedTimer clock;
-    clock.start();
-    if (!grep && rows.size() <= immediatePreviewRows) {
-        copy.baseNameCache = m_previewBases; // this thread's own, kept between keystrokes
-        m_table->setNewNames(TablePreview::newNames(copy, rows, prefixChoice, suffixChoice, QDateTime::currentDateTime()));
-        lastTablePreviewInBackground = false;
-        emit tablePreviewApplied();
-        lastTablePreviewMs = clock.elapsed(); // with what the new names set off
-        return;
-    }
-    // Larger tables, and GREP rules, are worked out aside: typing never waits.
-    lastTablePreviewInBackground = true;
-    QThreadPool::globalInstance()->start([this, copy, rows, prefixChoice, suffixChoice, generation, grep, clock]() mutable {
-        if (grep)
-            copy.grep = TablePreview::prefetchedGrep(copy.settings, rows);
-        const QStringList names = TablePreview::newNames(copy, rows, prefixChoice, suffixChoice, QDateTime::currentDateTime());
-        QMetaObject::invokeMethod(this, [this, names, generation, clock] {
-            if (generation != m_previewGeneration)
-                return; // the rules changed again meanwhile
-            m_table->setNewNames(names);
-            lastTablePreviewMs = clock.elapsed();
-            emit tablePreviewApplied();
-        }, Qt::QueuedConnection);
-    });
-}
-
-QWidget *RZApplication::outlet(const QString &name) const
-{
-    if (!m_window)
-        return nullptr;
-    if (m_window->objectName() == name)
-        return m_window.get();
-    return m_window->findChild<QWidget *>(name);
-}
-
-QString RZApplication::text(const QString &outletName) const
-{
-    if (const auto *field = qobject_cast<QLineEdit *>(outlet(outletName)))
-        return field->text();
-    return QString(QLatin1String(""));
-}
-
-qint32 RZApplication::integer(const QString &outletName) const
-{
-    return ROZ_NSDictionaryAdditions::intValue(text(outletName));
-}
-
-bool RZApplication::checked(const QString &outletName) const
-{
-    const auto *box = qobject_cast<QAbstractButton *>(outlet(outletName));
-    return box && box->isChecked();
-}
-
-QString RZApplication::popupTitle(const QString &outletName) const
-{
-    const auto *popup = qobject_cast<QComboBox *>(outlet(outletName));
-    return popup ? popup->currentText() : QString(QLatin1String(""));
-}
-
-int RZApplication::popupIndex(const QString &outletName) const
-{
-    const auto *popup = qobject_cast<QComboBox *>(outlet(outletName));
-    return popup ? popup->currentIndex() : -1;
-}
-
-// A matrix is a group of radio buttons in order; its selection is the index
-// of the checked one (its row or its column), -1 for none.
-int RZApplication::matrixSelection(const QString &outletName) const
-{
-    const QWidget *matrix = outlet(outletName);
-    if (!matrix)
-        return -1;
-    const QList<QRadioButton *> cells = matrix->findChildren<QRadioButton *>(QString(), Qt::FindDirectChildrenOnly);
-    for (qsizetype i = 0; i < cells.size(); ++i)
-        if (cells[i]->isChecked())
-            return int(i);
-    return -1;
+    m_progress->stopIndeterminate(request.rowCount);
+    PassRequest pass{request.prefixChoice, request.suffixChoice, request.suppliedDate, request.rowCount,
+                     request.advanceExcluded, {}};
+    pass.progress = [&](qint32 n, qint32 count) {
+        // Only the steps the panel shows are worded.
+        if (ProgressPanel::shows(n, count))
+            m_progress->update(n, count, request.upperText,
+                               FormatString::apply(request.lowerFormat, {qlonglong(n), qlonglong(count), request.word}));
+    };
+    const QStringList newNames = BatchPass::newNames(m_engine->composer, rows, pass, m_engine->dates);
+    for (size_t i = 0; i < rows.size(); ++i)
+        rows[i].newName = newNames[qsizetype(i)];
+    return ItemRecordValues::toScript(rows, m_engine->dates);
 }
 
 void RZApplication::getConstantData()
 {
-    m_capturedSettings = capturedSettings();
+    m_capturedSettings = RuleForm::settings(*m_form);
     setConstantData(m_capturedSettings);
-}
-
-QVariantList RZApplication::capturedSettings() const
-{
-    QString extension = QLatin1String("");
-    bool useNewExtension = false;
-    bool changeExtensionCase = false;
-    switch (matrixSelection(QStringLiteral("extension_matrix"))) {
-    case 1:
-        extension = text(QStringLiteral("extension"));
-        useNewExtension = true;
-        break;
-    case 2:
-        extension = popupTitle(QStringLiteral("extension_popup"));
-        useNewExtension = true;
-        break;
-    case 3:
-        changeExtensionCase = true;
-        break;
-    default:
-        break;
-    }
-    if (!ROZ_NSStringAdditions::isBlankString(extension) && !extension.startsWith(u'.'))
-        extension = u'.' + extension;
-
-    return {
-        text(QStringLiteral("prefix")),
-        integer(QStringLiteral("prefix_start_num")),
-        integer(QStringLiteral("prefix_ai_counter")),
-        checked(QStringLiteral("prefix_add_leading_zeros")),
-        integer(QStringLiteral("prefix_add_leading_zeros_min")),
-        checked(QStringLiteral("inc_original_name")),
-        text(QStringLiteral("search_1")),
-        text(QStringLiteral("replace_1")),
-        matrixSelection(QStringLiteral("snr_type_1")) == 1 ? QStringLiteral("GREP") : QStringLiteral("literal"),
-        checked(QStringLiteral("snr_consider_case_1")),
-        integer(QStringLiteral("trim_start")),
-        integer(QStringLiteral("trim_end")),
-        checked(QStringLiteral("change_case")),
-        popupTitle(QStringLiteral("the_case")),
-        checked(QStringLiteral("orig_strip_diacriticals")),
-        text(QStringLiteral("suffix")),
-        integer(QStringLiteral("suffix_start_num")),
-        integer(QStringLiteral("suffix_ai_counter")),
-        checked(QStringLiteral("suffix_add_leading_zeros")),
-        integer(QStringLiteral("suffix_add_leading_zeros_min")),
-        extension,
-        useNewExtension,
-        changeExtensionCase,
-        popupTitle(QStringLiteral("ext_case")),
-    };
 }
 
 void RZApplication::setConstantData(const QVariantList &entries)
@@ -546,8 +306,8 @@ void RZApplication::setConstantData(const QVariantList &entries)
 QString RZApplication::generateNewName(const QVariantList &request)
 {
     // The counter is padded whenever the leading-zeros control exists.
-    m_engine->composer.prefixZerosControlConnected = outlet(QStringLiteral("prefix_add_leading_zeros")) != nullptr;
-    m_engine->composer.suffixZerosControlConnected = outlet(QStringLiteral("suffix_add_leading_zeros")) != nullptr;
+    m_engine->composer.prefixZerosControlConnected = RuleForm::prefixZerosConnected(*m_form);
+    m_engine->composer.suffixZerosControlConnected = RuleForm::suffixZerosConnected(*m_form);
     return m_engine->composer.generateNewName(CompositionRequest::fromArray(request));
 }
 
@@ -565,86 +325,33 @@ void RZApplication::refreshPreview()
         return;
     getConstantData();
     RenameSettings &settings = m_engine->settings();
-    settings._prefix_date_to_use = popupIndex(QStringLiteral("prefix_date_to_use")) + 1;
-    settings._suffix_date_to_use = popupIndex(QStringLiteral("suffix_date_to_use")) + 1;
+    settings._prefix_date_to_use = RuleForm::prefixDateChoice(*m_form);
+    settings._suffix_date_to_use = RuleForm::suffixDateChoice(*m_form);
 
-    const QVariantList rows = m_table->rows();
-    QString sample;
+    const std::vector<ItemRecord> &rows = m_table->rows();
+    ItemRecord sample;
     qint32 rowCount = 10;
-    QDateTime created;
-    QDateTime modified;
-    if (rows.isEmpty()) {
-        sample = QCoreApplication::translate("ui", "sample_original_name");
-        created = fixedDate(QStringLiteral("2000-01-01 12:00:00 +0500"));
-        modified = fixedDate(QStringLiteral("2002-12-31 12:00:00 +0500"));
+    if (rows.empty()) {
+        sample.name = QCoreApplication::translate("ui", "sample_original_name");
+        sample.created = fixedDate(QStringLiteral("2000-01-01 12:00:00 +0500")).toMSecsSinceEpoch();
+        sample.modified = fixedDate(QStringLiteral("2002-12-31 12:00:00 +0500")).toMSecsSinceEpoch();
     } else {
-        const QVariantMap first = rows.first().toMap();
-        sample = first.value(QStringLiteral("original")).toString();
+        sample = rows.front();
         rowCount = qint32(rows.size());
-        created = first.value(QStringLiteral("creation")).toDateTime();
-        modified = first.value(QStringLiteral("modification")).toDateTime();
     }
-    auto dateFor = [&](qint32 choice) {
-        switch (choice) {
-        case 1:
-            return QDateTime::currentDateTime();
-        case 2:
-            return created;
-        case 3:
-            return modified;
-        default:
-            return QDateTime();
-        }
-    };
-    const QString preview = generateNewName({sample, rowCount, false, QString(QLatin1String("")),
-                                             dateFor(settings._prefix_date_to_use),
-                                             dateFor(settings._suffix_date_to_use)});
-    if (auto *previewField = qobject_cast<QLineEdit *>(outlet(QStringLiteral("preview_name"))))
+    const QDateTime now = QDateTime::currentDateTime();
+    const QString preview = generateNewName(
+        {sample.name, rowCount, false, QString(QLatin1String("")),
+         BatchPass::dateFor(settings._prefix_date_to_use, now, sample, m_engine->dates),
+         BatchPass::dateFor(settings._suffix_date_to_use, now, sample, m_engine->dates)});
+    if (auto *previewField = m_form->control<QLineEdit>(QStringLiteral("preview_name")))
         previewField->setText(preview);
-    m_engine->sample_name = sample;
+    m_engine->sample_name = sample.name;
     // The names in the table are stale now.
     if (QWidget *rename = outlet(QStringLiteral("rename")))
         rename->setEnabled(false);
     if (QWidget *update = outlet(QStringLiteral("update")))
-        update->setEnabled(text(QStringLiteral("source_folder")) != QLatin1String(""));
-    refreshTablePreview();
-}
-
-void RZApplication::checkConflicts()
-{
-    const QVariantList rows = m_table->rows();
-    const QStringList newNames = m_table->previewedNames();
-    const bool previewed = m_table->hasPreviewedNames();
-    const quint64 generation = ++m_conflictGeneration;
-    // The check looks at the disk for every row: aside, so typing never waits.
-    QThreadPool::globalInstance()->start([this, rows, newNames, previewed, generation] {
-        // Without a preview the rows' own new names count, where they have one.
-        QStringList names = newNames;
-        if (!previewed)
-            for (const QVariant &row : rows)
-                names.append(row.toMap().value(QStringLiteral("new")).toString());
-        std::vector<SafeMover::Move> moves;
-        std::vector<int> rowOfMove;
-        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, names)) {
-            if (!previewed && names[rowMove.row].isEmpty())
-                continue; // no new name worked out yet
-            moves.push_back(rowMove.move);
-            rowOfMove.push_back(rowMove.row);
-        }
-        const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
-        QStringList reasons(rows.size());
-        QStringList warnings(rows.size());
-        for (size_t i = 0; i < outcomes.size(); ++i) {
-            if (outcomes[i].status == SafeMover::Status::Conflict)
-                reasons[rowOfMove[i]] = outcomes[i].reason;
-            warnings[rowOfMove[i]] = outcomes[i].warning;
-        }
-        QMetaObject::invokeMethod(this, [this, reasons, warnings, generation] {
-            if (generation != m_conflictGeneration || reasons.size() != m_table->rows().size())
-                return; // the names or the rows changed meanwhile
-            m_table->setConflicts(reasons);
-            m_table->setWarnings(warnings);
-            emit conflictsMarked();
-        }, Qt::QueuedConnection);
-    });
+        if (auto *folder = m_form->control<QLineEdit>(QStringLiteral("source_folder")))
+            update->setEnabled(!folder->text().isEmpty());
+    m_preview->refresh(m_capturedSettings, m_advanceExcluded);
 }

@@ -3,6 +3,7 @@
 // with any conflict; --apply renames through the safe mover, --undo puts
 // the last batch back, --finish and --roll-back deal with a batch cut short.
 
+#include "BatchPass.h"
 #include "BatchRenaming.h"
 #include "CliOptions.h"
 #include "CliReport.h"
@@ -10,9 +11,8 @@
 #include "LocalTimeZone.h"
 #include "NamedException.h"
 #include "RenameEngine.h"
+#include "RowOrder.h"
 #include "SafeMover.h"
-#include "SortFunctions.h"
-#include "TablePreview.h"
 #include "UiStrings.h"
 
 #include <QCoreApplication>
@@ -50,19 +50,16 @@ private:
     struct sigaction m_terminate = {};
 };
 
-void sortRows(QVariantList &rows, const QString &order)
+// The rows in the order asked for: the window's natural name order unless
+// told otherwise.
+void sortRows(std::vector<ItemRecord> &rows, const QString &order)
 {
-    if (order == QLatin1String("none"))
-        return;
-    std::stable_sort(rows.begin(), rows.end(), [&](const QVariant &a, const QVariant &b) {
-        const QVariantMap x = a.toMap(), y = b.toMap();
-        if (order == QLatin1String("date"))
-            return x.value("modification").toDateTime() < y.value("modification").toDateTime();
-        if (order == QLatin1String("size"))
-            return x.value("size").toULongLong() < y.value("size").toULongLong();
-        return SortFunctions::stringAsNumberCompare(x.value("location").toString() + x.value("original").toString(),
-                                                    y.value("location").toString() + y.value("original").toString()) < 0;
-    });
+    if (order == QLatin1String("date"))
+        RowOrder::byValue(rows, RowOrder::Value::Modified);
+    else if (order == QLatin1String("size"))
+        RowOrder::byValue(rows, RowOrder::Value::Size);
+    else if (order != QLatin1String("none"))
+        RowOrder::byName(rows);
 }
 
 // The moves the rule makes of the named folders and files.
@@ -70,7 +67,7 @@ std::vector<SafeMover::Move> composedMoves(const QCommandLineParser &options, co
 {
     RenameEngine engine;
     engine.use_exif_date = options.isSet("exif");
-    QVariantList rows;
+    std::vector<ItemRecord> rows;
     for (const QString &root : roots) {
         ListingRequest request;
         request.paths = {root};
@@ -80,20 +77,22 @@ std::vector<SafeMover::Move> composedMoves(const QCommandLineParser &options, co
         request.longNames = options.isSet("long-names");
         request.extensions = options.value("ext-filter").split(u',', Qt::SkipEmptyParts);
         request.typeCodes = options.value("type").split(u',', Qt::SkipEmptyParts);
-        rows += engine.listing().parseItems(request).value_or(QVariantList());
+        Listing listing = engine.listing().list(request);
+        rows.insert(rows.end(), std::make_move_iterator(listing.items.begin()), std::make_move_iterator(listing.items.end()));
     }
     sortRows(rows, options.value("sort"));
     engine.settings().setConstantData(CliOptions::settings(options));
     QStringList names;
-    for (const QVariant &row : rows)
-        names.append(row.toMap().value("original").toString());
+    names.reserve(qsizetype(rows.size()));
+    for (const ItemRecord &row : rows)
+        names.append(row.name);
     engine.prefetchGrep(names);
-    // The batch pass's names; the rows themselves say where each file is.
-    const qint32 choice = CliOptions::dateChoice(options);
+    PassRequest pass;
+    pass.prefixChoice = pass.suffixChoice = CliOptions::dateChoice(options);
+    pass.supplied = QDateTime::currentDateTime();
     std::vector<SafeMover::Move> moves;
-    for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(
-             rows, TablePreview::newNames(engine.composer, rows, choice, choice, QDateTime::currentDateTime())))
-        moves.push_back(rowMove.move);
+    for (BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, BatchPass::newNames(engine.composer, rows, pass, engine.dates)))
+        moves.push_back(std::move(rowMove.move));
     return moves;
 }
 

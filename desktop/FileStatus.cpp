@@ -135,8 +135,12 @@ constexpr int infoSize = 32;
 
 std::optional<Info> read(const QString &path, bool followLinks)
 {
+    return read(PathCodec::encode(path), followLinks);
+}
+
+std::optional<Info> read(const QByteArray &name, bool followLinks)
+{
     unsigned char bytes[infoSize];
-    const QByteArray name = PathCodec::encode(path);
     const ssize_t got = followLinks ? getxattr(name.constData(), attribute, bytes, sizeof bytes)
                                     : lgetxattr(name.constData(), attribute, bytes, sizeof bytes);
     if (got < 10)

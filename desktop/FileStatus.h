@@ -53,6 +53,7 @@ struct Info {
 constexpr quint16 InvisibleFlag = 0x4000;
 
 std::optional<Info> read(const QString &path, bool followLinks = true);
+std::optional<Info> read(const QByteArray &path, bool followLinks);
 bool writeCodes(const QString &path, std::optional<quint32> type, std::optional<quint32> creator);
 
 } // namespace FinderInfo

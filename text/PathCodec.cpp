@@ -1,5 +1,7 @@
 #include "PathCodec.h"
 
+#include <algorithm>
+
 namespace PathCodec {
 
 namespace {
@@ -64,6 +66,11 @@ QString decode(const QByteArray &bytes)
 
 QByteArray encode(const QString &text)
 {
+    // Without surrogates (the usual case) UTF-8 is the answer, and Qt's
+    // encoder is much faster than one byte at a time.
+    const char16_t *units = reinterpret_cast<const char16_t *>(text.constData());
+    if (std::none_of(units, units + text.size(), [](char16_t c) { return QChar::isSurrogate(c); }))
+        return text.toUtf8();
     QByteArray bytes;
     bytes.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {

@@ -60,6 +60,21 @@ int stringAsNumberCompare(const QString &a, const QString &b)
                         reinterpret_cast<const UChar *>(b.utf16()), int32_t(b.size()));
 }
 
+QByteArray stringAsNumberKey(const QString &text)
+{
+    QByteArray key(text.size() * 4 + 16, Qt::Uninitialized);
+    const auto *units = reinterpret_cast<const UChar *>(text.utf16());
+    int32_t length = ucol_getSortKey(naturalCollator(), units, int32_t(text.size()), reinterpret_cast<uint8_t *>(key.data()),
+                                     int32_t(key.size()));
+    if (length > key.size()) {
+        key.resize(length);
+        length = ucol_getSortKey(naturalCollator(), units, int32_t(text.size()), reinterpret_cast<uint8_t *>(key.data()),
+                                 int32_t(key.size()));
+    }
+    key.truncate(std::max(length - 1, 0)); // without the closing zero byte
+    return key;
+}
+
 QStringList stripList()
 {
     static const QStringList list = QCoreApplication::translate("ui", "TheStripList").split(u'|');

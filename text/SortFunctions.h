@@ -21,6 +21,10 @@ int stringAsNumberSort(const QVariant &a, const QVariant &b, const QVariant &con
 
 int localizedCaseInsensitiveCompare(const QString &a, const QString &b);
 int stringAsNumberCompare(const QString &a, const QString &b);
+// The natural order as bytes: two keys compare (as bytes) as their strings
+// do under stringAsNumberCompare, so a long list is sorted with one key
+// made per string instead of the collator called per comparison.
+QByteArray stringAsNumberKey(const QString &text);
 QStringList stripList();
 
 } // namespace SortFunctions

@@ -218,7 +218,7 @@ private:
                                                            : QStringLiteral("the folder \"%1\" cannot be reached: %2")
                                                                  .arg(rawFolder, errorText(*error)));
         const QString resolved = std::get<QString>(folder) == QLatin1String("/") ? QString() : std::get<QString>(folder);
-        const auto identity = FileIdentity::at(PathCodec::encode(resolved + u'/' + name));
+        const auto identity = move.identity ? move.identity : FileIdentity::at(PathCodec::encode(resolved + u'/' + name));
         if (!identity)
             return refuse(Status::Failed, errno == ENOENT ? QStringLiteral("\"%1\" is no longer there").arg(move.from)
                                                           : QStringLiteral("\"%1\": %2").arg(move.from, errorText(errno)));

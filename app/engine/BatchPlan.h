@@ -3,6 +3,7 @@
 #include "BatchJournal.h"
 
 #include <QString>
+#include <optional>
 #include <vector>
 
 // What a batch asks and what becomes of each row.
@@ -11,6 +12,9 @@ namespace Batch {
 struct Move {
     QString from; // full paths; the new one in the same folder
     QString to;
+    // The file's identity where a listing has just read it; otherwise the
+    // plan reads it.
+    std::optional<FileIdentity> identity = std::nullopt;
 };
 
 enum class Status { Renamed, Unchanged, Conflict, Failed };

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "BatchPlan.h"
+#include "ItemRecord.h"
 
 #include <QDateTime>
 #include <QStringList>
 #include <QVariantList>
-#include <functional>
-
-class NameComposer;
+#include <vector>
 
 // The eight entries of a batch request.
 struct BatchRequest {
@@ -23,28 +22,16 @@ struct BatchRequest {
     static BatchRequest fromArray(const QVariantList &entries);
 };
 
-// What a batch pass shows while it works.
-struct BatchProgress {
-    std::function<void(double maximum)> stopIndeterminate;
-    std::function<void(double current, double maximum, const QString &upper, const QString &lower)> update;
-};
-
 namespace BatchRenaming {
 
-// New table contents: every included row gets its composed name (with
-// duplicates numbered), an excluded row its own name. With advanceExcluded
-// an excluded row still uses up counter values, in the way it always has:
-// the prefix counter becomes the suffix counter plus the prefix increment.
-QVariantList makeReplacementNames(NameComposer &composer, const BatchRequest &request, const QVariantList &rows,
-                                  const BatchProgress &progress);
-
-// The moves that give the included rows their new names (one per row, in
-// row order), each with the row it serves.
+// The moves that give the included rows their new names (one per included
+// row, in row order), each with the row it serves. The listing's
+// identity of each file goes with its move.
 struct RowMove {
     int row;
     Batch::Move move;
 };
-std::vector<RowMove> movesFor(const QVariantList &rows, const QStringList &newNames);
+std::vector<RowMove> movesFor(const std::vector<ItemRecord> &rows, const QStringList &newNames);
 
 // Missing "creation" or "modification" dates become `date1904`.
 QVariantList cleanData(const QVariantList &records, const QDateTime &date1904);

@@ -1,21 +1,18 @@
 #include "FolderListing.h"
 
-#include "FileStatus.h"
 #include "HiddenItems.h"
+#include "PathCodec.h"
 #include "PathNames.h"
 #include "StringAdditions.h"
 
 #include <QSet>
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
-
-const QString Include = QStringLiteral("include");
-const QString Original = QStringLiteral("original");
-const QString Location = QStringLiteral("location");
-const QString Creation = QStringLiteral("creation");
-const QString Modification = QStringLiteral("modification");
-const QString Size = QStringLiteral("size");
-const QString New = QStringLiteral("new");
 
 bool isBlankFilter(const QStringList &filter)
 {
@@ -26,6 +23,29 @@ QString extensionOf(const QString &name)
 {
     const qsizetype dot = name.lastIndexOf(u'.');
     return dot > 0 ? name.mid(dot + 1) : QString(QLatin1String(""));
+}
+
+qint64 milliseconds(const statx_timestamp &time)
+{
+    return qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+}
+
+QString withoutTrailingSlashes(QString path)
+{
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+// A path as the listing reads it: absolute (a relative one is taken from
+// the working folder), without trailing slashes.
+QString absolute(const QString &path)
+{
+    if (path.startsWith(u'/'))
+        return withoutTrailingSlashes(path);
+    char here[PATH_MAX];
+    const QString current = getcwd(here, sizeof here) ? PathCodec::decode(here) : QStringLiteral("/");
+    return withoutTrailingSlashes(FolderListing::fullPath(current, path));
 }
 
 } // namespace
@@ -45,9 +65,8 @@ ListingRequest ListingRequest::fromArray(const QVariantList &e)
     return request;
 }
 
-FolderListing::FolderListing(const Dates &dates, std::atomic<bool> &stopProgressBool)
-    : m_dates(dates), m_stop(stopProgressBool), m_earliest(dates.date1904.toMSecsSinceEpoch()),
-      m_epochGMT(dates.date1970GMT.toMSecsSinceEpoch()), m_latest(dates.date2040.toMSecsSinceEpoch())
+FolderListing::FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool)
+    : m_dates(dates), m_stop(stopProgressBool)
 {
 }
 
@@ -58,15 +77,15 @@ QString FolderListing::fullPath(const QString &folder, const QString &name)
 
 QStringList FolderListing::directoryContents(const QString &folder, bool withInvisibles)
 {
-    const QStringList names = FileStatus::entryNames(folder).value_or(QStringList());
-    if (withInvisibles)
+    QStringList names;
+    if (withInvisibles) {
+        for (const QString &name : FileStatus::entryNames(folder).value_or(QStringList()))
+            names.append(name);
         return names;
-    QStringList shown;
-    const QSet<QString> hidden = HiddenItems::listedIn(folder);
-    for (const QString &name : names)
-        if (visible(scan(folder, name), hidden))
-            shown.append(name);
-    return shown;
+    }
+    for (const Scanned &item : scanFolder(fullPath(folder, QString())))
+        names.append(item.name);
+    return names;
 }
 
 QStringList FolderListing::listFolder(const QString &folder)
@@ -86,7 +105,7 @@ QStringList FolderListing::containerAndItemName(const QString &path)
 bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
 {
     for (const QString &entry : set) {
-        // The platform's conversion reads exactly four characters between the quotes.
+        // Exactly four characters make a code.
         if (entry.size() != 4)
             continue;
         quint32 value = 0;
@@ -101,143 +120,174 @@ bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
     return false;
 }
 
-FolderListing::Scanned FolderListing::scan(const QString &folder, const QString &name)
+// Reads one item: `at` is its folder's descriptor (or AT_FDCWD) and
+// `relative` its name there (or its whole path).
+FolderListing::Scanned FolderListing::scan(int at, const QString &location, const QByteArray &folderBytes,
+                                           const QByteArray &relative)
 {
     Scanned item;
-    item.path = fullPath(folder, name);
-    item.name = name;
-    item.location = folder.endsWith(u'/') ? folder : folder + u'/';
-    item.status = FileStatus::of(item.path, false);
+    item.location = location;
+    item.path = at == AT_FDCWD ? relative : folderBytes == "/" ? '/' + relative : folderBytes + '/' + relative;
+    item.name = PathCodec::decode(at == AT_FDCWD ? relative.mid(relative.lastIndexOf('/') + 1) : relative);
+    struct statx status;
+    const unsigned int wanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_MTIME | STATX_BTIME;
+    if (statx(at, relative.constData(), AT_SYMLINK_NOFOLLOW, wanted, &status) == 0) {
+        item.exists = true;
+        item.isFolder = S_ISDIR(status.stx_mode);
+        item.isLink = S_ISLNK(status.stx_mode);
+        item.identity = {makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, 0};
+        item.size = status.stx_size;
+        item.modified = milliseconds(status.stx_mtime);
+        if (status.stx_mask & STATX_BTIME) {
+            item.created = milliseconds(status.stx_btime);
+            item.identity.born = qint64(status.stx_btime.tv_sec) * 1000000000 + status.stx_btime.tv_nsec;
+        }
+    }
     item.finder = FinderInfo::read(item.path, false);
     return item;
 }
 
+FolderListing::Scanned FolderListing::scanPath(const QString &path)
+{
+    const QString whole = absolute(path);
+    const qsizetype slash = whole.lastIndexOf(u'/');
+    return scan(AT_FDCWD, whole.left(slash + 1), QByteArray(), PathCodec::encode(whole));
+}
+
 // The visibility rules, from what was already read. A link's invisible
-// flag is its target's, as the single-item answer reads it.
+// flag is its target's.
 bool FolderListing::visible(const Scanned &item, const QSet<QString> &hidden)
 {
-    if (item.name.startsWith(u'.') || HiddenItems::isSystemPath(item.path))
+    if (item.name.startsWith(u'.') || (item.location == QLatin1String("/") && HiddenItems::isSystemPath(u'/' + item.name)))
         return false;
-    const auto finder = item.status && item.status->isSymbolicLink() ? FinderInfo::read(item.path, true) : item.finder;
+    const auto finder = item.isLink ? FinderInfo::read(item.path, true) : item.finder;
     if (finder && (finder->flags & FinderInfo::InvisibleFlag))
         return false;
     return !hidden.contains(item.name);
 }
 
-std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &folder) const
+// A folder's visible items, read through one descriptor for the folder.
+std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &location)
 {
     std::vector<Scanned> items;
+    const QString folder = withoutTrailingSlashes(location);
+    const QByteArray folderBytes = PathCodec::encode(folder);
+    const int descriptor = open(folderBytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR *entries = descriptor < 0 ? nullptr : fdopendir(descriptor);
+    if (!entries) {
+        if (descriptor >= 0)
+            close(descriptor);
+        return items;
+    }
     const QSet<QString> hidden = HiddenItems::listedIn(folder);
-    for (const QString &name : FileStatus::entryNames(folder).value_or(QStringList())) {
-        Scanned item = scan(folder, name);
+    const QString shared = fullPath(folder, QString()); // one location for every row of the folder
+    while (const dirent *entry = readdir(entries)) {
+        const QByteArray name(entry->d_name);
+        if (name == "." || name == "..")
+            continue;
+        Scanned item = scan(descriptor, shared, folderBytes, name);
         if (visible(item, hidden))
             items.push_back(std::move(item));
     }
+    closedir(entries);
     return items;
 }
 
-FolderListing::Dated FolderListing::datesOf(const Scanned &item) const
+ItemRecord FolderListing::fileRecord(const Scanned &item, bool include) const
 {
-    std::optional<QDateTime> created = item.status ? item.status->created : std::nullopt;
+    ItemRecord record;
+    record.name = item.name;
+    record.location = item.location;
+    std::optional<qint64> created = item.created;
     if (exifDate) {
-        const QVariant fromExif = exifDate(item.path);
+        const QVariant fromExif = exifDate(item.location + item.name);
         if (fromExif.typeId() == QMetaType::QDateTime)
-            created = fromExif.toDateTime();
+            created = fromExif.toDateTime().toMSecsSinceEpoch();
     }
-    return {clamped(created), clamped(item.status ? std::optional(item.status->modified) : std::nullopt)};
+    record.created = m_dates.clamp(created);
+    record.modified = m_dates.clamp(item.exists ? item.modified : std::nullopt);
+    record.size = item.size;
+    record.typeCode = item.finder ? item.finder->type : 0;
+    record.creatorCode = item.finder ? item.finder->creator : 0;
+    record.include = include;
+    record.identity = item.identity;
+    return record;
 }
 
-QVariantMap FolderListing::fileInfo(const Scanned &item) const
+// A folder's dates are not clamped; a missing one is 1 January 1904.
+ItemRecord FolderListing::folderRecord(const Scanned &item) const
 {
-    const Dated dates = datesOf(item);
-    return {{QStringLiteral("the_extension"), extensionOf(item.name)},
-            {QStringLiteral("type_code"), QVariant::fromValue(item.finder ? item.finder->type : 0u)},
-            {Creation, dates.creation},
-            {Modification, dates.modification},
-            {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(item.status ? item.status->size : 0))}};
-}
-
-QVariantMap FolderListing::folderInfo(const Scanned &item) const
-{
-    return {{Creation, item.status && item.status->created ? *item.status->created : m_dates.date1904},
-            {Modification, item.status ? item.status->modified : m_dates.date1904}};
+    ItemRecord record;
+    record.name = item.name;
+    record.location = item.location;
+    record.created = item.created.value_or(m_dates.date1904.toMSecsSinceEpoch());
+    record.modified = item.modified.value_or(m_dates.date1904.toMSecsSinceEpoch());
+    record.identity = item.identity;
+    return record;
 }
 
 QVariantMap FolderListing::getFileInfo(const QString &path) const
 {
-    const QStringList split = containerAndItemName(path);
-    return fileInfo(scan(split[1], split[0]));
+    const Scanned item = scanPath(path);
+    const ItemRecord record = fileRecord(item, true);
+    return {{QStringLiteral("the_extension"), extensionOf(item.name)},
+            {QStringLiteral("type_code"), QVariant::fromValue(record.typeCode)},
+            {QStringLiteral("creation"), m_dates.toDateTime(record.created)},
+            {QStringLiteral("modification"), m_dates.toDateTime(record.modified)},
+            {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(record.size.value_or(0)))}};
 }
 
 QVariantMap FolderListing::getFolderInfo(const QString &path) const
 {
-    const QStringList split = containerAndItemName(path);
-    return folderInfo(scan(split[1], split[0]));
+    const ItemRecord record = folderRecord(scanPath(path));
+    return {{QStringLiteral("creation"), m_dates.toDateTime(record.created)},
+            {QStringLiteral("modification"), m_dates.toDateTime(record.modified)}};
 }
 
-QDateTime FolderListing::clamped(const std::optional<QDateTime> &date) const
-{
-    // One conversion of the date, not one per comparison: each asks the C
-    // library for the local time's offset.
-    if (!date || !date->isValid())
-        return m_dates.date1904;
-    const qint64 instant = date->toMSecsSinceEpoch();
-    if (instant < m_earliest)
-        return m_dates.date1904;
-    if (instant == m_epochGMT)
-        return m_dates.date1970;
-    if (instant > m_latest)
-        return m_dates.date2040;
-    return *date;
-}
-
-std::optional<QVariantList> FolderListing::parseItems(const ListingRequest &request)
+Listing FolderListing::list(const ListingRequest &request)
 {
     std::vector<Scanned> items;
-    for (const QString &path : request.paths) {
-        const QStringList split = containerAndItemName(path);
-        Scanned item = scan(split[1], split[0]);
-        item.path = path; // as given, so the root is recognised as the root
-        items.push_back(std::move(item));
-    }
+    for (const QString &path : request.paths)
+        items.push_back(scanPath(path));
+    Listing listing;
     bool stopped = false;
-    QVariantList records = listing(request, items, request.descend, stopped);
+    listItems(request, items, request.descend, listing, stopped);
     if (stopped)
-        return std::nullopt;
-    return records;
+        listing = Listing{{}, true, {}};
+    return listing;
 }
 
-QVariantList FolderListing::listing(const ListingRequest &request, const std::vector<Scanned> &items, bool descend,
-                                    bool &stopped)
+void FolderListing::listItems(const ListingRequest &request, const std::vector<Scanned> &items, bool descend,
+                              Listing &listing, bool &stopped)
 {
     const bool typeBlank = isBlankFilter(request.typeCodes);
     const bool extensionBlank = isBlankFilter(request.extensions);
     const bool noFilters = (typeBlank && extensionBlank) || (request.typeCodes.isEmpty() && request.extensions.isEmpty());
     const QSet<QString> extensions(request.extensions.cbegin(), request.extensions.cend());
+    const QString root = withoutTrailingSlashes(request.root);
 
-    QVariantList records;
     for (const Scanned &item : items) {
         if (keepResponsive)
             keepResponsive();
         if (request.honourStop && !m_stop.load()) {
             m_stop.store(true);
             stopped = true;
-            return {};
+            return;
         }
-        const QString &path = item.path;
-        if (item.status && item.status->isDirectory()) {
-            const QVariantMap info = folderInfo(item);
-            if (request.folderRows && path != request.root)
-                records.append(QVariantMap{{Include, true}, {Original, item.name}, {Location, item.location},
-                                           {Creation, info.value(Creation)}, {Modification, info.value(Modification)},
-                                           {Size, QStringLiteral("-")}, {New, QString(QLatin1String(""))}});
-            if (descend || path == request.root) {
+        if (item.isFolder) {
+            const QString path = item.location + item.name;
+            if (request.folderRows && path != root)
+                listing.items.push_back(folderRecord(item));
+            if (descend || path == root) {
+                // A stop inside a subfolder drops that folder's rows and is
+                // noted where they would have been; the parent goes on.
+                const size_t mark = listing.items.size();
                 bool nestedStop = false;
-                const QVariantList nested = listing(request, scanFolder(path), descend, nestedStop);
-                if (nestedStop)
-                    records.append(false);
-                else
-                    records += nested;
+                listItems(request, scanFolder(fullPath(path, QString())), descend, listing, nestedStop);
+                if (nestedStop) {
+                    listing.items.resize(mark);
+                    listing.stoppedInside.push_back(mark);
+                }
             }
             continue;
         }
@@ -255,14 +305,7 @@ QVariantList FolderListing::listing(const ListingRequest &request, const std::ve
             if (!include)
                 listed = request.listUnmatched && !request.folderRows;
         }
-        if (!listed)
-            continue;
-        // The record straight from what was read, as getFileInfo: tells it.
-        const Dated dates = datesOf(item);
-        records.append(QVariantMap{{Include, include}, {Original, item.name}, {Location, item.location},
-                                   {Creation, dates.creation}, {Modification, dates.modification},
-                                   {Size, QVariant::fromValue(qulonglong(item.status ? item.status->size : 0))},
-                                   {New, QString(QLatin1String(""))}});
+        if (listed)
+            listing.items.push_back(fileRecord(item, include));
     }
-    return records;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "ClampedDates.h"
 #include "FileStatus.h"
+#include "ItemRecord.h"
 
-#include <QDateTime>
 #include <QSet>
 #include <QStringList>
 #include <QVariantList>
@@ -26,16 +27,20 @@ struct ListingRequest {
     static ListingRequest fromArray(const QVariantList &entries);
 };
 
-// Turns folders and files into the rows of the file table: one item record
-// ("include", "original", "location", "creation", "modification", "size",
-// "new") per row, dates clamped to 1904..2040, attributes read without
-// following symbolic links.
+// What a listing found: the rows in the order found, each folder's entries
+// as the file system gives them, depth first.
+struct Listing {
+    std::vector<ItemRecord> items;
+    bool stopped = false;              // a stop at the top level: nothing to show
+    std::vector<size_t> stoppedInside; // where a subfolder's listing was stopped, as positions in items
+};
+
+// Turns folders and files into the rows of the file table, dates clamped to
+// 1904..2040, attributes read without following symbolic links: each item
+// is read once (one statx relative to its folder, one extended attribute).
 class FolderListing {
 public:
-    struct Dates {
-        QDateTime date1904, date1970, date1970GMT, date2040;
-    };
-    FolderListing(const Dates &dates, std::atomic<bool> &stopProgressBool);
+    FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool);
 
     // Set when creation dates come from EXIF: answers a date, or anything
     // else for none.
@@ -44,10 +49,7 @@ public:
     // (and its Stop button be pressed).
     std::function<void()> keepResponsive;
 
-    // The records, or nullopt when a stop request ended the listing at the
-    // top level. A stop met inside a subfolder leaves NO among the parent's
-    // records in place of that folder's, as it always has.
-    std::optional<QVariantList> parseItems(const ListingRequest &request);
+    Listing list(const ListingRequest &request);
 
     static QStringList listFolder(const QString &folder);
     static QStringList directoryContents(const QString &folder, bool withInvisibles);
@@ -58,28 +60,29 @@ public:
     static QString fullPath(const QString &folder, const QString &name);
 
 private:
-    // One item as the listing reads it: a status and the Finder
-    // information, each read once.
+    // One item as the listing reads it.
     struct Scanned {
-        QString path;
         QString name;
-        QString location;
-        std::optional<ItemStatus> status;
+        QString location; // ends with "/"
+        QByteArray path;
+        bool exists = false;
+        bool isFolder = false;
+        bool isLink = false;
+        FileIdentity identity;
+        quint64 size = 0;
+        std::optional<qint64> created;
+        std::optional<qint64> modified;
         std::optional<FinderInfo::Info> finder;
     };
-    static Scanned scan(const QString &folder, const QString &name);
+    static Scanned scan(int folder, const QString &location, const QByteArray &folderBytes, const QByteArray &name);
+    static Scanned scanPath(const QString &path);
     static bool visible(const Scanned &item, const QSet<QString> &hidden);
-    std::vector<Scanned> scanFolder(const QString &folder) const;
-    QVariantMap fileInfo(const Scanned &item) const;
-    QVariantMap folderInfo(const Scanned &item) const;
-    QDateTime clamped(const std::optional<QDateTime> &date) const;
-    struct Dated {
-        QDateTime creation, modification;
-    };
-    Dated datesOf(const Scanned &item) const;
-    QVariantList listing(const ListingRequest &request, const std::vector<Scanned> &items, bool descend, bool &stopped);
+    static std::vector<Scanned> scanFolder(const QString &location);
+    ItemRecord fileRecord(const Scanned &item, bool include) const;
+    ItemRecord folderRecord(const Scanned &item) const;
+    void listItems(const ListingRequest &request, const std::vector<Scanned> &items, bool descend, Listing &listing,
+                   bool &stopped);
 
-    Dates m_dates;
+    const ClampedDates &m_dates;
     std::atomic<bool> &m_stop;
-    qint64 m_earliest, m_epochGMT, m_latest; // the dates above, as instants
 };

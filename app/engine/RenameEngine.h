@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClampedDates.h"
 #include "FolderListing.h"
 #include "NameComposer.h"
 
@@ -21,10 +22,7 @@ public:
     QString sample_name;
     QString exiftime;
     QString localTimeZone;
-    QDateTime date1904;
-    QDateTime date1970;
-    QDateTime date1970GMT;
-    QDateTime date2040;
+    ClampedDates dates; // date1904, date1970, date1970GMT, date2040
 
     RenameSettings &settings() { return composer.settings; }
 

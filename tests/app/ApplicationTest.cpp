@@ -1,5 +1,7 @@
 #include "MethodTable.h"
+#include "NamedException.h"
 #include "RZApplication.h"
+#include "RuleForm.h"
 #include "TestPrinting.h"
 
 #include <QCheckBox>
@@ -152,21 +154,21 @@ TEST(Progress, ScreenUpdatesAreThinnedByTheMaximum)
 {
     QLabel *lower = control<QLabel>("progress_label");
     QProgressBar *bar = control<QProgressBar>("theIndicator");
-    app().stopIndeterminateProgress(201);
+    app().progress().stopIndeterminate(201);
     EXPECT_EQ(bar->maximum(), 201);
     QStringList shown;
     for (int n = 1; n <= 201; ++n) {
-        app().updateProgress(n, 201, "upper", QString::number(n));
+        app().progress().update(n, 201, "upper", QString::number(n));
         if (!shown.contains(lower->text()))
             shown.append(lower->text());
     }
     EXPECT_EQ(shown.mid(1), QStringList({"25", "50", "75", "100", "125", "150", "175", "200"}));
     EXPECT_EQ(bar->value(), 200) << "the last value is skipped like the others";
-    app().updateProgress(7, 50, "upper", "7");
+    app().progress().update(7, 50, "upper", "7");
     EXPECT_EQ(lower->text(), QStringLiteral("7")) << "small passes show every step";
-    app().updateProgress(15, 100, "upper", "15");
+    app().progress().update(15, 100, "upper", "15");
     EXPECT_EQ(lower->text(), QStringLiteral("7"));
-    app().updateProgress(20, 100, "upper", "20");
+    app().progress().update(20, 100, "upper", "20");
     EXPECT_EQ(lower->text(), QStringLiteral("20"));
 }
 
@@ -187,9 +189,11 @@ TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
 
 TEST(Preview, TheWholeTableFollowsTheRules)
 {
-    QVariantList rows;
-    for (int i = 0; i < 10000; ++i)
-        rows.append(QVariantMap{{"include", true}, {"original", QStringLiteral("img_%1 crème.JPG").arg(i)}, {"location", "/photos/"}});
+    std::vector<ItemRecord> rows(10000);
+    for (int i = 0; i < 10000; ++i) {
+        rows[size_t(i)].name = QStringLiteral("img_%1 crème.JPG").arg(i);
+        rows[size_t(i)].location = QStringLiteral("/photos/");
+    }
     app().fileTableDataSource().setRows(rows);
     // The suffix counter: an earlier test took the prefix's zeros control away.
     control<QLineEdit>("prefix")->setText("");
@@ -200,31 +204,93 @@ TEST(Preview, TheWholeTableFollowsTheRules)
     control<QComboBox>("the_case")->setCurrentText("Title Case");
     control<QCheckBox>("orig_strip_diacriticals")->setChecked(true);
     type(control<QLineEdit>("prefix"), "P ");
-    EXPECT_FALSE(app().lastTablePreviewInBackground);
+    EXPECT_FALSE(app().preview().lastInBackground);
     EXPECT_EQ(control<QLineEdit>("preview_name")->text(), QStringLiteral("P Img_0 Creme_00001.JPG")) << "the first row";
     const FileTableModel &table = app().fileTableDataSource();
     EXPECT_EQ(table.valueForColumn("new", 0), QVariant(QStringLiteral("P Img_0 Creme_00001.JPG")));
     EXPECT_EQ(table.valueForColumn("new", 9999), QVariant(QStringLiteral("P Img_9999 Creme_10000.JPG")));
-    std::printf("[ figures  ] full-table preview of 10,000 rows, first keystroke: %lld ms\n", (long long)app().lastTablePreviewMs);
+    std::printf("[ figures  ] full-table preview of 10,000 rows, first keystroke: %lld ms\n", (long long)app().preview().lastMs);
     type(control<QLineEdit>("prefix"), "x");
-    std::printf("[ figures  ] full-table preview of 10,000 rows, next keystroke: %lld ms\n", (long long)app().lastTablePreviewMs);
+    std::printf("[ figures  ] full-table preview of 10,000 rows, next keystroke: %lld ms\n", (long long)app().preview().lastMs);
     EXPECT_EQ(table.valueForColumn("new", 9999), QVariant(QStringLiteral("P xImg_9999 Creme_10000.JPG")));
     control<QLineEdit>("prefix")->setText("P ");
     EXPECT_EQ(app().engine().composer.duplicate_check_list.toList(), QStringList()) << "the engine's own list is untouched";
 
     // Beyond the immediate size the table is worked out aside.
-    app().immediatePreviewRows = 100;
+    app().preview().immediateRows = 100;
     QSignalSpy applied(&app(), &RZApplication::tablePreviewApplied);
     type(control<QLineEdit>("prefix"), "x");
-    EXPECT_TRUE(app().lastTablePreviewInBackground);
+    EXPECT_TRUE(app().preview().lastInBackground);
     ASSERT_TRUE(applied.wait(10000));
     EXPECT_EQ(table.valueForColumn("new", 1), QVariant(QStringLiteral("P xImg_1 Creme_00002.JPG")));
-    app().immediatePreviewRows = 10000;
+    app().preview().immediateRows = 10000;
     app().fileTableDataSource().setRows({});
     control<QLineEdit>("prefix")->setText("");
     control<QLineEdit>("suffix")->setText("");
     control<QCheckBox>("change_case")->setChecked(false);
     control<QCheckBox>("orig_strip_diacriticals")->setChecked(false);
+}
+
+// The table preview and the batch pass are one pass: for each rule, the
+// names the window shows are the names a rename gives.
+TEST(Preview, ThePreviewShowsTheNamesTheBatchPassGives)
+{
+    std::vector<ItemRecord> rows;
+    const char *names[] = {"IMG_2.jpg", "IMG_10.jpg", "skip me.jpg", "IMG_2.png", "notes.txt", "IMG_2.jpg"};
+    for (size_t i = 0; i < std::size(names); ++i) {
+        ItemRecord row;
+        row.name = QString::fromLatin1(names[i]);
+        row.location = i < 5 ? QStringLiteral("/trip/") : QStringLiteral("/trip/beach/");
+        row.include = i != 2;
+        row.created = QDateTime(QDate(2001, 2, 3 + int(i)), QTime(4, 5)).toMSecsSinceEpoch();
+        row.modified = row.created;
+        row.size = 1;
+        rows.push_back(row);
+    }
+    struct Rule {
+        const char *name;
+        std::function<void()> set;
+    };
+    const auto text = [](const char *outlet, const char *value) { control<QLineEdit>(outlet)->setText(QString::fromUtf8(value)); };
+    const Rule rules[] = {
+        {"counters", [&] { text("prefix", "«#»_"); text("suffix", "_«#»"); }},
+        {"one name for all: duplicates numbered", [&] { control<QCheckBox>("inc_original_name")->setChecked(false); text("prefix", "same"); }},
+        {"creation dates", [&] { text("prefix", "«YYYY-MM-DD» "); control<QComboBox>("prefix_date_to_use")->setCurrentIndex(1); }},
+        {"GREP", [&] { text("search_1", "IMG_(\\d+)"); text("replace_1", "shot $1"); choose("snr_type_1", 1); }},
+        {"case and accents", [&] { control<QCheckBox>("change_case")->setChecked(true); text("suffix", " «#» Été"); }},
+    };
+    for (const Rule &rule : rules) {
+        app().fileTableDataSource().setRows(rows);
+        rule.set();
+        QSignalSpy applied(&app(), &RZApplication::tablePreviewApplied);
+        app().refreshPreview();
+        ASSERT_TRUE(!applied.isEmpty() || applied.wait(10000)) << rule.name;
+        const QStringList previewed = app().fileTableDataSource().previewedNames();
+        app().getConstantData();
+        const QVariantList batch = app().makeReplacementNames(
+            {"files", QDateTime::currentDateTime(), "Working", "%d of %d %@", RuleForm::prefixDateChoice(app().form()),
+             RuleForm::suffixDateChoice(app().form()), qint32(rows.size()), false});
+        QStringList given;
+        for (const QVariant &record : batch)
+            given.append(record.toMap().value("new").toString());
+        EXPECT_EQ(previewed, given) << rule.name;
+        EXPECT_EQ(given[2], "skip me.jpg") << rule.name << ": an excluded row keeps its name";
+    }
+    for (const char *field : {"prefix", "suffix", "search_1", "replace_1"})
+        text(field, "");
+    control<QCheckBox>("inc_original_name")->setChecked(true);
+    control<QCheckBox>("change_case")->setChecked(false);
+    control<QComboBox>("prefix_date_to_use")->setCurrentIndex(0);
+    choose("snr_type_1", 0);
+    app().fileTableDataSource().setRows({});
+}
+
+TEST(Batch, ARequestForMoreRowsThanTheTableHoldsIsRefused)
+{
+    app().fileTableDataSource().setRows(std::vector<ItemRecord>(2));
+    EXPECT_THROW(app().makeReplacementNames({"files", QDateTime(), "", "", 0, 0, 3, false}), NamedException);
+    EXPECT_EQ(app().makeReplacementNames({"files", QDateTime(), "", "", 0, 0, 1, false}).size(), 1) << "fewer is a part of the table";
+    app().fileTableDataSource().setRows({});
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "BatchPass.h"
 #include "BatchRenaming.h"
 #include "FileMoves.h"
 #include "NameComposer.h"
@@ -12,19 +13,18 @@
 
 namespace {
 
-QVariantMap row(const QString &name, const QString &location, bool include = true)
-{
-    return {{"include", include}, {"original", name}, {"location", location},
-            {"creation", QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6), Qt::LocalTime)},
-            {"modification", QDateTime(QDate(2002, 3, 4), QTime(5, 6, 7), Qt::LocalTime)}, {"size", 10u}};
-}
+const ClampedDates dates;
 
-QStringList newNames(const QVariantList &records)
+ItemRecord row(const QString &name, const QString &location, bool include = true)
 {
-    QStringList names;
-    for (const QVariant &record : records)
-        names.append(record.toMap().value("new").toString());
-    return names;
+    ItemRecord record;
+    record.name = name;
+    record.location = location;
+    record.include = include;
+    record.created = QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6), Qt::LocalTime).toMSecsSinceEpoch();
+    record.modified = QDateTime(QDate(2002, 3, 4), QTime(5, 6, 7), Qt::LocalTime).toMSecsSinceEpoch();
+    record.size = 10;
+    return record;
 }
 
 NameComposer counting()
@@ -40,62 +40,44 @@ NameComposer counting()
     return composer;
 }
 
-BatchRequest request(int rows, bool advanceExcluded = false)
-{
-    BatchRequest r;
-    r.rowCount = rows;
-    r.advanceExcluded = advanceExcluded;
-    r.word = QStringLiteral("files");
-    r.upperText = QStringLiteral("Composing");
-    r.lowerFormat = QStringLiteral("%d of %d %@");
-    return r;
-}
-
 TEST(Batch, DuplicatesAreNumberedWithinAFolderNotAcrossFolders)
 {
     NameComposer composer;
     composer.settings._prefix = "same";
-    const QVariantList rows = {row("a.jpg", "/one/"), row("b.jpg", "/one/"), row("c.jpg", "/two/"), row("d.png", "/one/")};
-    EXPECT_EQ(newNames(BatchRenaming::makeReplacementNames(composer, request(4), rows, {})),
-              QStringList({"same.jpg", "same 1.jpg", "same.jpg", "same.png"}));
+    const std::vector<ItemRecord> rows = {row("a.jpg", "/one/"), row("b.jpg", "/one/"), row("c.jpg", "/two/"), row("d.png", "/one/")};
+    EXPECT_EQ(BatchPass::newNames(composer, rows, {}, dates), QStringList({"same.jpg", "same 1.jpg", "same.jpg", "same.png"}));
 }
 
 TEST(Batch, ExcludedRowsKeepTheirNameAndMayUseUpCounters)
 {
-    const QVariantList rows = {row("a.jpg", "/f/"), row("b.jpg", "/f/", false), row("c.jpg", "/f/")};
+    const std::vector<ItemRecord> rows = {row("a.jpg", "/f/"), row("b.jpg", "/f/", false), row("c.jpg", "/f/")};
     NameComposer still = counting();
-    EXPECT_EQ(newNames(BatchRenaming::makeReplacementNames(still, request(3), rows, {})),
-              QStringList({"P1_a_S10.jpg", "b.jpg", "P2_c_S20.jpg"}));
-    // With entry 7 the excluded row advances the counters, the prefix one
-    // from the suffix counter: 20 + 1 = 21, as it always has.
+    EXPECT_EQ(BatchPass::newNames(still, rows, {}, dates), QStringList({"P1_a_S10.jpg", "b.jpg", "P2_c_S20.jpg"}));
+    // Advancing on excluded rows, the prefix counter follows the suffix
+    // counter: 20 + 1 = 21.
     NameComposer advancing = counting();
-    EXPECT_EQ(newNames(BatchRenaming::makeReplacementNames(advancing, request(3, true), rows, {})),
-              QStringList({"P1_a_S10.jpg", "b.jpg", "P21_c_S30.jpg"}));
+    PassRequest request;
+    request.advanceExcluded = true;
+    EXPECT_EQ(BatchPass::newNames(advancing, rows, request, dates), QStringList({"P1_a_S10.jpg", "b.jpg", "P21_c_S30.jpg"}));
 }
 
-TEST(Batch, RecordsCarryTheRowAndProgressIsReported)
+TEST(Batch, ThePassCoversTheRowsAskedForWithTheirDatesAndTellsEachRow)
 {
     NameComposer composer;
     composer.settings._inc_original_name = true;
     composer.settings._prefix = "«YYYY-MM-DD» ";
-    QList<QString> lower;
-    double maximum = -1;
-    BatchProgress progress{[&](double m) { maximum = m; },
-                           [&](double, double, const QString &upper, const QString &text) {
-                               EXPECT_EQ(upper, QStringLiteral("Composing"));
-                               lower.append(text);
-                           }};
-    BatchRequest r = request(2);
-    r.prefixChoice = 2; // the row's creation date
-    const QVariantList records = BatchRenaming::makeReplacementNames(composer, r, {row("a.jpg", "/f/"), row("b.jpg", "/f/")}, progress);
-    EXPECT_EQ(maximum, 2);
-    EXPECT_EQ(lower, QList<QString>({"1 of 2 files", "2 of 2 files"}));
-    const QVariantMap first = records[0].toMap();
-    EXPECT_EQ(first.value("new"), QVariant(QStringLiteral("2001-02-03 a.jpg")));
-    EXPECT_EQ(first.value("size"), QVariant(10u));
-    EXPECT_EQ(first.keys(), QStringList({"creation", "include", "location", "modification", "new", "original", "size"}));
-    EXPECT_TRUE(BatchRenaming::makeReplacementNames(composer, request(0), {}, progress).isEmpty());
-    EXPECT_EQ(maximum, 0);
+    QList<std::pair<qint32, qint32>> told;
+    PassRequest request;
+    request.prefixChoice = 2; // the row's creation date
+    request.rowCount = 2;
+    request.progress = [&](qint32 row, qint32 count) { told.append({row, count}); };
+    const std::vector<ItemRecord> rows = {row("a.jpg", "/f/"), row("b.jpg", "/f/"), row("c.jpg", "/f/")};
+    EXPECT_EQ(BatchPass::newNames(composer, rows, request, dates), QStringList({"2001-02-03 a.jpg", "2001-02-03 b.jpg"}));
+    EXPECT_EQ(told, (QList<std::pair<qint32, qint32>>{{1, 2}, {2, 2}}));
+    request.prefixChoice = 3;
+    EXPECT_EQ(BatchPass::newNames(composer, rows, request, dates).first(), "2002-03-04 a.jpg");
+    request.rowCount = 0;
+    EXPECT_TRUE(BatchPass::newNames(composer, rows, request, dates).isEmpty());
 }
 
 TEST(Batch, CleanDataFillsMissingDates)

@@ -75,4 +75,43 @@ TEST(GoldenRename, PhotosTree)
     EXPECT_EQ(outcome, readText(expectedPath)) << process.readAllStandardError().toStdString();
 }
 
+QString run(const QString &program, const QStringList &arguments, const QString &home)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DISPLAY"));
+    environment.insert(QStringLiteral("LANG"), QStringLiteral("en_US.UTF-8"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), home);
+    process.setProcessEnvironment(environment);
+    process.start(program, arguments);
+    process.waitForFinished(60000);
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+// Folder by folder in natural order of their paths, names in natural order
+// within each: the window's table and the command line number alike.
+TEST(GoldenRename, RecursiveNumberingIsTheSameInTheWindowAndTheCommandLine)
+{
+    const QString data = QStringLiteral(NOMEN_TEST_DATA);
+    QTemporaryDir dir;
+    buildTree(dir.path(), data + QStringLiteral("/recursive_numbering.tree"));
+    const QString window = run(QStringLiteral(NOMEN_SCRIPT_PATH),
+                               {QStringLiteral("-e"), QStringLiteral("var ROOT = \"%1\";\n").arg(dir.path())
+                                                          + readText(data + QStringLiteral("/recursive_numbering.js"))},
+                               dir.path());
+    QString commandLine;
+    for (const QString &line : run(QStringLiteral(NOMEN_CLI_PATH), {"--recursive", "--prefix", "«#» ", dir.path() + "/Trip"}, dir.path())
+                                   .split(u'\n'))
+        if (line.startsWith(QLatin1String("rename")))
+            commandLine += line.mid(11).replace(dir.path() + u'/', QString()) + u'\n';
+    const QString expectedPath = data + QStringLiteral("/recursive_numbering.expected");
+    if (qEnvironmentVariableIsSet("NOMEN_WRITE_GOLDEN")) {
+        QFile file(expectedPath);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(window.toUtf8());
+    }
+    EXPECT_EQ(window, readText(expectedPath));
+    EXPECT_EQ(commandLine, readText(expectedPath));
+}
+
 } // namespace

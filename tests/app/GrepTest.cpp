@@ -1,7 +1,7 @@
 #include "GrepReplace.h"
 #include "PathCodec.h"
 #include "PerlWorker.h"
-#include "TablePreview.h"
+#include "GrepPrefetch.h"
 #include "TestPrinting.h"
 
 #include <QElapsedTimer>
@@ -147,8 +147,9 @@ TEST(GrepBytes, ANameThatIsNotUtf8KeepsItsBytesMatchedOrNot)
     settings._filename_replace_1 = QStringLiteral("P_$1");
     settings._snr_consider_case_1 = true;
     const QString odd = PathCodec::decode("bad\xffname");
-    const NameComposer::GrepReplace grep =
-        TablePreview::prefetchedGrep(settings, {QVariantMap{{QStringLiteral("original"), odd + QStringLiteral(".jpg")}}});
+    settings._search_type_1 = QStringLiteral("GREP");
+    settings._inc_original_name = true;
+    const NameComposer::GrepReplace grep = GrepPrefetch::replacementFor(settings, {odd + QStringLiteral(".jpg")});
     EXPECT_EQ(PathCodec::encode(grep(odd, settings._filename_search_1, settings._filename_replace_1, true)), "P_bad\xffname");
     EXPECT_EQ(PathCodec::encode(grep(odd, QStringLiteral("zzz"), QStringLiteral("q"), true)), "bad\xffname");
     EXPECT_EQ(PathCodec::encode(grep(odd, QStringLiteral("name$"), QStringLiteral("\xe9"), true)), "bad\xff\xc3\xa9");

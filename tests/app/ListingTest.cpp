@@ -1,4 +1,5 @@
 #include "FolderListing.h"
+#include "ItemRecordValues.h"
 #include "PathCodec.h"
 #include "TestPrinting.h"
 
@@ -13,14 +14,10 @@
 
 namespace {
 
-class Listing : public testing::Test {
+// Listings as scripts receive them.
+class Listings : public testing::Test {
 protected:
-    Listing()
-        : listing({QDateTime(QDate(1904, 1, 1), QTime(0, 0), Qt::LocalTime), QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime),
-                   QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::UTC), QDateTime(QDate(2040, 2, 6), QTime(5, 28, 15), Qt::UTC)},
-                  stop)
-    {
-    }
+    Listings() : listing(dates, stop) {}
 
     QString make(const QString &relative, const QByteArray &contents = "x")
     {
@@ -54,15 +51,21 @@ protected:
         request.root = root();
         if (request.paths.isEmpty())
             request.paths = {root()};
-        return listing.parseItems(request).value_or(QVariantList{QStringLiteral("stopped")});
+        return script(listing.list(request));
+    }
+    QVariantList script(const Listing &found) const
+    {
+        const QVariant value = ItemRecordValues::toScript(found, dates);
+        return value.typeId() == QMetaType::Bool ? QVariantList{QStringLiteral("stopped")} : value.toList();
     }
 
     QTemporaryDir dir;
     std::atomic<bool> stop{true};
+    const ClampedDates dates;
     FolderListing listing;
 };
 
-TEST_F(Listing, FiltersAndTheirBlankForms)
+TEST_F(Listings, FiltersAndTheirBlankForms)
 {
     make("a.jpg");
     make("b.JPG");
@@ -84,7 +87,7 @@ TEST_F(Listing, FiltersAndTheirBlankForms)
     EXPECT_EQ(rows(parse(jpg)), QStringList({"+a.jpg"})) << "unmatched files are not listed with folder rows";
 }
 
-TEST_F(Listing, TypeCodesFromTheFinderInformation)
+TEST_F(Listings, TypeCodesFromTheFinderInformation)
 {
     const QString text = make("notes");
     make("other");
@@ -100,7 +103,7 @@ TEST_F(Listing, TypeCodesFromTheFinderInformation)
     EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {"TEX"}));
 }
 
-TEST_F(Listing, DescentFolderRowsAndTheRootNeverARow)
+TEST_F(Listings, DescentFolderRowsAndTheRootNeverARow)
 {
     make("top.txt");
     make("Sub/inner.txt");
@@ -120,7 +123,7 @@ TEST_F(Listing, DescentFolderRowsAndTheRootNeverARow)
     }
 }
 
-TEST_F(Listing, LongNamesMode)
+TEST_F(Listings, LongNamesMode)
 {
     make(QString(32, u'L') + ".txt");
     make("short.txt");
@@ -133,7 +136,7 @@ TEST_F(Listing, LongNamesMode)
     EXPECT_EQ(rows(parse(request)), QStringList({"+" + QString(32, u'L') + ".txt"}));
 }
 
-TEST_F(Listing, DatesAreClampedAndSizesKept)
+TEST_F(Listings, DatesAreClampedAndSizesKept)
 {
     const QString old = make("old.txt", "12345");
     const QString future = make("future.txt");
@@ -157,7 +160,7 @@ TEST_F(Listing, DatesAreClampedAndSizesKept)
     EXPECT_EQ(listing.getFolderInfo(root() + "/missing").value("modification").toDateTime().date(), QDate(1904, 1, 1));
 }
 
-TEST_F(Listing, LinksAreListedAsThemselves)
+TEST_F(Listings, LinksAreListedAsThemselves)
 {
     make("Real/inside.txt");
     ASSERT_EQ(symlink(PathCodec::encode(root() + "/Real").constData(), PathCodec::encode(root() + "/link").constData()), 0);
@@ -166,7 +169,7 @@ TEST_F(Listing, LinksAreListedAsThemselves)
     EXPECT_EQ(rows(parse(request)), QStringList({"+Real/inside.txt", "+link"})) << "a link to a folder is not entered";
 }
 
-TEST_F(Listing, StopAtTheTopLevelAndInsideASubfolder)
+TEST_F(Listings, StopAtTheTopLevelAndInsideASubfolder)
 {
     make("a.txt");
     make("Sub/b.txt");
@@ -174,7 +177,7 @@ TEST_F(Listing, StopAtTheTopLevelAndInsideASubfolder)
     request.honourStop = true;
     request.descend = true;
     stop = false;
-    EXPECT_EQ(listing.parseItems({{root()}, {}, {}, false, true, false, false, true, root()}), std::nullopt);
+    EXPECT_TRUE(listing.list({{root()}, {}, {}, false, true, false, false, true, root()}).stopped);
     EXPECT_TRUE(stop.load()) << "the flag is set back";
     // A stop met inside the subfolder leaves NO in the parent's records.
     int calls = 0;
@@ -183,16 +186,16 @@ TEST_F(Listing, StopAtTheTopLevelAndInsideASubfolder)
             stop = false;
     };
     request.paths = {root() + "/Sub", root() + "/a.txt"};
-    const auto records = listing.parseItems(request);
-    ASSERT_TRUE(records.has_value());
-    EXPECT_EQ(rows(*records), QStringList({"+a.txt", "<NO>"}));
+    const Listing found = listing.list(request);
+    ASSERT_FALSE(found.stopped);
+    EXPECT_EQ(rows(script(found)), QStringList({"+a.txt", "<NO>"}));
     // And the flag may be set from another thread.
     listing.keepResponsive = nullptr;
     std::thread([this] { stop = false; }).join();
-    EXPECT_EQ(listing.parseItems(request), std::nullopt);
+    EXPECT_TRUE(listing.list(request).stopped);
 }
 
-TEST_F(Listing, SmallServices)
+TEST_F(Listings, SmallServices)
 {
     make("a.txt");
     make(".dot");
@@ -203,7 +206,7 @@ TEST_F(Listing, SmallServices)
     EXPECT_EQ(FolderListing::listFolder(root() + "/"), QStringList({root() + "/a.txt"}));
 }
 
-TEST_F(Listing, NamesThatAreNotUtf8AreListedLosslessly)
+TEST_F(Listings, NamesThatAreNotUtf8AreListedLosslessly)
 {
     const QByteArray bytes = PathCodec::encode(root()) + "/raw\xff\xfe.txt";
     FILE *file = fopen(bytes.constData(), "w");

@@ -1,4 +1,5 @@
 #include "FileTableModel.h"
+#include "ItemRecordValues.h"
 #include "TestPrinting.h"
 
 #include <QMimeData>
@@ -7,19 +8,19 @@
 
 namespace {
 
-QVariantList namedRows(int count)
+std::vector<ItemRecord> namedRows(int count)
 {
-    QVariantList rows;
+    std::vector<ItemRecord> rows(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
-        rows.append(QVariantMap{{"original", QString::number(i)}, {"include", true}});
+        rows[size_t(i)].name = QString::number(i);
     return rows;
 }
 
 QString order(const FileTableModel &model)
 {
     QStringList names;
-    for (const QVariant &row : model.rows())
-        names.append(row.toMap().value("original").toString());
+    for (const ItemRecord &row : model.rows())
+        names.append(row.name);
     return names.join(u',');
 }
 
@@ -79,7 +80,7 @@ TEST(DragReorder, DropsOntoRowsAreRefusedAndOutsideFilesHandedOn)
 TEST(TableCells, ReadAndWriteByColumnIdentifier)
 {
     FileTableModel model;
-    model.setRows({QVariantMap{{"original", "a.jpg"}, {"include", true}}, QVariant(false)});
+    model.setRows(ItemRecordValues::fromScript({QVariantMap{{"original", "a.jpg"}, {"include", true}}, QVariant(false)}));
     EXPECT_EQ(model.rowCount(), 1) << "a stop marker is not a row";
     EXPECT_EQ(model.valueForColumn("original", 0), QVariant(QStringLiteral("a.jpg")));
     EXPECT_FALSE(model.valueForColumn("original", 5).isValid());

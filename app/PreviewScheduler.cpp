@@ -1,0 +1,102 @@
+#include "PreviewScheduler.h"
+
+#include "BatchPass.h"
+#include "BatchRenaming.h"
+#include "FileTableModel.h"
+#include "GrepPrefetch.h"
+#include "RenameEngine.h"
+#include "SafeMover.h"
+
+#include <QElapsedTimer>
+#include <QThreadPool>
+
+PreviewScheduler::PreviewScheduler(RenameEngine &engine, FileTableModel &table, QObject *parent)
+    : QObject(parent), m_engine(engine), m_table(table)
+{
+    connect(&m_table, &QAbstractItemModel::modelReset, this, [this] { ++m_conflictGeneration; });
+}
+
+void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExcluded)
+{
+    const std::vector<ItemRecord> &rows = m_table.rows();
+    if (rows.empty() || settings.size() < RenameSettings::count)
+        return;
+    // A copy as it stands after the settings were captured: the preview of
+    // the first name has already advanced the engine's own counters once.
+    NameComposer copy = m_engine.composer;
+    copy.settings = m_engine.settings();
+    copy.settings.setConstantData(settings);
+    PassRequest request;
+    request.prefixChoice = copy.settings._prefix_date_to_use;
+    request.suffixChoice = copy.settings._suffix_date_to_use;
+    request.supplied = QDateTime::currentDateTime();
+    request.advanceExcluded = advanceExcluded;
+    const bool grep = copy.settings._search_type_1 == QLatin1String("GREP") && !copy.settings._filename_search_1.isEmpty();
+    const quint64 generation = ++m_generation;
+    QElapsedTimer clock;
+    clock.start();
+    if (!grep && rows.size() <= size_t(immediateRows)) {
+        copy.baseNameCache = m_bases; // this thread's own, kept between keystrokes
+        m_table.setNewNames(BatchPass::newNames(copy, rows, request, m_engine.dates));
+        lastInBackground = false;
+        emit applied();
+        lastMs = clock.elapsed(); // with what the new names set off
+        return;
+    }
+    lastInBackground = true;
+    QThreadPool::globalInstance()->start([this, copy, rows, request, generation, grep, clock]() mutable {
+        if (grep) {
+            QStringList names;
+            names.reserve(qsizetype(rows.size()));
+            for (const ItemRecord &row : rows)
+                names.append(row.name);
+            copy.grep = GrepPrefetch::replacementFor(copy.settings, names);
+        }
+        const QStringList names = BatchPass::newNames(copy, rows, request, m_engine.dates);
+        QMetaObject::invokeMethod(this, [this, names, generation, clock] {
+            if (generation != m_generation)
+                return; // the rules changed again meanwhile
+            m_table.setNewNames(names);
+            lastMs = clock.elapsed();
+            emit applied();
+        }, Qt::QueuedConnection);
+    });
+}
+
+void PreviewScheduler::checkConflicts()
+{
+    std::vector<ItemRecord> rows = m_table.rows();
+    const bool previewed = m_table.hasPreviewedNames();
+    QStringList names = m_table.previewedNames();
+    const quint64 generation = ++m_conflictGeneration;
+    // The check looks at the disk for every row: aside, so typing never waits.
+    QThreadPool::globalInstance()->start([this, rows = std::move(rows), names, previewed, generation]() mutable {
+        // Without a preview the rows' own new names count, where they have one.
+        if (!previewed)
+            for (const ItemRecord &row : rows)
+                names.append(row.newName);
+        std::vector<SafeMover::Move> moves;
+        std::vector<int> rowOfMove;
+        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, names)) {
+            if (!previewed && names[rowMove.row].isEmpty())
+                continue; // no new name worked out yet
+            moves.push_back(rowMove.move);
+            rowOfMove.push_back(rowMove.row);
+        }
+        const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
+        QStringList reasons(qsizetype(rows.size()));
+        QStringList warnings(qsizetype(rows.size()));
+        for (size_t i = 0; i < outcomes.size(); ++i) {
+            if (outcomes[i].status == SafeMover::Status::Conflict)
+                reasons[rowOfMove[i]] = outcomes[i].reason;
+            warnings[rowOfMove[i]] = outcomes[i].warning;
+        }
+        QMetaObject::invokeMethod(this, [this, reasons, warnings, generation] {
+            if (generation != m_conflictGeneration || size_t(reasons.size()) != m_table.rows().size())
+                return; // the names or the rows changed meanwhile
+            m_table.setConflicts(reasons);
+            m_table.setWarnings(warnings);
+            emit conflictsMarked();
+        }, Qt::QueuedConnection);
+    });
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "FileIdentity.h"
+
+#include <QString>
+#include <limits>
+#include <optional>
+
+// One row of the file table: an item as the listing read it, and the new
+// name a batch pass gave it. The item's path is its location followed by
+// its name.
+struct ItemRecord {
+    static constexpr qint64 NoDate = std::numeric_limits<qint64>::min();
+
+    QString name;
+    QString location;            // the containing folder, ending with "/"; rows of a folder share it
+    qint64 created = NoDate;     // milliseconds since 1970
+    qint64 modified = NoDate;
+    std::optional<quint64> size; // none for a folder
+    quint32 typeCode = 0;
+    quint32 creatorCode = 0;
+    bool include = true;
+    FileIdentity identity;       // as listed; zero where not known
+    QString newName;             // "" until a batch pass gives one
+
+    QString path() const { return location + name; }
+};

@@ -1,0 +1,75 @@
+#include "RowOrder.h"
+
+#include "SortFunctions.h"
+
+#include <QHash>
+#include <algorithm>
+#include <numeric>
+
+namespace RowOrder {
+
+namespace {
+
+// Reorders rows by a permutation of their positions.
+void arrange(std::vector<ItemRecord> &rows, const std::vector<size_t> &order)
+{
+    std::vector<ItemRecord> arranged;
+    arranged.reserve(rows.size());
+    for (size_t position : order)
+        arranged.push_back(std::move(rows[position]));
+    rows = std::move(arranged);
+}
+
+} // namespace
+
+void byName(std::vector<ItemRecord> &rows, bool descending)
+{
+    // Folder keys are made once per folder; rows of a folder share its rank.
+    QHash<QString, int> folderRank;
+    std::vector<std::pair<QByteArray, QString>> folders;
+    for (const ItemRecord &row : rows)
+        if (!folderRank.contains(row.location)) {
+            folderRank.insert(row.location, 0);
+            folders.emplace_back(SortFunctions::stringAsNumberKey(row.location), row.location);
+        }
+    std::sort(folders.begin(), folders.end());
+    for (size_t i = 0; i < folders.size(); ++i)
+        folderRank[folders[i].second] = int(i);
+
+    std::vector<int> ranks(rows.size());
+    std::vector<QByteArray> keys(rows.size());
+    for (size_t i = 0; i < rows.size(); ++i) {
+        ranks[i] = folderRank.value(rows[i].location);
+        keys[i] = SortFunctions::stringAsNumberKey(rows[i].name);
+    }
+    std::vector<size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        const int byFolder = ranks[a] - ranks[b];
+        const int byName = byFolder ? 0 : keys[a].compare(keys[b]);
+        return descending ? (byFolder ? byFolder > 0 : byName > 0) : (byFolder ? byFolder < 0 : byName < 0);
+    });
+    arrange(rows, order);
+}
+
+void byValue(std::vector<ItemRecord> &rows, Value value, bool descending)
+{
+    const auto of = [value](const ItemRecord &row) -> qint64 {
+        switch (value) {
+        case Value::Created:
+            return row.created;
+        case Value::Modified:
+            return row.modified;
+        case Value::Size:
+            return qint64(row.size.value_or(0));
+        case Value::Include:
+            return row.include;
+        }
+        return 0;
+    };
+    std::stable_sort(rows.begin(), rows.end(), [&](const ItemRecord &a, const ItemRecord &b) {
+        return descending ? of(b) < of(a) : of(a) < of(b);
+    });
+}
+
+} // namespace RowOrder

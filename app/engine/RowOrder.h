@@ -1,0 +1,19 @@
+#pragma once
+
+#include "ItemRecord.h"
+
+#include <vector>
+
+// The order of the table's rows, one for the window and the command line.
+namespace RowOrder {
+
+// Natural order of the name within a folder, folders in natural order of
+// their path (digits as numbers, case ignored). Keys are made once per
+// name and per folder, never a collator call per comparison. Stable.
+void byName(std::vector<ItemRecord> &rows, bool descending = false);
+// By modification date, by creation date or by size, oldest or smallest
+// first; rows that compare equal keep their order.
+enum class Value { Created, Modified, Size, Include };
+void byValue(std::vector<ItemRecord> &rows, Value value, bool descending = false);
+
+} // namespace RowOrder
