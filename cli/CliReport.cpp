@@ -42,34 +42,48 @@ void say(FILE *stream, const QString &text)
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
 }
 
-int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied)
+int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied, const MoveOf &moveOf)
 {
     int conflicts = 0;
     int failures = 0;
-    QStringList objects;
-    for (const SafeMover::Outcome &outcome : outcomes) {
+    // Written in blocks: a hundred thousand rows are a hundred thousand lines.
+    QByteArray out;
+    const auto flush = [&out] {
+        std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
+        out.clear();
+    };
+    if (json)
+        out += "[";
+    for (size_t i = 0; i < outcomes.size(); ++i) {
+        const SafeMover::Outcome &outcome = outcomes[i];
         conflicts += outcome.status == SafeMover::Status::Conflict;
         failures += outcome.status == SafeMover::Status::Failed;
-        const QString status = QString::fromLatin1(statusName(outcome.status, applied));
+        const SafeMover::Move move = moveOf ? moveOf(i) : outcome.move;
+        const QLatin1String status(statusName(outcome.status, applied));
+        QString line;
         if (json) {
-            QString object = QStringLiteral("  {\"from\": %1, \"to\": %2, \"status\": %3, \"reason\": %4")
-                                 .arg(JsonString::quoted(outcome.move.from), JsonString::quoted(outcome.move.to),
-                                      JsonString::quoted(status), JsonString::quoted(outcome.reason));
+            line = (i ? QStringLiteral(",\n  {\"from\": ") : QStringLiteral("\n  {\"from\": ")) + JsonString::quoted(move.from)
+                   + QStringLiteral(", \"to\": ") + JsonString::quoted(move.to) + QStringLiteral(", \"status\": \"") + status
+                   + QStringLiteral("\", \"reason\": ") + JsonString::quoted(outcome.reason);
             if (!outcome.warning.isEmpty())
-                object += QStringLiteral(", \"warning\": ") + JsonString::quoted(outcome.warning);
-            objects.append(object + u'}');
-            continue;
+                line += QStringLiteral(", \"warning\": ") + JsonString::quoted(outcome.warning);
+            line += u'}';
+        } else {
+            line = QString(status).leftJustified(9) + QStringLiteral("  ") + move.from + QStringLiteral(" -> ") + newName(move);
+            if (!outcome.reason.isEmpty())
+                line += QStringLiteral("  (") + outcome.reason + u')';
+            if (!outcome.warning.isEmpty())
+                line += QStringLiteral("  (warning: ") + outcome.warning + u')';
+            line += u'\n';
         }
-        QString line = QStringLiteral("%1  %2 -> %3").arg(status.leftJustified(9), outcome.move.from, newName(outcome.move));
-        if (!outcome.reason.isEmpty())
-            line += QStringLiteral("  (") + outcome.reason + u')';
-        if (!outcome.warning.isEmpty())
-            line += QStringLiteral("  (warning: ") + outcome.warning + u')';
-        say(stdout, line);
+        out += PathCodec::encode(line);
+        if (out.size() > (1 << 16))
+            flush();
     }
     if (json)
-        say(stdout, objects.isEmpty() ? QStringLiteral("[]") : QStringLiteral("[\n") + objects.join(QStringLiteral(",\n")) + QStringLiteral("\n]"));
-    else
+        out += outcomes.empty() ? "]\n" : "\n]\n";
+    flush();
+    if (!json)
         say(stdout, QStringLiteral("%1 rows, %2 conflicts, %3 failures%4").arg(outcomes.size()).arg(conflicts).arg(failures)
                         .arg(applied ? QString() : QStringLiteral(" (dry run: nothing renamed; --apply to rename)")));
     return failures ? Failures : conflicts ? Conflicts : Success;
@@ -96,11 +110,11 @@ int refusal(SafeMover::Refusal refusal, const QString &text)
     return Failures;
 }
 
-int report(const SafeMover::Report &report, bool json)
+int report(const SafeMover::Report &report, bool json, const MoveOf &moveOf)
 {
     if (report.refusal != SafeMover::Refusal::None)
         return refusal(report.refusal, report.refusalText);
-    const int code = rows(report.outcomes, json, true);
+    const int code = rows(report.outcomes, json, true, moveOf);
     if (!report.notice.isEmpty())
         say(stderr, QStringLiteral("nomen-cli: ") + report.notice);
     if (report.interrupted) {

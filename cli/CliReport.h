@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QString>
 #include <cstdio>
+#include <functional>
 #include <vector>
 
 // What nomen-cli prints: one line per row (or JSON), a summary, and what to
@@ -16,10 +17,14 @@ enum ExitCode { Success = 0, Conflicts = 1, Failures = 2, Refused = 3, Usage = 6
 
 void say(FILE *stream, const QString &text);
 
+// Where each outcome's item was and is to be: its own move, or (for a
+// table's outcomes, whose moves are left empty) one made as it is printed.
+using MoveOf = std::function<SafeMover::Move(size_t outcome)>;
+
 // The rows and a summary line; the exit code they call for.
-int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied);
+int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied, const MoveOf &moveOf = {});
 // A whole report of the mover: a refusal, the rows, an interruption.
-int report(const SafeMover::Report &report, bool json);
+int report(const SafeMover::Report &report, bool json, const MoveOf &moveOf = {});
 // Why nothing can be renamed, with what to do next; its exit code.
 int refusal(SafeMover::Refusal refusal, const QString &text);
 

@@ -4,7 +4,6 @@
 // the last batch back, --finish and --roll-back deal with a batch cut short.
 
 #include "BatchPass.h"
-#include "BatchRenaming.h"
 #include "CliOptions.h"
 #include "CliReport.h"
 #include "FolderListing.h"
@@ -62,12 +61,26 @@ void sortRows(std::vector<ItemRecord> &rows, const QString &order)
         RowOrder::byName(rows);
 }
 
-// The moves the rule makes of the named folders and files.
-std::vector<SafeMover::Move> composedMoves(const QCommandLineParser &options, const QStringList &roots)
+// The rows of the named folders and files, in order, with the names the
+// rule gives them.
+struct Composed {
+    std::vector<ItemRecord> rows;
+    QStringList newNames;
+    std::vector<int> included; // the rows the outcomes speak of, in order
+
+    SafeMover::Move moveOf(size_t outcome) const
+    {
+        const ItemRecord &row = rows[size_t(included[outcome])];
+        return {row.path(), row.location + newNames[included[outcome]]};
+    }
+};
+
+Composed compose(const QCommandLineParser &options, const QStringList &roots)
 {
     RenameEngine engine;
     engine.use_exif_date = options.isSet("exif");
-    std::vector<ItemRecord> rows;
+    Composed composed;
+    std::vector<ItemRecord> &rows = composed.rows;
     for (const QString &root : roots) {
         ListingRequest request;
         request.paths = {root};
@@ -78,7 +91,10 @@ std::vector<SafeMover::Move> composedMoves(const QCommandLineParser &options, co
         request.extensions = options.value("ext-filter").split(u',', Qt::SkipEmptyParts);
         request.typeCodes = options.value("type").split(u',', Qt::SkipEmptyParts);
         Listing listing = engine.listing().list(request);
-        rows.insert(rows.end(), std::make_move_iterator(listing.items.begin()), std::make_move_iterator(listing.items.end()));
+        if (rows.empty())
+            rows = std::move(listing.items);
+        else
+            rows.insert(rows.end(), std::make_move_iterator(listing.items.begin()), std::make_move_iterator(listing.items.end()));
     }
     sortRows(rows, options.value("sort"));
     engine.settings().setConstantData(CliOptions::settings(options));
@@ -90,10 +106,11 @@ std::vector<SafeMover::Move> composedMoves(const QCommandLineParser &options, co
     PassRequest pass;
     pass.prefixChoice = pass.suffixChoice = CliOptions::dateChoice(options);
     pass.supplied = QDateTime::currentDateTime();
-    std::vector<SafeMover::Move> moves;
-    for (BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, BatchPass::newNames(engine.composer, rows, pass, engine.dates)))
-        moves.push_back(std::move(rowMove.move));
-    return moves;
+    composed.newNames = BatchPass::newNames(engine.composer, rows, pass, engine.dates);
+    for (size_t i = 0; i < rows.size(); ++i)
+        if (rows[i].include)
+            composed.included.push_back(int(i));
+    return composed;
 }
 
 // --undo, --finish, --roll-back: the journal alone says what to do.
@@ -166,12 +183,13 @@ int main(int argc, char **argv)
         CliReport::refusal(kind, text + QStringLiteral("; this dry run goes on"));
     }
     try {
-        const std::vector<SafeMover::Move> moves = composedMoves(options, roots);
+        const Composed composed = compose(options, roots);
+        const auto moveOf = [&composed](size_t outcome) { return composed.moveOf(outcome); };
         if (!apply)
-            return CliReport::rows(SafeMover::plan(moves), options.isSet("json"), false);
+            return CliReport::rows(SafeMover::plan(composed.rows, composed.newNames), options.isSet("json"), false, moveOf);
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
-        return CliReport::report(mover.apply(moves), options.isSet("json"));
+        return CliReport::report(mover.apply(composed.rows, composed.newNames), options.isSet("json"), moveOf);
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));
         return CliReport::Failures;

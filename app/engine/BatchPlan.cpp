@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <linux/magic.h>
+#include <functional>
 #include <map>
 #include <set>
 #include <sys/ioctl.h>
@@ -129,6 +130,13 @@ private:
     QHash<QString, std::variant<QString, int>> m_known;
 };
 
+QString withoutTrailingSlash(QString path)
+{
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
 QString invalidNameReason(const QString &name)
 {
     if (name.isEmpty())
@@ -155,75 +163,163 @@ QString surprise(const QString &name, const QString &newName)
     return {};
 }
 
-// A row that will be renamed, as the plan works it out.
+// What the plan is asked of one row: the folder as given, the item's name
+// there and its new name. From a list of moves each path is split; from a
+// table the rows' own strings are used as they are.
+struct Request {
+    const Move *move = nullptr; // as reported back; none for a table's row
+    QString folder;
+    QString name;
+    QString newName;
+    std::optional<FileIdentity> identity;
+    Status refusedAs = Status::Renamed; // a move that cannot be split
+    QString refusal;
+
+    QString path() const
+    {
+        return move ? move->from : folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+    }
+};
+
+Request requestFor(const Move &move)
+{
+    Request request{&move, {}, {}, {}, std::nullopt, Status::Renamed, {}};
+    QStringView from(move.from);
+    while (from.size() > 1 && from.endsWith(u'/'))
+        from.chop(1);
+    const qsizetype slash = from.lastIndexOf(u'/');
+    const QStringView prefix = from.left(slash + 1);
+    const QStringView name = from.mid(slash + 1);
+    if (name.isEmpty() || name == u"." || name == u"..") {
+        request.refusedAs = Status::Failed;
+        request.refusal = QStringLiteral("\"%1\" does not name an item").arg(move.from);
+    } else if (!QStringView(move.to).startsWith(prefix)) {
+        request.refusedAs = Status::Conflict;
+        request.refusal = QStringLiteral("\"%1\" is not in the folder of \"%2\"").arg(move.to, move.from);
+    }
+    request.folder = slash < 0 ? QStringLiteral(".") : slash == 0 ? QStringLiteral("/") : from.left(slash).toString();
+    request.name = name.toString();
+    request.newName = QStringView(move.to).mid(prefix.size()).toString();
+    return request;
+}
+
+Request requestFor(const ItemRecord &row, const QString &newName)
+{
+    const bool known = row.identity.inode != 0;
+    return {nullptr, row.location, row.name, newName, known ? std::optional(row.identity) : std::nullopt, Status::Renamed, {}};
+}
+
+// A row that will be renamed, as the plan works it out: the folder (an index
+// into the resolved folders), its name and the new one.
 struct Candidate {
     int row;
-    QString folder; // resolved
+    int folder;
     QString name;
     QString newName;
     FileIdentity identity;
-
-    QString from() const { return folder + u'/' + name; }
-    QString to() const { return folder + u'/' + newName; }
 };
+
+// A name in a folder, as a hash key made of strings the plan already holds.
+struct NameKey {
+    int folder;
+    QString name;
+    bool operator==(const NameKey &) const = default;
+};
+
+size_t qHash(const NameKey &key, size_t seed = 0)
+{
+    return qHashMulti(seed, key.folder, key.name);
+}
 
 class Planner {
 public:
-    Planner(const std::vector<Move> &moves, BatchPlan &plan) : m_moves(moves), m_plan(plan) {}
-
-    void run()
+    // The rows' requests are made one at a time, as each row is checked.
+    Planner(size_t count, std::function<Request(size_t)> requestAt, BatchPlan &plan)
+        : m_count(count), m_requestAt(std::move(requestAt)), m_plan(plan)
     {
-        for (size_t row = 0; row < m_moves.size(); ++row)
+    }
+
+    void run(bool ordered)
+    {
+        m_candidates.resize(m_count);
+        m_plan.outcomes.reserve(m_count);
+        for (size_t row = 0; row < m_count; ++row)
             m_plan.outcomes.push_back(check(int(row)));
         refuseDuplicates();
         refuseTakenNames();
         for (Outcome &outcome : m_plan.outcomes)
             if (outcome.status != Status::Renamed)
                 outcome.warning.clear();
-        order();
+        if (ordered)
+            order();
     }
 
 private:
+    QString pathOf(int folder, const QString &name) const
+    {
+        const QString &path = m_folderPaths[folder];
+        return path.endsWith(u'/') ? path + name : path + u'/' + name;
+    }
+
+    // The resolved folder's index; rows of one folder usually follow each
+    // other, so the last answer is tried first.
+    std::variant<int, int> folderIndex(const QString &raw)
+    {
+        if (m_lastRaw && raw == *m_lastRaw)
+            return m_lastAnswer;
+        const auto resolved = m_resolver.resolve(raw);
+        std::variant<int, int> answer;
+        if (const int *error = std::get_if<int>(&resolved)) {
+            answer.emplace<1>(*error);
+        } else {
+            const QString &folder = std::get<QString>(resolved);
+            auto known = m_folderIndex.constFind(folder);
+            if (known == m_folderIndex.cend()) {
+                known = m_folderIndex.insert(folder, int(m_folderPaths.size()));
+                m_folderPaths.append(folder);
+            }
+            answer.emplace<0>(*known);
+        }
+        m_lastRaw = raw;
+        m_lastAnswer = answer;
+        return answer;
+    }
+
     // One row on its own: the name, its folder, its file.
     Outcome check(int row)
     {
-        const Move &move = m_moves[size_t(row)];
-        Outcome outcome{move, Status::Renamed, {}, {}};
+        const Request request = m_requestAt(size_t(row));
+        Outcome outcome{request.move ? *request.move : Move(), Status::Renamed, {}, {}};
         auto refuse = [&](Status status, const QString &reason) {
             outcome.status = status;
             outcome.reason = reason;
             return outcome;
         };
-        QString from = move.from;
-        while (from.size() > 1 && from.endsWith(u'/'))
-            from.chop(1);
-        const qsizetype slash = from.lastIndexOf(u'/');
-        const QString prefix = from.left(slash + 1);
-        const QString name = from.mid(slash + 1);
-        if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String(".."))
-            return refuse(Status::Failed, QStringLiteral("\"%1\" does not name an item").arg(move.from));
-        if (!move.to.startsWith(prefix))
-            return refuse(Status::Conflict, QStringLiteral("\"%1\" is not in the folder of \"%2\"").arg(move.to, move.from));
-        const QString newName = move.to.mid(prefix.size());
-        if (newName == name) {
+        if (!request.refusal.isEmpty())
+            return refuse(request.refusedAs, request.refusal);
+        if (request.newName == request.name) {
             outcome.status = Status::Unchanged;
             return outcome;
         }
-        if (const QString reason = invalidNameReason(newName); !reason.isEmpty())
+        if (const QString reason = invalidNameReason(request.newName); !reason.isEmpty())
             return refuse(Status::Conflict, reason);
-        const QString rawFolder = slash < 0 ? QStringLiteral(".") : slash == 0 ? QStringLiteral("/") : from.left(slash);
-        const auto folder = m_folders.resolve(rawFolder);
-        if (const int *error = std::get_if<int>(&folder))
-            return refuse(Status::Failed, *error == ENOENT ? QStringLiteral("no such folder \"%1\"").arg(rawFolder)
-                                                           : QStringLiteral("the folder \"%1\" cannot be reached: %2")
-                                                                 .arg(rawFolder, errorText(*error)));
-        const QString resolved = std::get<QString>(folder) == QLatin1String("/") ? QString() : std::get<QString>(folder);
-        const auto identity = move.identity ? move.identity : FileIdentity::at(PathCodec::encode(resolved + u'/' + name));
+        const auto folder = folderIndex(request.folder);
+        if (folder.index() == 1) {
+            const int error = std::get<1>(folder);
+            const QString shown = withoutTrailingSlash(request.folder);
+            return refuse(Status::Failed, error == ENOENT ? QStringLiteral("no such folder \"%1\"").arg(shown)
+                                                          : QStringLiteral("the folder \"%1\" cannot be reached: %2")
+                                                                .arg(shown, errorText(error)));
+        }
+        Candidate candidate{row, std::get<0>(folder), request.name, request.newName, {}};
+        const auto identity =
+            request.identity ? request.identity : FileIdentity::at(PathCodec::encode(pathOf(candidate.folder, candidate.name)));
         if (!identity)
-            return refuse(Status::Failed, errno == ENOENT ? QStringLiteral("\"%1\" is no longer there").arg(move.from)
-                                                          : QStringLiteral("\"%1\": %2").arg(move.from, errorText(errno)));
-        outcome.warning = surprise(name, newName);
-        m_candidates.insert(row, {row, resolved, name, newName, *identity});
+            return refuse(Status::Failed, errno == ENOENT ? QStringLiteral("\"%1\" is no longer there").arg(request.path())
+                                                          : QStringLiteral("\"%1\": %2").arg(request.path(), errorText(errno)));
+        candidate.identity = *identity;
+        outcome.warning = surprise(candidate.name, candidate.newName);
+        m_candidates[size_t(row)] = std::move(candidate);
         return outcome;
     }
 
@@ -231,7 +327,7 @@ private:
     {
         m_plan.outcomes[size_t(row)].status = Status::Conflict;
         m_plan.outcomes[size_t(row)].reason = reason;
-        m_candidates.remove(row);
+        m_candidates[size_t(row)].reset();
     }
 
     // Two rows may not want one name, nor move one file (under one name or
@@ -239,23 +335,27 @@ private:
     // by it).
     void refuseDuplicates()
     {
-        QHash<QString, int> wanted;
-        for (const Candidate &candidate : std::as_const(m_candidates))
-            wanted[candidate.to()] += 1;
-        QHash<QString, int> sources;
+        QHash<NameKey, int> wanted;
+        wanted.reserve(qsizetype(m_candidates.size()));
+        for (const auto &candidate : m_candidates)
+            if (candidate)
+                wanted[{candidate->folder, candidate->newName}] += 1;
+        QSet<NameKey> sources;
         QHash<FileIdentity, int> files;
-        for (const int row : sortedRows()) {
-            const Candidate &candidate = m_candidates[row];
-            if (wanted.value(candidate.to()) > 1)
-                refuse(row, QStringLiteral("another row takes the same new name \"%1\"").arg(candidate.newName));
-            else if (sources.contains(candidate.from()))
-                refuse(row, QStringLiteral("an earlier row moves the same file"));
-            else if (const auto other = files.constFind(candidate.identity); other != files.cend())
-                refuse(row, QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
-                                .arg(candidate.name, m_candidates[*other].name));
-            else {
-                sources.insert(candidate.from(), row);
-                files.insert(candidate.identity, row);
+        for (size_t row = 0; row < m_candidates.size(); ++row) {
+            const auto &candidate = m_candidates[row];
+            if (!candidate)
+                continue;
+            if (wanted.value({candidate->folder, candidate->newName}) > 1) {
+                refuse(int(row), QStringLiteral("another row takes the same new name \"%1\"").arg(candidate->newName));
+            } else if (sources.contains({candidate->folder, candidate->name})) {
+                refuse(int(row), QStringLiteral("an earlier row moves the same file"));
+            } else if (const auto other = files.constFind(candidate->identity); other != files.cend()) {
+                refuse(int(row), QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
+                                     .arg(candidate->name, m_candidates[size_t(*other)]->name));
+            } else {
+                sources.insert({candidate->folder, candidate->name});
+                files.insert(candidate->identity, int(row));
             }
         }
     }
@@ -266,82 +366,83 @@ private:
     void refuseTakenNames()
     {
         QHash<QString, int> usesPerFolder;
-        for (const Candidate &candidate : std::as_const(m_candidates))
-            usesPerFolder[candidate.folder] += 2;
+        for (const auto &candidate : m_candidates)
+            if (candidate)
+                usesPerFolder[m_folderPaths[candidate->folder]] += 2;
         m_existing.readFoldersOf(usesPerFolder);
         for (bool changed = true; changed;) {
             changed = false;
-            QSet<QString> leaving;
-            for (const Candidate &candidate : std::as_const(m_candidates))
-                leaving.insert(candidate.from());
-            for (const int row : sortedRows()) {
-                const Candidate &candidate = m_candidates[row];
-                if (leaving.contains(candidate.to()) || !m_existing.contains(candidate.folder, candidate.newName))
+            QSet<NameKey> leaving;
+            for (const auto &candidate : m_candidates)
+                if (candidate)
+                    leaving.insert({candidate->folder, candidate->name});
+            for (size_t row = 0; row < m_candidates.size(); ++row) {
+                const auto &candidate = m_candidates[row];
+                if (!candidate || leaving.contains({candidate->folder, candidate->newName})
+                    || !m_existing.contains(m_folderPaths[candidate->folder], candidate->newName))
                     continue;
                 // The same file under another case, on a file system that ignores case.
-                if (FileIdentity::at(PathCodec::encode(candidate.to())) == candidate.identity)
+                if (FileIdentity::at(PathCodec::encode(pathOf(candidate->folder, candidate->newName))) == candidate->identity)
                     continue;
-                refuse(row, QStringLiteral("a file named \"%1\" is already there").arg(candidate.newName));
+                refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(candidate->newName));
                 changed = true;
             }
         }
     }
 
-    std::vector<int> sortedRows() const
-    {
-        std::vector<int> rows(m_candidates.keyBegin(), m_candidates.keyEnd());
-        std::sort(rows.begin(), rows.end());
-        return rows;
-    }
-
-    QString temporaryName(const QString &folder)
+    QString temporaryName(int folder)
     {
         if (m_token.isEmpty())
             m_token = QString::number(QRandomGenerator::global()->generate64() & 0xffffffffffffULL, 16);
         for (;;) {
             const QString name = QStringLiteral(".nomen-moving-%1-%2").arg(m_token).arg(++m_temporaries);
             struct stat info;
-            if (lstat(PathCodec::encode(folder + u'/' + name).constData(), &info) != 0)
+            if (lstat(PathCodec::encode(pathOf(folder, name)).constData(), &info) != 0)
                 return name;
         }
     }
 
-    // Deepest first, so the items in a folder move before the folder does;
-    // within one depth a move waits for the item on its new name to leave,
-    // and in a cycle one item steps aside to a temporary name.
+    // Deepest folders first, so the items in a folder move before the
+    // folder does. Every move stays in its folder, so each folder is
+    // ordered on its own: a move waits for the item on its new name to
+    // leave, and in a cycle one item steps aside to a temporary name.
     void order()
     {
         BatchJournal &journal = m_plan.journal;
-        QHash<QString, int> folderIndex;
-        std::map<int, std::vector<int>, std::greater<int>> byDepth;
-        for (const int row : sortedRows()) {
-            const Candidate &candidate = m_candidates[row];
-            auto index = folderIndex.constFind(candidate.folder);
-            if (index == folderIndex.cend()) {
-                index = folderIndex.insert(candidate.folder, int(journal.folders.size()));
-                journal.folders.append(candidate.folder.isEmpty() ? QStringLiteral("/") : candidate.folder);
-            }
-            byDepth[int(candidate.from().count(u'/'))].push_back(int(journal.items.size()));
-            journal.items.push_back({row, *index, {candidate.name, candidate.newName}, candidate.identity, std::nullopt});
+        journal.folders.clear();
+        for (const QString &folder : std::as_const(m_folderPaths))
+            journal.folders.append(folder.isEmpty() ? QStringLiteral("/") : folder);
+        QHash<int, std::vector<int>> itemsOfFolder;
+        for (const auto &candidate : m_candidates) {
+            if (!candidate)
+                continue;
+            itemsOfFolder[candidate->folder].push_back(int(journal.items.size()));
+            journal.items.push_back({candidate->row, candidate->folder, {candidate->name, candidate->newName}, candidate->identity, std::nullopt});
         }
-        for (const auto &[depth, items] : byDepth)
-            orderLevel(items);
+        std::vector<int> folders(itemsOfFolder.keyBegin(), itemsOfFolder.keyEnd());
+        const auto depth = [this](int folder) {
+            return m_folderPaths[folder] == QLatin1String("/") ? 0 : m_folderPaths[folder].count(u'/');
+        };
+        std::sort(folders.begin(), folders.end(), [&](int a, int b) {
+            return depth(a) != depth(b) ? depth(a) > depth(b) : a < b;
+        });
+        for (const int folder : folders)
+            orderFolder(folder, itemsOfFolder.value(folder));
     }
 
-    void orderLevel(const std::vector<int> &items)
+    void orderFolder(int folder, const std::vector<int> &items)
     {
         BatchJournal &journal = m_plan.journal;
-        auto path = [&](int item, int position) { return journal.pathOf(journal.items[size_t(item)], position); };
         std::set<int> pending(items.cbegin(), items.cend());
-        QHash<QString, int> bySource; // where each waiting item is now
+        QHash<QString, int> bySource; // the name each waiting item has now
         QHash<QString, int> byTarget;
         for (const int item : items) {
-            bySource.insert(path(item, 0), item);
-            byTarget.insert(path(item, 1), item);
+            bySource.insert(journal.items[size_t(item)].names[0], item);
+            byTarget.insert(journal.items[size_t(item)].names[1], item);
         }
         std::vector<int> ready;
         for (const int item : items)
-            if (!bySource.contains(path(item, 1)))
+            if (!bySource.contains(journal.items[size_t(item)].names[1]))
                 ready.push_back(item);
         // The item waiting for a name, once that name is free.
         auto wakeWaiterFor = [&](const QString &freed) {
@@ -353,11 +454,11 @@ private:
             if (ready.empty()) {
                 const int item = *pending.begin();
                 BatchJournal::Item &entry = journal.items[size_t(item)];
-                const QString from = path(item, 0);
-                entry.names.insert(1, temporaryName(journal.folders[entry.folder]));
+                const QString from = entry.names[0];
+                entry.names.insert(1, temporaryName(folder));
                 journal.steps.push_back({item, 1});
                 bySource.remove(from);
-                bySource.insert(path(item, 1), item);
+                bySource.insert(entry.names[1], item);
                 wakeWaiterFor(from);
                 continue;
             }
@@ -367,26 +468,46 @@ private:
                 continue;
             const BatchJournal::Item &entry = journal.items[size_t(item)];
             journal.steps.push_back({item, entry.last()});
-            bySource.remove(path(item, entry.last() - 1));
-            wakeWaiterFor(path(item, 0));
+            bySource.remove(entry.names[entry.last() - 1]);
+            wakeWaiterFor(entry.names[0]);
         }
     }
 
-    const std::vector<Move> &m_moves;
+    size_t m_count;
+    std::function<Request(size_t)> m_requestAt;
     BatchPlan &m_plan;
-    FolderResolver m_folders;
+    FolderResolver m_resolver;
     ExistingItems m_existing;
-    QHash<int, Candidate> m_candidates; // by row
+    QStringList m_folderPaths;          // resolved; "" for the root
+    QHash<QString, int> m_folderIndex;
+    std::optional<QString> m_lastRaw;
+    std::variant<int, int> m_lastAnswer;
+    std::vector<std::optional<Candidate>> m_candidates; // by row
     QString m_token;
     int m_temporaries = 0;
 };
 
 } // namespace
 
-BatchPlan BatchPlan::make(const std::vector<Move> &moves, BatchJournal::Kind kind)
+BatchPlan BatchPlan::make(const std::vector<Move> &moves, BatchJournal::Kind kind, bool ordered)
 {
     BatchPlan plan;
     plan.journal.kind = kind;
-    Planner(moves, plan).run();
+    Planner(moves.size(), [&moves](size_t row) { return requestFor(moves[row]); }, plan).run(ordered);
+    return plan;
+}
+
+BatchPlan BatchPlan::make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind, bool ordered)
+{
+    BatchPlan plan;
+    for (size_t i = 0; i < rows.size() && qsizetype(i) < newNames.size(); ++i)
+        if (rows[i].include)
+            plan.rows.push_back(int(i));
+    plan.journal.kind = kind;
+    const auto requestAt = [&](size_t outcome) {
+        const int row = plan.rows[outcome];
+        return requestFor(rows[size_t(row)], newNames[row]);
+    };
+    Planner(plan.rows.size(), requestAt, plan).run(ordered);
     return plan;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BatchJournal.h"
+#include "ItemRecord.h"
 
 #include <QString>
 #include <optional>
@@ -12,9 +13,6 @@ namespace Batch {
 struct Move {
     QString from; // full paths; the new one in the same folder
     QString to;
-    // The file's identity where a listing has just read it; otherwise the
-    // plan reads it.
-    std::optional<FileIdentity> identity = std::nullopt;
 };
 
 enum class Status { Renamed, Unchanged, Conflict, Failed };
@@ -40,6 +38,12 @@ struct Outcome {
 struct BatchPlan {
     std::vector<Batch::Outcome> outcomes; // one per row, in the rows' order
     BatchJournal journal;                 // the rows that will be renamed
+    std::vector<int> rows;                // planned from a table: the table row of each outcome
 
-    static BatchPlan make(const std::vector<Batch::Move> &moves, BatchJournal::Kind kind);
+    // Without `ordered` only the outcomes are worked out, as for a dry run.
+    static BatchPlan make(const std::vector<Batch::Move> &moves, BatchJournal::Kind kind, bool ordered = true);
+    // A table's included rows, each to take its new name, planned from the
+    // rows' own strings; the outcomes' moves are left empty.
+    static BatchPlan make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind,
+                          bool ordered = true);
 };

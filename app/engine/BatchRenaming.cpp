@@ -28,9 +28,7 @@ std::vector<RowMove> movesFor(const std::vector<ItemRecord> &rows, const QString
         const ItemRecord &row = rows[i];
         if (!row.include)
             continue;
-        const bool known = row.identity.inode != 0;
-        moves.push_back({int(i), {row.path(), row.location + newNames[qsizetype(i)],
-                                  known ? std::optional(row.identity) : std::nullopt}});
+        moves.push_back({int(i), {row.path(), row.location + newNames[qsizetype(i)]}});
     }
     return moves;
 }

@@ -25,8 +25,7 @@ struct BatchRequest {
 namespace BatchRenaming {
 
 // The moves that give the included rows their new names (one per included
-// row, in row order), each with the row it serves. The listing's
-// identity of each file goes with its move.
+// row, in row order), each with the row it serves.
 struct RowMove {
     int row;
     Batch::Move move;

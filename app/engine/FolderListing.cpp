@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -77,14 +78,13 @@ QString FolderListing::fullPath(const QString &folder, const QString &name)
 
 QStringList FolderListing::directoryContents(const QString &folder, bool withInvisibles)
 {
+    if (withInvisibles)
+        return FileStatus::entryNames(folder).value_or(QStringList());
     QStringList names;
-    if (withInvisibles) {
-        for (const QString &name : FileStatus::entryNames(folder).value_or(QStringList()))
-            names.append(name);
-        return names;
-    }
-    for (const Scanned &item : scanFolder(fullPath(folder, QString())))
+    forEachVisible(fullPath(folder, QString()), [&names](Scanned &item, const QByteArray &) {
         names.append(item.name);
+        return true;
+    });
     return names;
 }
 
@@ -120,18 +120,17 @@ bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
     return false;
 }
 
-// Reads one item: `at` is its folder's descriptor (or AT_FDCWD) and
-// `relative` its name there (or its whole path).
-FolderListing::Scanned FolderListing::scan(int at, const QString &location, const QByteArray &folderBytes,
-                                           const QByteArray &relative)
+// Reads one item: `relative` is its name in the folder `at` (or its whole
+// path, with AT_FDCWD); `path` is its whole path in any case.
+FolderListing::Scanned FolderListing::scan(int at, const char *relative, const QByteArray &path, const QString &location,
+                                           QString name)
 {
     Scanned item;
     item.location = location;
-    item.path = at == AT_FDCWD ? relative : folderBytes == "/" ? '/' + relative : folderBytes + '/' + relative;
-    item.name = PathCodec::decode(at == AT_FDCWD ? relative.mid(relative.lastIndexOf('/') + 1) : relative);
+    item.name = std::move(name);
     struct statx status;
     const unsigned int wanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_MTIME | STATX_BTIME;
-    if (statx(at, relative.constData(), AT_SYMLINK_NOFOLLOW, wanted, &status) == 0) {
+    if (statx(at, relative, AT_SYMLINK_NOFOLLOW, wanted, &status) == 0) {
         item.exists = true;
         item.isFolder = S_ISDIR(status.stx_mode);
         item.isLink = S_ISLNK(status.stx_mode);
@@ -143,7 +142,7 @@ FolderListing::Scanned FolderListing::scan(int at, const QString &location, cons
             item.identity.born = qint64(status.stx_btime.tv_sec) * 1000000000 + status.stx_btime.tv_nsec;
         }
     }
-    item.finder = FinderInfo::read(item.path, false);
+    item.finder = FinderInfo::read(path, false);
     return item;
 }
 
@@ -151,25 +150,28 @@ FolderListing::Scanned FolderListing::scanPath(const QString &path)
 {
     const QString whole = absolute(path);
     const qsizetype slash = whole.lastIndexOf(u'/');
-    return scan(AT_FDCWD, whole.left(slash + 1), QByteArray(), PathCodec::encode(whole));
+    const QByteArray bytes = PathCodec::encode(whole);
+    return scan(AT_FDCWD, bytes.constData(), bytes, whole.left(slash + 1), whole.mid(slash + 1));
 }
 
 // The visibility rules, from what was already read. A link's invisible
 // flag is its target's.
-bool FolderListing::visible(const Scanned &item, const QSet<QString> &hidden)
+bool FolderListing::visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden)
 {
     if (item.name.startsWith(u'.') || (item.location == QLatin1String("/") && HiddenItems::isSystemPath(u'/' + item.name)))
         return false;
-    const auto finder = item.isLink ? FinderInfo::read(item.path, true) : item.finder;
+    const auto finder = item.isLink ? FinderInfo::read(path, true) : item.finder;
     if (finder && (finder->flags & FinderInfo::InvisibleFlag))
         return false;
     return !hidden.contains(item.name);
 }
 
-// A folder's visible items, read through one descriptor for the folder.
-std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &location)
+// A folder's visible items in the order the file system gives them, read
+// through one descriptor for the folder. Entries are taken in blocks, each
+// read by this thread and a helper (two system calls an item are most of a
+// listing's time), then used in order here.
+void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each)
 {
-    std::vector<Scanned> items;
     const QString folder = withoutTrailingSlashes(location);
     const QByteArray folderBytes = PathCodec::encode(folder);
     const int descriptor = open(folderBytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -177,20 +179,48 @@ std::vector<FolderListing::Scanned> FolderListing::scanFolder(const QString &loc
     if (!entries) {
         if (descriptor >= 0)
             close(descriptor);
-        return items;
+        return;
     }
     const QSet<QString> hidden = HiddenItems::listedIn(folder);
     const QString shared = fullPath(folder, QString()); // one location for every row of the folder
-    while (const dirent *entry = readdir(entries)) {
-        const QByteArray name(entry->d_name);
-        if (name == "." || name == "..")
-            continue;
-        Scanned item = scan(descriptor, shared, folderBytes, name);
-        if (visible(item, hidden))
-            items.push_back(std::move(item));
+    const QByteArray base = folderBytes == "/" ? folderBytes : folderBytes + '/';
+    constexpr size_t block = 1024;
+    std::vector<QByteArray> names;
+    std::vector<QByteArray> paths(block);
+    std::vector<Scanned> items(block);
+    const auto scanRange = [&](size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i) {
+            paths[i] = base + names[i];
+            items[i] = scan(descriptor, names[i].constData(), paths[i], shared, PathCodec::decode(names[i]));
+        }
+    };
+    for (bool more = true; more;) {
+        names.clear();
+        while (names.size() < block) {
+            const dirent *entry = readdir(entries);
+            if (!entry) {
+                more = false;
+                break;
+            }
+            if (entry->d_name[0] == '.' && (entry->d_name[1] == 0 || (entry->d_name[1] == '.' && entry->d_name[2] == 0)))
+                continue;
+            names.emplace_back(entry->d_name);
+        }
+        const size_t count = names.size();
+        if (count >= 64) {
+            std::thread helper(scanRange, count / 2, count);
+            scanRange(0, count / 2);
+            helper.join();
+        } else {
+            scanRange(0, count);
+        }
+        for (size_t i = 0; i < count; ++i)
+            if (visible(items[i], paths[i], hidden) && !each(items[i], paths[i])) {
+                more = false;
+                break;
+            }
     }
     closedir(entries);
-    return items;
 }
 
 ItemRecord FolderListing::fileRecord(const Scanned &item, bool include) const
@@ -205,7 +235,7 @@ ItemRecord FolderListing::fileRecord(const Scanned &item, bool include) const
             created = fromExif.toDateTime().toMSecsSinceEpoch();
     }
     record.created = m_dates.clamp(created);
-    record.modified = m_dates.clamp(item.exists ? item.modified : std::nullopt);
+    record.modified = m_dates.clamp(item.modified);
     record.size = item.size;
     record.typeCode = item.finder ? item.finder->type : 0;
     record.creatorCode = item.finder ? item.finder->creator : 0;
@@ -246,66 +276,82 @@ QVariantMap FolderListing::getFolderInfo(const QString &path) const
 
 Listing FolderListing::list(const ListingRequest &request)
 {
-    std::vector<Scanned> items;
-    for (const QString &path : request.paths)
-        items.push_back(scanPath(path));
+    const Filters filters{isBlankFilter(request.typeCodes), isBlankFilter(request.extensions),
+                          (isBlankFilter(request.typeCodes) && isBlankFilter(request.extensions))
+                              || (request.typeCodes.isEmpty() && request.extensions.isEmpty()),
+                          QSet<QString>(request.extensions.cbegin(), request.extensions.cend()),
+                          withoutTrailingSlashes(request.root)};
     Listing listing;
     bool stopped = false;
-    listItems(request, items, request.descend, listing, stopped);
+    for (const QString &path : request.paths) {
+        if (shouldStop(request)) {
+            stopped = true;
+            break;
+        }
+        addItem(request, filters, scanPath(path), request.descend, listing);
+    }
     if (stopped)
         listing = Listing{{}, true, {}};
     return listing;
 }
 
-void FolderListing::listItems(const ListingRequest &request, const std::vector<Scanned> &items, bool descend,
+bool FolderListing::shouldStop(const ListingRequest &request)
+{
+    if (keepResponsive)
+        keepResponsive();
+    if (!request.honourStop || m_stop.load())
+        return false;
+    m_stop.store(true);
+    return true;
+}
+
+void FolderListing::addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
                               Listing &listing, bool &stopped)
 {
-    const bool typeBlank = isBlankFilter(request.typeCodes);
-    const bool extensionBlank = isBlankFilter(request.extensions);
-    const bool noFilters = (typeBlank && extensionBlank) || (request.typeCodes.isEmpty() && request.extensions.isEmpty());
-    const QSet<QString> extensions(request.extensions.cbegin(), request.extensions.cend());
-    const QString root = withoutTrailingSlashes(request.root);
-
-    for (const Scanned &item : items) {
-        if (keepResponsive)
-            keepResponsive();
-        if (request.honourStop && !m_stop.load()) {
-            m_stop.store(true);
+    forEachVisible(location, [&](Scanned &item, const QByteArray &) {
+        if (shouldStop(request)) {
             stopped = true;
-            return;
+            return false;
         }
-        if (item.isFolder) {
-            const QString path = item.location + item.name;
-            if (request.folderRows && path != root)
-                listing.items.push_back(folderRecord(item));
-            if (descend || path == root) {
-                // A stop inside a subfolder drops that folder's rows and is
-                // noted where they would have been; the parent goes on.
-                const size_t mark = listing.items.size();
-                bool nestedStop = false;
-                listItems(request, scanFolder(fullPath(path, QString())), descend, listing, nestedStop);
-                if (nestedStop) {
-                    listing.items.resize(mark);
-                    listing.stoppedInside.push_back(mark);
-                }
+        addItem(request, filters, item, descend, listing);
+        return true;
+    });
+}
+
+void FolderListing::addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend,
+                            Listing &listing)
+{
+    if (item.isFolder) {
+        const QString path = item.location + item.name;
+        if (request.folderRows && path != filters.root)
+            listing.items.push_back(folderRecord(item));
+        if (descend || path == filters.root) {
+            // A stop inside a subfolder drops that folder's rows and is
+            // noted where they would have been; the parent goes on.
+            const size_t mark = listing.items.size();
+            bool nestedStop = false;
+            addFolder(request, filters, fullPath(path, QString()), descend, listing, nestedStop);
+            if (nestedStop) {
+                listing.items.resize(mark);
+                listing.stoppedInside.push_back(mark);
             }
-            continue;
         }
-        bool include = false;
-        bool listed = true;
-        if (request.longNames) {
-            if (item.name.size() >= 32 && request.folderRows)
-                include = true;
-            else
-                listed = request.listUnmatched && !request.folderRows;
-        } else {
-            include = (noFilters && !request.folderRows)
-                      || (!typeBlank && fileTypeCode(item.finder ? item.finder->type : 0u, request.typeCodes))
-                      || (!extensionBlank && extensions.contains(extensionOf(item.name)));
-            if (!include)
-                listed = request.listUnmatched && !request.folderRows;
-        }
-        if (listed)
-            listing.items.push_back(fileRecord(item, include));
+        return;
     }
+    bool include = false;
+    bool listed = true;
+    if (request.longNames) {
+        if (item.name.size() >= 32 && request.folderRows)
+            include = true;
+        else
+            listed = request.listUnmatched && !request.folderRows;
+    } else {
+        include = (filters.none && !request.folderRows)
+                  || (!filters.typeBlank && fileTypeCode(item.finder ? item.finder->type : 0u, request.typeCodes))
+                  || (!filters.extensionBlank && filters.extensions.contains(extensionOf(item.name)));
+        if (!include)
+            listed = request.listUnmatched && !request.folderRows;
+    }
+    if (listed)
+        listing.items.push_back(fileRecord(item, include));
 }

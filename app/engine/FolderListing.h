@@ -64,7 +64,6 @@ private:
     struct Scanned {
         QString name;
         QString location; // ends with "/"
-        QByteArray path;
         bool exists = false;
         bool isFolder = false;
         bool isLink = false;
@@ -74,14 +73,24 @@ private:
         std::optional<qint64> modified;
         std::optional<FinderInfo::Info> finder;
     };
-    static Scanned scan(int folder, const QString &location, const QByteArray &folderBytes, const QByteArray &name);
+    // What the request's filters make of a listing.
+    struct Filters {
+        bool typeBlank, extensionBlank, none;
+        QSet<QString> extensions;
+        QString root;
+    };
+    static Scanned scan(int at, const char *relative, const QByteArray &path, const QString &location, QString name);
     static Scanned scanPath(const QString &path);
-    static bool visible(const Scanned &item, const QSet<QString> &hidden);
-    static std::vector<Scanned> scanFolder(const QString &location);
+    static bool visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden);
+    // Calls `each` with every visible item of a folder and its path, until
+    // it answers false.
+    static void forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each);
     ItemRecord fileRecord(const Scanned &item, bool include) const;
     ItemRecord folderRecord(const Scanned &item) const;
-    void listItems(const ListingRequest &request, const std::vector<Scanned> &items, bool descend, Listing &listing,
-                   bool &stopped);
+    bool shouldStop(const ListingRequest &request);
+    void addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend, Listing &listing);
+    void addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
+                   Listing &listing, bool &stopped);
 
     const ClampedDates &m_dates;
     std::atomic<bool> &m_stop;

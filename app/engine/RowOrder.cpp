@@ -10,14 +10,24 @@ namespace RowOrder {
 
 namespace {
 
-// Reorders rows by a permutation of their positions.
-void arrange(std::vector<ItemRecord> &rows, const std::vector<size_t> &order)
+// Puts the rows in a new order (order[i] is the position of the row that
+// goes to i) in place, following each cycle of the permutation.
+void arrange(std::vector<ItemRecord> &rows, std::vector<size_t> &order)
 {
-    std::vector<ItemRecord> arranged;
-    arranged.reserve(rows.size());
-    for (size_t position : order)
-        arranged.push_back(std::move(rows[position]));
-    rows = std::move(arranged);
+    for (size_t start = 0; start < order.size(); ++start) {
+        if (order[start] == start)
+            continue;
+        ItemRecord held = std::move(rows[start]);
+        size_t at = start;
+        while (order[at] != start) {
+            const size_t next = order[at];
+            rows[at] = std::move(rows[next]);
+            order[at] = at;
+            at = next;
+        }
+        rows[at] = std::move(held);
+        order[at] = at;
+    }
 }
 
 } // namespace

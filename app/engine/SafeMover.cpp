@@ -85,7 +85,7 @@ void SafeMover::release()
 
 std::vector<Outcome> SafeMover::plan(const std::vector<Move> &moves)
 {
-    return BatchPlan::make(moves, BatchJournal::Kind::Apply).outcomes;
+    return BatchPlan::make(moves, BatchJournal::Kind::Apply, false).outcomes;
 }
 
 std::optional<SafeMover::Pending> SafeMover::pending() const
@@ -125,6 +125,11 @@ std::optional<SafeMover::Report> SafeMover::refuseIfPending() const
                   false, {}};
 }
 
+std::vector<Outcome> SafeMover::plan(const std::vector<ItemRecord> &rows, const QStringList &newNames)
+{
+    return BatchPlan::make(rows, newNames, BatchJournal::Kind::Apply, false).outcomes;
+}
+
 SafeMover::Report SafeMover::apply(const std::vector<Move> &moves)
 {
     const Locked lock(m_store, lockWaitMs);
@@ -132,7 +137,21 @@ SafeMover::Report SafeMover::apply(const std::vector<Move> &moves)
         return *refused;
     if (auto refused = refuseIfPending())
         return *refused;
-    BatchPlan plan = BatchPlan::make(moves, BatchJournal::Kind::Apply);
+    return apply(BatchPlan::make(moves, BatchJournal::Kind::Apply));
+}
+
+SafeMover::Report SafeMover::apply(const std::vector<ItemRecord> &rows, const QStringList &newNames)
+{
+    const Locked lock(m_store, lockWaitMs);
+    if (auto refused = lock.refusal())
+        return *refused;
+    if (auto refused = refuseIfPending())
+        return *refused;
+    return apply(BatchPlan::make(rows, newNames, BatchJournal::Kind::Apply));
+}
+
+SafeMover::Report SafeMover::apply(BatchPlan plan)
+{
     if (plan.journal.steps.empty())
         return {plan.outcomes, Refusal::None, {}, false, {}};
     return execute(plan, {});

@@ -56,6 +56,10 @@ public:
     // The outcome of every row, without moving anything.
     static std::vector<Outcome> plan(const std::vector<Move> &moves);
     Report apply(const std::vector<Move> &moves);
+    // The same for a table's included rows and their new names, one outcome
+    // per included row in order (its move left empty).
+    static std::vector<Outcome> plan(const std::vector<ItemRecord> &rows, const QStringList &newNames);
+    Report apply(const std::vector<ItemRecord> &rows, const QStringList &newNames);
     // Puts the most recent batch of the history back.
     Report undoLast();
 
@@ -81,6 +85,7 @@ private:
     BatchRunner::Hooks hooks();
     std::optional<Report> refuseIfPending() const;
     static Report refusedJournal(const QString &path, const QString &why);
+    Report apply(BatchPlan plan);
     Report execute(BatchPlan &plan, std::vector<Outcome> alsoReported);
     Report continuePending(BatchJournal &journal);
     Report settle(const BatchJournal &journal, const BatchRunner::Result &result, Report report);

@@ -120,7 +120,7 @@ TEST_F(SafeMoves, RelativePathsAreResolvedSoUndoWorksFromAnywhere)
     ASSERT_EQ(symlink(PathCodec::encode(tree.root()).constData(), PathCodec::encode(dir.filePath("elsewhere/link")).constData()), 0);
     const QString here = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(dir.filePath("elsewhere")));
-    const auto report = mover.apply({{"link/a", "link/b"}});
+    const auto report = mover.apply(std::vector<SafeMover::Move>{{"link/a", "link/b"}});
     ASSERT_TRUE(QDir::setCurrent(here));
     EXPECT_EQ(statuses(report.outcomes), QList<S>({S::Renamed}));
     EXPECT_EQ(tree.files(), Files({{"b", "a"}}));
