@@ -120,29 +120,50 @@ bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
     return false;
 }
 
+// What the file system says of one item: plain values, so any thread may
+// read them without allocating.
+struct FolderListing::Status {
+    bool exists = false;
+    struct statx status;
+    std::optional<FinderInfo::Info> finder;
+};
+
+FolderListing::Status FolderListing::statusAt(int at, const char *relative, const QByteArray &path)
+{
+    Status found;
+    const unsigned int wanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_MTIME | STATX_BTIME;
+    found.exists = statx(at, relative, AT_SYMLINK_NOFOLLOW, wanted, &found.status) == 0;
+    found.finder = FinderInfo::read(path, false);
+    return found;
+}
+
 // Reads one item: `relative` is its name in the folder `at` (or its whole
 // path, with AT_FDCWD); `path` is its whole path in any case.
 FolderListing::Scanned FolderListing::scan(int at, const char *relative, const QByteArray &path, const QString &location,
                                            QString name)
 {
+    return scanned(statusAt(at, relative, path), location, std::move(name));
+}
+
+FolderListing::Scanned FolderListing::scanned(const Status &found, const QString &location, QString name)
+{
     Scanned item;
     item.location = location;
     item.name = std::move(name);
-    struct statx status;
-    const unsigned int wanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_MTIME | STATX_BTIME;
-    if (statx(at, relative, AT_SYMLINK_NOFOLLOW, wanted, &status) == 0) {
-        item.exists = true;
-        item.isFolder = S_ISDIR(status.stx_mode);
-        item.isLink = S_ISLNK(status.stx_mode);
-        item.identity = {makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, 0};
-        item.size = status.stx_size;
-        item.modified = milliseconds(status.stx_mtime);
-        if (status.stx_mask & STATX_BTIME) {
-            item.created = milliseconds(status.stx_btime);
-            item.identity.born = qint64(status.stx_btime.tv_sec) * 1000000000 + status.stx_btime.tv_nsec;
-        }
+    item.finder = found.finder;
+    if (!found.exists)
+        return item;
+    const struct statx &status = found.status;
+    item.exists = true;
+    item.isFolder = S_ISDIR(status.stx_mode);
+    item.isLink = S_ISLNK(status.stx_mode);
+    item.identity = {makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, 0};
+    item.size = status.stx_size;
+    item.modified = milliseconds(status.stx_mtime);
+    if (status.stx_mask & STATX_BTIME) {
+        item.created = milliseconds(status.stx_btime);
+        item.identity.born = qint64(status.stx_btime.tv_sec) * 1000000000 + status.stx_btime.tv_nsec;
     }
-    item.finder = FinderInfo::read(path, false);
     return item;
 }
 
@@ -187,12 +208,13 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
     constexpr size_t block = 1024;
     std::vector<QByteArray> names;
     std::vector<QByteArray> paths(block);
+    std::vector<Status> found(block);
     std::vector<Scanned> items(block);
-    const auto scanRange = [&](size_t from, size_t to) {
-        for (size_t i = from; i < to; ++i) {
-            paths[i] = base + names[i];
-            items[i] = scan(descriptor, names[i].constData(), paths[i], shared, PathCodec::decode(names[i]));
-        }
+    // The helper thread only makes system calls: whatever allocates stays
+    // on this thread.
+    const auto readRange = [&](size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i)
+            found[i] = statusAt(descriptor, names[i].constData(), paths[i]);
     };
     for (bool more = true; more;) {
         names.clear();
@@ -207,13 +229,17 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
             names.emplace_back(entry->d_name);
         }
         const size_t count = names.size();
+        for (size_t i = 0; i < count; ++i)
+            paths[i] = base + names[i];
         if (count >= 64) {
-            std::thread helper(scanRange, count / 2, count);
-            scanRange(0, count / 2);
+            std::thread helper(readRange, count / 2, count);
+            readRange(0, count / 2);
             helper.join();
         } else {
-            scanRange(0, count);
+            readRange(0, count);
         }
+        for (size_t i = 0; i < count; ++i)
+            items[i] = scanned(found[i], shared, PathCodec::decode(names[i]));
         for (size_t i = 0; i < count; ++i)
             if (visible(items[i], paths[i], hidden) && !each(items[i], paths[i])) {
                 more = false;

@@ -79,7 +79,10 @@ private:
         QSet<QString> extensions;
         QString root;
     };
+    struct Status;
+    static Status statusAt(int at, const char *relative, const QByteArray &path);
     static Scanned scan(int at, const char *relative, const QByteArray &path, const QString &location, QString name);
+    static Scanned scanned(const Status &found, const QString &location, QString name);
     static Scanned scanPath(const QString &path);
     static bool visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden);
     // Calls `each` with every visible item of a folder and its path, until
