@@ -291,8 +291,11 @@ Result moveAcross(const QByteArray &from, const QByteArray &to, const Options &o
 
 Result move(const QString &from, const QString &to, const Options &options)
 {
-    const QByteArray source = PathCodec::encode(from);
-    const QByteArray destination = PathCodec::encode(to);
+    return move(PathCodec::encode(from), PathCodec::encode(to), options);
+}
+
+Result move(const QByteArray &source, const QByteArray &destination, const Options &options)
+{
     if (source.isEmpty() || destination.isEmpty())
         return {ENOENT, {}, false};
     int error = options.simulatedRenameError;

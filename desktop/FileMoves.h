@@ -34,6 +34,8 @@ struct Options {
 };
 
 Result move(const QString &from, const QString &to, const Options &options = {});
+// The same for paths already in the file system's bytes.
+Result move(const QByteArray &from, const QByteArray &to, const Options &options = {});
 
 // The move as a bare errno value, 0 on success.
 int moveWithoutReplacing(const QString &from, const QString &to);

@@ -3,6 +3,7 @@
 #include "PathCodec.h"
 
 #include <QCryptographicHash>
+#include <cstdio>
 
 namespace {
 
@@ -10,7 +11,7 @@ constexpr char Magic[] = "nomen-journal 1";
 
 QByteArray checksum(QByteArrayView text)
 {
-    return QCryptographicHash::hash(text, QCryptographicHash::Sha256).toHex();
+    return QCryptographicHash::hash(text, QCryptographicHash::Blake2b_256).toHex();
 }
 
 QByteArray kindName(BatchJournal::Kind kind)
@@ -39,6 +40,13 @@ QByteArray field(const QString &text)
     return PathCodec::encode(text).toBase64();
 }
 
+void appendNumber(QByteArray &out, qint64 number)
+{
+    char digits[24];
+    const int length = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(number));
+    out.append(digits, length);
+}
+
 std::optional<QString> text(const QByteArray &field)
 {
     auto decoded = QByteArray::fromBase64Encoding(field, QByteArray::AbortOnBase64DecodingErrors);
@@ -65,6 +73,15 @@ QByteArray identityFields(const FileIdentity &identity)
 {
     return QByteArray::number(identity.device) + ' ' + QByteArray::number(identity.inode) + ' '
            + QByteArray::number(identity.born);
+}
+
+void appendIdentity(QByteArray &out, const FileIdentity &identity)
+{
+    appendNumber(out, qint64(identity.device));
+    out.append(' ');
+    appendNumber(out, qint64(identity.inode));
+    out.append(' ');
+    appendNumber(out, identity.born);
 }
 
 bool isSingleName(const QString &name)
@@ -160,25 +177,52 @@ QString BatchJournal::pathOf(const Item &item, int position) const
     return (folder.endsWith(u'/') ? folder : folder + u'/') + item.names[position];
 }
 
-QByteArray BatchJournal::serialize() const
+// Everything before the checksum, written piece by piece: a batch of a
+// hundred thousand items is a journal of some ten megabytes.
+QByteArray BatchJournal::body() const
 {
     QByteArray out;
-    out.reserve(qsizetype(64 + items.size() * 96 + steps.size() * 16));
+    out.reserve(qsizetype(64 + items.size() * 112 + steps.size() * 16));
     out += Magic;
-    out += "\nkind " + kindName(kind) + '\n';
-    if (!undoes.isEmpty())
-        out += "undoes " + field(undoes) + '\n';
-    for (const QString &folder : folders)
-        out += "folder " + field(folder) + '\n';
-    for (const Item &item : items) {
-        out += "item " + QByteArray::number(item.row) + ' ' + QByteArray::number(item.folder) + ' '
-               + identityFields(item.identity);
-        for (const QString &name : item.names)
-            out += ' ' + field(name);
+    out += "\nkind ";
+    out += kindName(kind);
+    out += '\n';
+    if (!undoes.isEmpty()) {
+        out += "undoes ";
+        out += field(undoes);
         out += '\n';
     }
-    for (const Step &step : steps)
-        out += "step " + QByteArray::number(step.item) + ' ' + QByteArray::number(step.to) + '\n';
+    for (const QString &folder : folders) {
+        out += "folder ";
+        out += field(folder);
+        out += '\n';
+    }
+    for (const Item &item : items) {
+        out += "item ";
+        appendNumber(out, item.row);
+        out += ' ';
+        appendNumber(out, item.folder);
+        out += ' ';
+        appendIdentity(out, item.identity);
+        for (const QString &name : item.names) {
+            out += ' ';
+            out += PathCodec::encode(name).toBase64();
+        }
+        out += '\n';
+    }
+    for (const Step &step : steps) {
+        out += "step ";
+        appendNumber(out, step.item);
+        out += ' ';
+        appendNumber(out, step.to);
+        out += '\n';
+    }
+    return out;
+}
+
+QByteArray BatchJournal::serialize() const
+{
+    QByteArray out = body();
     out += "sum " + checksum(out) + '\n';
     return out;
 }
@@ -219,7 +263,7 @@ std::optional<BatchJournal> BatchJournal::parse(const QByteArray &text, QString 
     if (const QString problem = reader.finish(); !problem.isEmpty())
         return refuse(QStringLiteral("it holds %1").arg(problem));
     // Only the form written here is believed: no line added, moved or repeated.
-    if (journal.serialize() != QByteArrayView(text.constData(), sumEnd + 1))
+    if (journal.body() != body)
         return refuse(QStringLiteral("it is not in the form Nomen writes"));
 
     // Records appended as the batch ran; a last line without its line feed

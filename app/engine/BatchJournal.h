@@ -49,6 +49,7 @@ struct BatchJournal {
 
     // The text of the journal, ending in a checksum of all before it.
     QByteArray serialize() const;
+    QByteArray body() const; // all before the checksum
     // A journal only if it is whole and consistent and its checksum holds;
     // otherwise nullopt and the reason in `error`. Records appended after
     // the checksum count when their own checksum holds; a torn last line

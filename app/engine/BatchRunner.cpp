@@ -81,6 +81,23 @@ QString BatchRunner::resolve(const QString &path)
 void BatchRunner::forgetFolders()
 {
     m_resolved.clear();
+    m_folderBytes.clear();
+}
+
+// Where a journal folder is now, in bytes and ending with "/", worked out
+// once until a folder of the batch moves.
+const QByteArray &BatchRunner::folderBytes(int folder, int item)
+{
+    if (m_folderBytes.empty())
+        m_folderBytes.resize(size_t(m_journal.folders.size()));
+    std::optional<QByteArray> &known = m_folderBytes[size_t(folder)];
+    if (!known) {
+        QByteArray bytes = PathCodec::encode(folderNow(item));
+        if (!bytes.endsWith('/'))
+            bytes += '/';
+        known = std::move(bytes);
+    }
+    return *known;
 }
 
 QString BatchRunner::folderNow(int item)
@@ -174,11 +191,13 @@ bool BatchRunner::bringBack(int item, int depth, size_t index, Result &result)
 
 bool BatchRunner::moveItem(int item, int from, int to, size_t index, Result &result)
 {
-    const QString source = pathNow(item, from);
-    const QString target = pathNow(item, to);
+    const BatchJournal::Item &entry = m_journal.items[size_t(item)];
+    const QByteArray &folder = folderBytes(entry.folder, item);
+    const QByteArray source = folder + PathCodec::encode(entry.names[from]);
+    const QByteArray target = folder + PathCodec::encode(entry.names[to]);
     FileMoves::Options options;
     if (m_hooks.observer)
-        options.simulatedRenameError = m_hooks.observer->at(BatchPoint::Move, index, source);
+        options.simulatedRenameError = m_hooks.observer->at(BatchPoint::Move, index, PathCodec::decode(source));
     options.copied = [this, item](const QByteArray &copy) {
         const auto identity = FileIdentity::at(copy);
         if (!identity)
@@ -192,7 +211,7 @@ bool BatchRunner::moveItem(int item, int from, int to, size_t index, Result &res
     const FileMoves::Result moved = FileMoves::move(source, target, options);
     m_lastError = moved.error;
     if (m_hooks.observer)
-        m_hooks.observer->at(BatchPoint::Moved, index, moved.moved() ? target : source);
+        m_hooks.observer->at(BatchPoint::Moved, index, PathCodec::decode(moved.moved() ? target : source));
     if (!moved.moved()) {
         result.problems[size_t(item)] = moved.detail.isEmpty() ? describe(moved.error, item, from, to) : moved.detail;
         return false;
@@ -243,13 +262,15 @@ BatchRunner::Result BatchRunner::run(std::vector<int> positions)
     }
     result.positions = m_positions;
     // The new names reach the disk before the journal is put away.
-    QSet<QString> touched;
+    QHash<int, int> touched; // folder -> an item in it
     for (size_t item = 0; item < m_journal.items.size(); ++item)
         if (m_positions[item] != started[item] && m_positions[item] != NotFound)
-            touched.insert(folderNow(int(item)));
-    for (const QString &folder : std::as_const(touched))
-        if (const int error = flushFolder(folder); error && result.flushProblem.isEmpty())
+            touched.insert(m_journal.items[item].folder, int(item));
+    for (auto folder = touched.cbegin(); folder != touched.cend(); ++folder) {
+        const QString path = folderNow(folder.value());
+        if (const int error = flushFolder(path); error && result.flushProblem.isEmpty())
             result.flushProblem = QStringLiteral("the folder \"%1\" could not be flushed: %2")
-                                      .arg(folder, QString::fromLocal8Bit(strerror(error)));
+                                      .arg(path, QString::fromLocal8Bit(strerror(error)));
+    }
     return result;
 }

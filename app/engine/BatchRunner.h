@@ -7,6 +7,7 @@
 #include <QString>
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <vector>
 
 class BatchObserver;
@@ -55,6 +56,7 @@ private:
     int positionOf(int item);
     QString resolve(const QString &path);
     void forgetFolders();
+    const QByteArray &folderBytes(int folder, int item);
     bool moveItem(int item, int from, int to, size_t index, Result &result);
     bool bringBack(int item, int depth, size_t index, Result &result);
     QString describe(int error, int item, int from, int to);
@@ -66,6 +68,7 @@ private:
     QHash<QString, int> m_folderItems; // items that are folders of others, by first path
     QSet<int> m_containers;            // the same items
     QHash<QString, QString> m_resolved;
+    std::vector<std::optional<QByteArray>> m_folderBytes; // by journal folder
     QHash<QString, int> m_byFirstPath; // built when a move finds its name taken
     int m_lastError = 0;
 };

@@ -172,13 +172,16 @@ SafeMover::Report SafeMover::execute(BatchPlan &plan, std::vector<Outcome> alsoR
     }
     BatchRunner runner(plan.journal, hooks());
     const BatchRunner::Result result = runner.run(runner.atStart());
-    const std::vector<Outcome> items = itemOutcomes(plan.journal, runner, result);
-    for (size_t item = 0; item < items.size(); ++item) {
-        Outcome &outcome = report.outcomes[size_t(plan.journal.items[item].row)];
-        outcome.status = items[item].status;
-        outcome.reason = items[item].reason;
-        if (!items[item].warning.isEmpty())
-            outcome.warning = items[item].warning;
+    for (size_t item = 0; item < plan.journal.items.size(); ++item) {
+        const BatchJournal::Item &entry = plan.journal.items[item];
+        Outcome &outcome = report.outcomes[size_t(entry.row)];
+        if (result.positions[item] == entry.last()) {
+            if (!result.problems[item].isEmpty())
+                outcome.warning = result.problems[item];
+            continue;
+        }
+        outcome.status = Status::Failed;
+        outcome.reason = result.problems[item].isEmpty() ? QStringLiteral("not renamed yet") : result.problems[item];
     }
     report.outcomes.insert(report.outcomes.end(), alsoReported.begin(), alsoReported.end());
     report.interrupted = result.interrupted;
