@@ -1,7 +1,7 @@
 #include "PreviewScheduler.h"
 
 #include "BatchPass.h"
-#include "BatchRenaming.h"
+#include "BatchPlan.h"
 #include "FileTableModel.h"
 #include "GrepPrefetch.h"
 #include "RenameEngine.h"
@@ -71,25 +71,18 @@ void PreviewScheduler::checkConflicts()
     const quint64 generation = ++m_conflictGeneration;
     // The check looks at the disk for every row: aside, so typing never waits.
     QThreadPool::globalInstance()->start([this, rows = std::move(rows), names, previewed, generation]() mutable {
-        // Without a preview the rows' own new names count, where they have one.
+        // Without a preview the rows' own new names count; a row with none
+        // yet keeps its name.
         if (!previewed)
             for (const ItemRecord &row : rows)
-                names.append(row.newName);
-        std::vector<SafeMover::Move> moves;
-        std::vector<int> rowOfMove;
-        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, names)) {
-            if (!previewed && names[rowMove.row].isEmpty())
-                continue; // no new name worked out yet
-            moves.push_back(rowMove.move);
-            rowOfMove.push_back(rowMove.row);
-        }
-        const std::vector<SafeMover::Outcome> outcomes = SafeMover::plan(moves);
+                names.append(row.newName.isEmpty() ? row.name : row.newName);
+        const BatchPlan plan = BatchPlan::make(rows, names, BatchJournal::Kind::Apply, false);
         QStringList reasons(qsizetype(rows.size()));
         QStringList warnings(qsizetype(rows.size()));
-        for (size_t i = 0; i < outcomes.size(); ++i) {
-            if (outcomes[i].status == SafeMover::Status::Conflict)
-                reasons[rowOfMove[i]] = outcomes[i].reason;
-            warnings[rowOfMove[i]] = outcomes[i].warning;
+        for (size_t i = 0; i < plan.outcomes.size(); ++i) {
+            if (plan.outcomes[i].status == SafeMover::Status::Conflict)
+                reasons[plan.rows[i]] = plan.outcomes[i].reason;
+            warnings[plan.rows[i]] = plan.outcomes[i].warning;
         }
         QMetaObject::invokeMethod(this, [this, reasons, warnings, generation] {
             if (generation != m_conflictGeneration || size_t(reasons.size()) != m_table.rows().size())

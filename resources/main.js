@@ -178,14 +178,8 @@ function renameFiles() {
     if (rowCount === 0)
         return;
     var rows = workOutNewNames();
-    var moves = [];
-    var rowOfMove = [];
-    rows.forEach(function (row, index) {
-        if (row.include && row["new"] !== row.original) {
-            moves.push({from: row.location + row.original, to: row.location + row["new"]});
-            rowOfMove.push(index);
-        }
-    });
+    // {from, to, row} for each ticked row whose name changes.
+    var moves = call("tableMoves");
     if (moves.length === 0) {
         showError("Nothing to rename", "The new names are the same as the old ones.");
         return;
@@ -195,7 +189,7 @@ function renameFiles() {
     var refused = 0;
     call("planRenames:", [moves]).forEach(function (outcome, index) {
         if (outcome.status === "conflict" || outcome.status === "failed") {
-            reasons[rowOfMove[index]] = outcome.reason;
+            reasons[moves[index].row] = outcome.reason;
             refused += 1;
         }
     });

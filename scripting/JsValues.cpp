@@ -1,5 +1,7 @@
 #include "JsValues.h"
 
+#include <vector>
+
 #include "ArgumentConversion.h"
 #include "ErrorInfo.h"
 #include "NamedException.h"
@@ -55,7 +57,11 @@ bool isBox(const QJSValue &value)
                && !value.isRegExp() && !isArrayBuffer(value));
 }
 
-QVariant fromJs(const QJSValue &value)
+namespace {
+
+// The arrays and objects being converted, from the outermost in: a value
+// met again among them holds itself.
+QVariant fromJs(const QJSValue &value, std::vector<QJSValue> &path)
 {
     if (value.isUndefined() || value.isNull())
         return QVariant();
@@ -73,23 +79,43 @@ QVariant fromJs(const QJSValue &value)
         return value.toVariant();
     if (value.isCallable())
         throw NamedException(NSInvalidArgumentException, QStringLiteral("a function cannot cross to native code"));
+    if (isArrayBuffer(value))
+        return value.toVariant();
+    for (const QJSValue &outer : path)
+        if (outer.strictlyEquals(value))
+            throw NamedException(NSInvalidArgumentException, QStringLiteral("a value that holds itself cannot cross to native code"));
+    if (path.size() >= JsValues::MaximumDepth)
+        throw NamedException(NSInvalidArgumentException, QStringLiteral("a value nested deeper than %1 levels cannot cross "
+                                                                        "to native code")
+                                                             .arg(JsValues::MaximumDepth));
+    path.push_back(value);
+    QVariant converted;
     if (value.isArray()) {
         QVariantList list;
         const quint32 length = value.property(QStringLiteral("length")).toUInt();
         list.reserve(length);
         for (quint32 i = 0; i < length; ++i)
-            list.append(fromJs(value.property(i)));
-        return list;
+            list.append(fromJs(value.property(i), path));
+        converted = list;
+    } else {
+        QVariantMap map;
+        QJSValueIterator it(value);
+        while (it.hasNext()) {
+            it.next();
+            map.insert(it.name(), fromJs(it.value(), path));
+        }
+        converted = map;
     }
-    if (isArrayBuffer(value))
-        return value.toVariant();
-    QVariantMap map;
-    QJSValueIterator it(value);
-    while (it.hasNext()) {
-        it.next();
-        map.insert(it.name(), fromJs(it.value()));
-    }
-    return map;
+    path.pop_back();
+    return converted;
+}
+
+} // namespace
+
+QVariant fromJs(const QJSValue &value)
+{
+    std::vector<QJSValue> path;
+    return fromJs(value, path);
 }
 
 QJSValue toJs(QJSEngine &engine, const QVariant &value)

@@ -13,6 +13,9 @@
 // {domain, code, message}.
 namespace JsValues {
 
+// A value that holds itself, or is nested deeper than MaximumDepth, raises
+// NSInvalidArgumentException instead of exhausting the stack.
+constexpr size_t MaximumDepth = 64;
 QVariant fromJs(const QJSValue &value);
 QJSValue toJs(QJSEngine &engine, const QVariant &value);
 

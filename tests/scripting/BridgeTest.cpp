@@ -175,3 +175,26 @@ int main(int argc, char **argv)
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
+
+namespace {
+
+// A value that holds itself, or is nested past the limit, is refused with a
+// script error instead of exhausting the stack; a value as deep as the limit
+// and shared parts that are no cycle still cross.
+TEST_F(Bridge, ValuesThatHoldThemselvesOrNestTooDeepAreRefused)
+{
+    const QString refused = QStringLiteral("ERROR test.js:1: NSInvalidArgumentException: ");
+    EXPECT_EQ(run(R"(var a = [1]; a.push(a); callClassMethod("Probe", "echo:", [a]))"),
+              refused + "a value that holds itself cannot cross to native code");
+    EXPECT_EQ(run(R"(var o = {x: {}}; o.x.back = o; try { callClassMethod("Probe", "echo:", [o]); } catch (e) { e.name + " " + e.reason })"),
+              "NSInvalidArgumentException a value that holds itself cannot cross to native code");
+    const auto nested = [](int depth) {
+        return QStringLiteral("var v = 0; for (var i = 0; i < %1; ++i) v = [v]; callClassMethod(\"Probe\", \"echo:\", [v]).length").arg(depth);
+    };
+    EXPECT_EQ(run(nested(63)), "1") << "the parameter array is a level too";
+    EXPECT_EQ(run(nested(100000)), refused + "a value nested deeper than 64 levels cannot cross to native code");
+    EXPECT_EQ(run(R"(var shared = {n: 1}; JSON.stringify(callClassMethod("Probe", "echo:", [[shared, shared]])))"),
+              R"([{"n":1},{"n":1}])");
+}
+
+} // namespace
