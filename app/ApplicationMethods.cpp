@@ -172,6 +172,9 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "parseItems:", [](RZApplication &app, const QVariantList &args) {
         return app.parseItems(convert<QVariantList>(args[0], 0));
     });
+    add(registry, "listIntoTable:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(app.listIntoTable(convert<QVariantList>(args[0], 0)));
+    });
     add(registry, "listFolder:", [](RZApplication &, const QVariantList &args) {
         return QVariant(FolderListing::listFolder(convert<QString>(args[0], 0)));
     });

@@ -31,10 +31,17 @@ const QStringList &FileTableModel::columnIdentifiers()
 
 FileTableModel::FileTableModel(QObject *parent) : QAbstractTableModel(parent) {}
 
+std::vector<ItemRecord> &FileTableModel::changeableRows()
+{
+    if (m_rows.use_count() > 1)
+        m_rows = std::make_shared<std::vector<ItemRecord>>(*m_rows);
+    return *m_rows;
+}
+
 void FileTableModel::setRows(std::vector<ItemRecord> rows)
 {
     beginResetModel();
-    m_rows = std::move(rows);
+    m_rows = std::make_shared<std::vector<ItemRecord>>(std::move(rows));
     m_newNames.clear();
     m_conflicts.clear();
     m_warnings.clear();
@@ -43,19 +50,19 @@ void FileTableModel::setRows(std::vector<ItemRecord> rows)
 
 QVariant FileTableModel::valueForColumn(const QString &identifier, int row) const
 {
-    if (row < 0 || size_t(row) >= m_rows.size())
+    if (row < 0 || size_t(row) >= m_rows->size())
         return QVariant();
     if (row < m_newNames.size() && identifier == QLatin1String("new"))
         return m_newNames[row];
-    return ItemRecordValues::field(m_rows[size_t(row)], identifier, m_dates);
+    return ItemRecordValues::field((*m_rows)[size_t(row)], identifier, m_dates);
 }
 
 bool FileTableModel::setValue(const QVariant &value, const QString &identifier, int row)
 {
     const int column = int(columnIdentifiers().indexOf(identifier));
-    if (row < 0 || size_t(row) >= m_rows.size() || column < 0)
+    if (row < 0 || size_t(row) >= m_rows->size() || column < 0)
         return false;
-    ItemRecordValues::setField(m_rows[size_t(row)], identifier, value);
+    ItemRecordValues::setField(changeableRows()[size_t(row)], identifier, value);
     if (column == New && row < m_newNames.size())
         m_newNames[row] = value.toString();
     emit dataChanged(index(row, column), index(row, column));
@@ -64,14 +71,14 @@ bool FileTableModel::setValue(const QVariant &value, const QString &identifier, 
 
 void FileTableModel::setNewNames(const QStringList &names)
 {
-    m_newNames = names.mid(0, qsizetype(m_rows.size()));
-    if (!m_rows.empty())
-        emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
+    m_newNames = names.mid(0, qsizetype(m_rows->size()));
+    if (!m_rows->empty())
+        emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
 }
 
 int FileTableModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_rows.size());
+    return parent.isValid() ? 0 : int(m_rows->size());
 }
 
 int FileTableModel::columnCount(const QModelIndex &parent) const
@@ -84,7 +91,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     if (!index.isValid())
         return QVariant();
     if (index.column() == Include)
-        return role == Qt::CheckStateRole ? QVariant(m_rows[size_t(index.row())].include ? Qt::Checked : Qt::Unchecked)
+        return role == Qt::CheckStateRole ? QVariant((*m_rows)[size_t(index.row())].include ? Qt::Checked : Qt::Unchecked)
                                           : QVariant();
     const bool conflict = index.column() == New && !conflictAt(index.row()).isEmpty();
     const bool warning = index.column() == New && !conflict && !warningAt(index.row()).isEmpty();
@@ -112,18 +119,18 @@ void FileTableModel::setConflicts(const QStringList &reasons)
 {
     if (reasons == m_conflicts)
         return;
-    m_conflicts = reasons.mid(0, qsizetype(m_rows.size()));
-    if (!m_rows.empty())
-        emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
+    m_conflicts = reasons.mid(0, qsizetype(m_rows->size()));
+    if (!m_rows->empty())
+        emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
 }
 
 void FileTableModel::setWarnings(const QStringList &warnings)
 {
     if (warnings == m_warnings)
         return;
-    m_warnings = warnings.mid(0, qsizetype(m_rows.size()));
-    if (!m_rows.empty())
-        emit dataChanged(index(0, New), index(int(m_rows.size()) - 1, New));
+    m_warnings = warnings.mid(0, qsizetype(m_rows->size()));
+    if (!m_rows->empty())
+        emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
 }
 
 void FileTableModel::sort(int column, Qt::SortOrder order)
@@ -131,24 +138,36 @@ void FileTableModel::sort(int column, Qt::SortOrder order)
     if (column < 0 || column >= ColumnCount)
         return;
     const bool descending = order == Qt::DescendingOrder;
+    std::vector<size_t> positions;
+    auto rows = snapshot();
+    const std::function<void()> work = [&] {
+        switch (column) {
+        case Creation:
+            positions = RowOrder::orderByValue(*rows, RowOrder::Value::Created, descending);
+            break;
+        case Modification:
+            positions = RowOrder::orderByValue(*rows, RowOrder::Value::Modified, descending);
+            break;
+        case Size:
+            positions = RowOrder::orderByValue(*rows, RowOrder::Value::Size, descending);
+            break;
+        case Include:
+            positions = RowOrder::orderByValue(*rows, RowOrder::Value::Include, descending);
+            break;
+        default:
+            positions = RowOrder::orderByName(*rows, descending);
+            break;
+        }
+    };
+    if (runAside)
+        runAside(work);
+    else
+        work();
+    if (rows != m_rows)
+        return sort(column, order); // the rows were replaced meanwhile
+    rows.reset();
     beginResetModel();
-    switch (column) {
-    case Creation:
-        RowOrder::byValue(m_rows, RowOrder::Value::Created, descending);
-        break;
-    case Modification:
-        RowOrder::byValue(m_rows, RowOrder::Value::Modified, descending);
-        break;
-    case Size:
-        RowOrder::byValue(m_rows, RowOrder::Value::Size, descending);
-        break;
-    case Include:
-        RowOrder::byValue(m_rows, RowOrder::Value::Include, descending);
-        break;
-    default:
-        RowOrder::byName(m_rows, descending);
-        break;
-    }
+    RowOrder::arrange(changeableRows(), std::move(positions));
     m_newNames.clear();
     m_conflicts.clear();
     m_warnings.clear();
@@ -264,20 +283,20 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
     // Rows before the drop point that stay, the dragged rows in their list
     // order, then the rest that stay.
     std::vector<ItemRecord> reordered;
-    reordered.reserve(m_rows.size());
-    const int count = int(m_rows.size());
+    reordered.reserve(m_rows->size());
+    const int count = int(m_rows->size());
     const int dropRow = std::clamp(row, 0, count);
     for (int i = 0; i < dropRow; ++i)
         if (!dragged->contains(i))
-            reordered.push_back(m_rows[size_t(i)]);
+            reordered.push_back((*m_rows)[size_t(i)]);
     for (int i : *dragged)
         if (i >= 0 && i < count)
-            reordered.push_back(m_rows[size_t(i)]);
+            reordered.push_back((*m_rows)[size_t(i)]);
     for (int i = dropRow; i < count; ++i)
         if (!dragged->contains(i))
-            reordered.push_back(m_rows[size_t(i)]);
+            reordered.push_back((*m_rows)[size_t(i)]);
     beginResetModel();
-    m_rows = std::move(reordered);
+    m_rows = std::make_shared<std::vector<ItemRecord>>(std::move(reordered));
     m_newNames.clear(); // the order decides the counters: the preview is stale
     m_conflicts.clear();
     m_warnings.clear();
@@ -299,5 +318,5 @@ bool FileTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
     if (!canDropMimeData(data, action, row, column, parent))
         return false;
     const bool fromInside = data->hasFormat(DraggedTableRows);
-    return acceptDrop(data, row < 0 ? int(m_rows.size()) : row, fromInside);
+    return acceptDrop(data, row < 0 ? int(m_rows->size()) : row, fromInside);
 }

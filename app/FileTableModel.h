@@ -6,6 +6,7 @@
 #include <QAbstractTableModel>
 #include <QVariantList>
 #include <functional>
+#include <memory>
 #include <vector>
 
 // The file table's rows: one item record per row, one column per record key.
@@ -23,7 +24,10 @@ public:
     explicit FileTableModel(QObject *parent = nullptr);
     QString className() const { return QStringLiteral("ASKDataSource"); }
 
-    const std::vector<ItemRecord> &rows() const { return m_rows; }
+    const std::vector<ItemRecord> &rows() const { return *m_rows; }
+    // The rows as they stand, for work aside: held without a copy; the
+    // table copies them only if it changes while they are held.
+    std::shared_ptr<const std::vector<ItemRecord>> snapshot() const { return m_rows; }
     void setRows(std::vector<ItemRecord> rows);
     QVariant valueForColumn(const QString &identifier, int row) const;
     bool setValue(const QVariant &value, const QString &identifier, int row);
@@ -68,6 +72,9 @@ public:
     // within their folders, dates and sizes by value. The order is the one
     // counters follow.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+    // Runs a long piece of a sort (working out the order) while the window
+    // stays live; without it the work is done at once.
+    std::function<void(const std::function<void()> &work)> runAside;
 
     const ClampedDates &dates() const { return m_dates; }
 
@@ -76,8 +83,10 @@ signals:
     void rowsReordered();
 
 private:
+    std::vector<ItemRecord> &changeableRows();
+
     ClampedDates m_dates;
-    std::vector<ItemRecord> m_rows;
+    std::shared_ptr<std::vector<ItemRecord>> m_rows = std::make_shared<std::vector<ItemRecord>>();
     QStringList m_newNames; // a preview's names, shown until rows change
     QStringList m_conflicts;
     QStringList m_warnings;

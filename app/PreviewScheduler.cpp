@@ -18,8 +18,8 @@ PreviewScheduler::PreviewScheduler(RenameEngine &engine, FileTableModel &table, 
 
 void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExcluded)
 {
-    const std::vector<ItemRecord> &rows = m_table.rows();
-    if (rows.empty() || settings.size() < RenameSettings::count)
+    const std::shared_ptr<const std::vector<ItemRecord>> rows = m_table.snapshot();
+    if (rows->empty() || settings.size() < RenameSettings::count)
         return;
     // A copy as it stands after the settings were captured: the preview of
     // the first name has already advanced the engine's own counters once.
@@ -35,9 +35,9 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     const quint64 generation = ++m_generation;
     QElapsedTimer clock;
     clock.start();
-    if (!grep && rows.size() <= size_t(immediateRows)) {
+    if (!grep && rows->size() <= size_t(immediateRows)) {
         copy.baseNameCache = m_bases; // this thread's own, kept between keystrokes
-        m_table.setNewNames(BatchPass::newNames(copy, rows, request, m_engine.dates));
+        m_table.setNewNames(BatchPass::newNames(copy, *rows, request, m_engine.dates));
         lastInBackground = false;
         emit applied();
         lastMs = clock.elapsed(); // with what the new names set off
@@ -45,14 +45,16 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     }
     lastInBackground = true;
     QThreadPool::globalInstance()->start([this, copy, rows, request, generation, grep, clock]() mutable {
+        if (generation != m_generation)
+            return; // already stale
         if (grep) {
             QStringList names;
-            names.reserve(qsizetype(rows.size()));
-            for (const ItemRecord &row : rows)
+            names.reserve(qsizetype(rows->size()));
+            for (const ItemRecord &row : *rows)
                 names.append(row.name);
             copy.grep = GrepPrefetch::replacementFor(copy.settings, names);
         }
-        const QStringList names = BatchPass::newNames(copy, rows, request, m_engine.dates);
+        const QStringList names = BatchPass::newNames(copy, *rows, request, m_engine.dates);
         QMetaObject::invokeMethod(this, [this, names, generation, clock] {
             if (generation != m_generation)
                 return; // the rules changed again meanwhile
@@ -65,20 +67,22 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
 
 void PreviewScheduler::checkConflicts()
 {
-    std::vector<ItemRecord> rows = m_table.rows();
+    const std::shared_ptr<const std::vector<ItemRecord>> rows = m_table.snapshot();
     const bool previewed = m_table.hasPreviewedNames();
     QStringList names = m_table.previewedNames();
     const quint64 generation = ++m_conflictGeneration;
     // The check looks at the disk for every row: aside, so typing never waits.
-    QThreadPool::globalInstance()->start([this, rows = std::move(rows), names, previewed, generation]() mutable {
+    QThreadPool::globalInstance()->start([this, rows, names, previewed, generation]() mutable {
+        if (generation != m_conflictGeneration)
+            return; // already stale
         // Without a preview the rows' own new names count; a row with none
         // yet keeps its name.
         if (!previewed)
-            for (const ItemRecord &row : rows)
+            for (const ItemRecord &row : *rows)
                 names.append(row.newName.isEmpty() ? row.name : row.newName);
-        const BatchPlan plan = BatchPlan::make(rows, names, BatchJournal::Kind::Apply, false);
-        QStringList reasons(qsizetype(rows.size()));
-        QStringList warnings(qsizetype(rows.size()));
+        const BatchPlan plan = BatchPlan::make(*rows, names, BatchJournal::Kind::Apply, false);
+        QStringList reasons(qsizetype(rows->size()));
+        QStringList warnings(qsizetype(rows->size()));
         for (size_t i = 0; i < plan.outcomes.size(); ++i) {
             if (plan.outcomes[i].status == SafeMover::Status::Conflict)
                 reasons[plan.rows[i]] = plan.outcomes[i].reason;

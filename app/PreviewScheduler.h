@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QVariantList>
+#include <atomic>
 #include <memory>
 
 class FileTableModel;
@@ -38,7 +39,8 @@ signals:
 private:
     RenameEngine &m_engine;
     FileTableModel &m_table;
-    quint64 m_generation = 0;
-    quint64 m_conflictGeneration = 0;
+    // Read by work aside to give up when it is stale.
+    std::atomic<quint64> m_generation{0};
+    std::atomic<quint64> m_conflictGeneration{0};
     std::shared_ptr<NameComposer::BaseNameCache> m_bases = std::make_shared<NameComposer::BaseNameCache>();
 };

@@ -11,6 +11,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
+#include <chrono>
+#include <thread>
 
 ProgressPanel::ProgressPanel(const InterfaceFile &form, std::atomic<bool> &stopProgressBool)
     : m_form(form), m_stop(stopProgressBool)
@@ -72,6 +74,20 @@ void ProgressPanel::keepResponsive()
     if (!m_frozen)
         freezeInput();
     QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+}
+
+void ProgressPanel::runAside(const std::function<void()> &work)
+{
+    std::atomic<bool> done{false};
+    std::thread worker([&] {
+        work();
+        done.store(true);
+    });
+    while (!done.load()) {
+        keepResponsive();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    worker.join();
 }
 
 ProgressPanel::LongPass::LongPass(ProgressPanel &panel) : m_panel(panel)

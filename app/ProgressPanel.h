@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QString>
 #include <atomic>
+#include <functional>
 
 class InterfaceFile;
 class QAction;
@@ -28,6 +29,9 @@ public:
     // most every few milliseconds; at once after yieldNow().
     void keepResponsive();
     void yieldNow() { m_lastYield = -1000; }
+    // Does the work on another thread while the window stays live here, and
+    // returns once it is done. The work must not touch the window.
+    void runAside(const std::function<void()> &work);
 
     class LongPass {
     public:

@@ -84,6 +84,7 @@ void RZApplication::init(const MethodRegistry &methods)
     m_form = std::make_unique<InterfaceFile>(resourceDirectory() + QStringLiteral("/MainWindow.ui"));
     m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine->stopProgressBool);
     m_preview = new PreviewScheduler(*m_engine, *m_table, this);
+    m_table->runAside = [this](const std::function<void()> &work) { m_progress->runAside(work); };
     loadInterface();
     is104Plus = ROZ_MiscMethods::return104Plus();
     m_perl = loadHelper(methods, QStringLiteral("perl"));
@@ -255,6 +256,19 @@ QVariant RZApplication::parseItems(const QVariantList &request)
     FolderListing listing = m_engine->listing();
     listing.keepResponsive = [this] { m_progress->keepResponsive(); };
     return ItemRecordValues::toScript(listing.list(ListingRequest::fromArray(request)), m_engine->dates);
+}
+
+QVariantMap RZApplication::listIntoTable(const QVariantList &request)
+{
+    const ProgressPanel::LongPass pass(*m_progress);
+    m_progress->yieldNow();
+    FolderListing listing = m_engine->listing();
+    listing.keepResponsive = [this] { m_progress->keepResponsive(); };
+    Listing listed = listing.list(ListingRequest::fromArray(request));
+    const bool stopped = listed.stopped || !listed.stoppedInside.empty();
+    m_table->setRows(std::move(listed.items));
+    sortTableRows();
+    return {{QStringLiteral("rows"), m_table->rowCount()}, {QStringLiteral("stopped"), stopped}};
 }
 
 QVariantList RZApplication::makeReplacementNames(const QVariantList &entries)

@@ -57,6 +57,9 @@ public:
 
     // Listing and batch pass, as scripts ask for them.
     QVariant parseItems(const QVariantList &request);
+    // The listing straight into the table, in the order its header shows:
+    // {rows, stopped}. The rows need not cross to the script and back.
+    QVariantMap listIntoTable(const QVariantList &request);
     QVariantList makeReplacementNames(const QVariantList &request);
 
     // The table's rows in the order its header shows, if it shows one.

@@ -139,22 +139,17 @@ function listItems() {
     setContents("progress_label_super", "Listing");
     setContents("progress_label", folder);
     setEnabled("stop_progress", true);
-    var rows = call("parseItems:", [[paths, listOf(contents("type_filter")), listOf(contents("ext_filter")),
-                                      contents("long_names"), contents("descend"), contents("folder_rows"),
-                                      contents("list_unmatched"), true, folder]]);
+    // Straight into the table, in the order its header shows.
+    var listed = call("listIntoTable:", [[paths, listOf(contents("type_filter")), listOf(contents("ext_filter")),
+                                          contents("long_names"), contents("descend"), contents("folder_rows"),
+                                          contents("list_unmatched"), true, folder]]);
     setEnabled("stop_progress", false);
     setContents("progress_label_super", "");
-    if (rows === false) {
-        setContents("progress_label", "Listing stopped");
-        rows = [];
-    } else {
-        setContents("progress_label", "");
-    }
-    if (rows.length === 0 && !callClassMethod("ROZ_MiscMethods", "returnItemIsFolder:", [paths[0]]) && droppedItems === null)
+    setContents("progress_label", listed.stopped ? "Listing stopped" : "");
+    if (listed.rows === 0 && !listed.stopped && droppedItems === null
+        && !callClassMethod("ROZ_MiscMethods", "returnItemIsFolder:", [paths[0]]))
         showError("The folder cannot be listed", folder + " is not a folder that can be read.");
-    call("setTableRows:", [rows]);
-    call("sortTableRows");
-    rowCount = rows.length;
+    rowCount = listed.rows;
     setContents("status_line", plural(rowCount, "item", "items"));
     updateButtons();
     call("refreshPreview");

@@ -8,11 +8,8 @@
 
 namespace RowOrder {
 
-namespace {
-
-// Puts the rows in a new order (order[i] is the position of the row that
-// goes to i) in place, following each cycle of the permutation.
-void arrange(std::vector<ItemRecord> &rows, std::vector<size_t> &order)
+// In place, following each cycle of the permutation.
+void arrange(std::vector<ItemRecord> &rows, std::vector<size_t> order)
 {
     for (size_t start = 0; start < order.size(); ++start) {
         if (order[start] == start)
@@ -30,9 +27,7 @@ void arrange(std::vector<ItemRecord> &rows, std::vector<size_t> &order)
     }
 }
 
-} // namespace
-
-void byName(std::vector<ItemRecord> &rows, bool descending)
+std::vector<size_t> orderByName(const std::vector<ItemRecord> &rows, bool descending)
 {
     // Folder keys are made once per folder; rows of a folder share its rank.
     QHash<QString, int> folderRank;
@@ -59,10 +54,15 @@ void byName(std::vector<ItemRecord> &rows, bool descending)
         const int byName = byFolder ? 0 : keys[a].compare(keys[b]);
         return descending ? (byFolder ? byFolder > 0 : byName > 0) : (byFolder ? byFolder < 0 : byName < 0);
     });
-    arrange(rows, order);
+    return order;
 }
 
-void byValue(std::vector<ItemRecord> &rows, Value value, bool descending)
+void byName(std::vector<ItemRecord> &rows, bool descending)
+{
+    arrange(rows, orderByName(rows, descending));
+}
+
+std::vector<size_t> orderByValue(const std::vector<ItemRecord> &rows, Value value, bool descending)
 {
     const auto of = [value](const ItemRecord &row) -> qint64 {
         switch (value) {
@@ -77,9 +77,17 @@ void byValue(std::vector<ItemRecord> &rows, Value value, bool descending)
         }
         return 0;
     };
-    std::stable_sort(rows.begin(), rows.end(), [&](const ItemRecord &a, const ItemRecord &b) {
-        return descending ? of(b) < of(a) : of(a) < of(b);
+    std::vector<size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return descending ? of(rows[b]) < of(rows[a]) : of(rows[a]) < of(rows[b]);
     });
+    return order;
+}
+
+void byValue(std::vector<ItemRecord> &rows, Value value, bool descending)
+{
+    arrange(rows, orderByValue(rows, value, descending));
 }
 
 } // namespace RowOrder

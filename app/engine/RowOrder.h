@@ -16,4 +16,11 @@ void byName(std::vector<ItemRecord> &rows, bool descending = false);
 enum class Value { Created, Modified, Size, Include };
 void byValue(std::vector<ItemRecord> &rows, Value value, bool descending = false);
 
+// The same orders as positions (order[i] is the row that goes to i), worked
+// out without touching the rows, so they may be worked out aside; then
+// applied in place.
+std::vector<size_t> orderByName(const std::vector<ItemRecord> &rows, bool descending = false);
+std::vector<size_t> orderByValue(const std::vector<ItemRecord> &rows, Value value, bool descending = false);
+void arrange(std::vector<ItemRecord> &rows, std::vector<size_t> order);
+
 } // namespace RowOrder

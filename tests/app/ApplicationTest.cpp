@@ -187,6 +187,22 @@ TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
     EXPECT_TRUE(app().engine().stopProgressBool.load()) << "set back for the next listing";
 }
 
+TEST(Progress, AListingGoesStraightIntoTheTableInNaturalOrderAndSaysWhenStopped)
+{
+    QTemporaryDir dir;
+    for (const char *name : {"IMG_10.jpg", "IMG_9.jpg", "img_100.jpg"})
+        QFile(dir.filePath(QString::fromLatin1(name))).open(QIODevice::WriteOnly);
+    const QVariantList request = {QStringList{dir.path()}, QStringList(), QStringList(), false, false, false, false, true, dir.path()};
+    EXPECT_EQ(app().listIntoTable(request), (QVariantMap{{"rows", 3}, {"stopped", false}}));
+    QStringList names;
+    for (const ItemRecord &row : app().fileTableDataSource().rows())
+        names.append(row.name);
+    EXPECT_EQ(names, QStringList({"IMG_9.jpg", "IMG_10.jpg", "img_100.jpg"}));
+    QTimer::singleShot(0, [] { control<QPushButton>("stop_progress")->click(); });
+    EXPECT_EQ(app().listIntoTable(request).value("stopped"), QVariant(true));
+    app().fileTableDataSource().setRows({});
+}
+
 TEST(Preview, TheWholeTableFollowsTheRules)
 {
     std::vector<ItemRecord> rows(10000);
