@@ -1,5 +1,7 @@
 #include "ItemRecordValues.h"
 
+#include "DictionaryAdditions.h"
+
 namespace ItemRecordValues {
 
 namespace {
@@ -16,25 +18,6 @@ qint64 millisecondsOf(const QVariant &value)
 {
     return value.typeId() == QMetaType::QDateTime && value.toDateTime().isValid() ? value.toDateTime().toMSecsSinceEpoch()
                                                                                    : ItemRecord::NoDate;
-}
-
-bool isNumber(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return true;
-    default:
-        return false;
-    }
 }
 
 } // namespace
@@ -71,7 +54,7 @@ bool setField(ItemRecord &record, const QString &identifier, const QVariant &val
     else if (identifier == Modification)
         record.modified = millisecondsOf(value);
     else if (identifier == Size)
-        record.size = isNumber(value) ? std::optional(quint64(value.toULongLong())) : std::nullopt;
+        record.size = ROZ_NSDictionaryAdditions::isNumber(value) ? std::optional(quint64(value.toULongLong())) : std::nullopt;
     else if (identifier == New)
         record.newName = value.toString();
     else

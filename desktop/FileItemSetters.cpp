@@ -26,7 +26,7 @@ using ROZ_PathConversion::pathPOSIX;
 
 namespace {
 
-// The platform's HFS code conversion reads exactly four characters.
+// A type or creator code is exactly four characters.
 std::optional<quint32> codeFrom(const QString &text)
 {
     if (text.size() != 4)

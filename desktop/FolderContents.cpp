@@ -13,8 +13,7 @@ bool isVisible(const QString &path)
     return visible.isValid() && visible.toBool();
 }
 
-// Walks a folder the way the platform's deep enumerator does: names in
-// order, each item before its contents.
+// Walks a folder deeply: names in order, each item before its contents.
 void enumerate(const QString &base, const QString &relative, bool withInvisibles, QVariantList &contents,
                QVariantList &subfolders)
 {

@@ -130,8 +130,7 @@ QString objCType(QMetaType type)
 
 Descriptor numberDescriptor(const QVariant &number)
 {
-    // A long is four bytes on the platform these layouts come from, so its
-    // low 32 bits are what travels, like an int's.
+    // A long travels in four bytes: its low 32 bits, like an int's.
     const QString type = objCType(number);
     if (type == QLatin1String("c"))
         return Descriptor::boolean(number.toBool());

@@ -60,7 +60,7 @@ QVariant ROZ_NumberWithSignedIntP(const void *value, int byteCount);
 QVariant ROZ_NumberWithUnsignedIntP(const void *value, int byteCount);
 QVariant ROZ_NumberWithFloatP(const void *value, int byteCount);
 
-// The platform's C type encoding of a number ("c", "i", "Q", ...); empty
+// The C type encoding of a number ("c", "i", "Q", ...); empty
 // for a value that is not a number.
 QString objCType(const QVariant &number);
 QString objCType(QMetaType type);

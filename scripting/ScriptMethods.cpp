@@ -93,8 +93,8 @@ void registerDescriptors(MethodRegistry &registry)
             return QVariant();
         });
 
-    // The platform's own constructors and readers that scripts need to build
-    // and look into descriptors.
+    // The constructors and readers that scripts need to build and look into
+    // descriptors.
     registry.addClassMethod(DescriptorClass, QStringLiteral("descriptorWithDescriptorType:data:"),
                             [](Invocation &invocation) {
                                 return QVariant::fromValue(Descriptor(typeCodeArgument(invocation.arguments[0], 0),

@@ -5,7 +5,7 @@
 // Byte operations on data.
 namespace ROZ_NSDataAdditions {
 
-// The platform's not-found index: the largest signed 32-bit value.
+// The not-found index: the largest signed 32-bit value.
 constexpr qint64 NotFound = 0x7fffffff;
 
 // Offset of the first occurrence of `pattern` in `self`; 0 for an empty

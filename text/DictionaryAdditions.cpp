@@ -109,7 +109,7 @@ quint32 uintForKey(const QVariantMap &self, const QString &key)
     const QVariant value = self.value(key);
     if (!isNumber(value))
         return 0;
-    // Read as the platform's unsignedIntValue does: the low 32 bits.
+    // An unsigned reading takes the low 32 bits.
     if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
         return quint32(qint64(value.toDouble()));
     return quint32(value.toULongLong());

@@ -47,7 +47,7 @@ quint32 osType(const QString &code);
 // Whether a value is a number of one of the C types (bool included).
 bool isNumber(const QVariant &value);
 
-// The platform's reading of text as numbers: leading white space, a sign,
+// Text read as a number: leading white space, a sign,
 // digits; whatever follows is ignored. Integers saturate.
 int intValue(const QString &text);
 float floatValue(const QString &text);

@@ -55,7 +55,7 @@ QString formatted(QChar conversion, const QString &flags, int width, int precisi
     return QString::fromLatin1(buffer);
 }
 
-// The platform's long forms (%D, %U, %O) and %i are the plain ones.
+// The long forms (%D, %U, %O) and %i are the plain ones.
 QChar canonicalConversion(QChar c)
 {
     switch (c.unicode()) {

@@ -23,7 +23,7 @@ private:
     QSet<char16_t> m_units;
 };
 
-// The platform's prefix and suffix tests answer NO for an empty string.
+// Prefix and suffix tests answer NO for an empty string.
 bool hasPrefix(const QString &self, const QString &prefix)
 {
     return !prefix.isEmpty() && self.startsWith(prefix);

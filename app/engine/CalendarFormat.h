@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QString>
 
-// Formats a date with the platform's calendar-format directives, with no
+// Formats a date with calendar-format directives, with no
 // locale (English names) in the default time zone:
 //   %Y year, %y year in two digits, %m month, %d day, %e day without zero,
 //   %H hour (24), %I hour (12), %M minute, %S second, %p AM/PM, %A weekday,

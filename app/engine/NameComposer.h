@@ -89,7 +89,8 @@ public:
     QString replaceInsertConstants(const QString &text, const QDateTime &date) const;
     // The name without its last extension: a.b.c gives a.b, .profile "".
     static QString baseNameOf(const QString &name);
-    // The extension a new name gets for this current name (step 11 and 12).
+    // The extension a new name gets for this current name: the new one, or
+    // the old one in the chosen case, or as it was.
     QString extensionFor(const QString &currentName) const;
     // Duplicate numbering applied to a name composed without it: the same
     // check and the same " n" before the extension.

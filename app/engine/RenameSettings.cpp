@@ -5,7 +5,7 @@
 
 namespace {
 
-// The platform's intValue and boolValue of a number or of text.
+// A number or text read as an integer and as a yes or no.
 qint32 intValueOf(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QString)

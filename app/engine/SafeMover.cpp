@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+using Batch::Move;
 using Batch::Outcome;
 using Batch::Status;
 
@@ -38,6 +39,33 @@ std::vector<Outcome> itemOutcomes(const BatchJournal &journal, BatchRunner &runn
         outcomes.push_back(outcome);
     }
     return outcomes;
+}
+
+// The moves that put a journal's items back under their first names, from
+// wherever each is now; an item found under none of its names has changed
+// since and is reported instead.
+struct MovesBack {
+    std::vector<int> positions;
+    std::vector<Move> moves;
+    std::vector<int> items; // the journal item of each move
+    std::vector<Outcome> changed;
+};
+
+MovesBack movesBack(BatchJournal &journal)
+{
+    BatchRunner located(journal, {});
+    MovesBack back{located.locate(), {}, {}, {}};
+    for (size_t item = 0; item < journal.items.size(); ++item) {
+        const int at = back.positions[item];
+        if (at == BatchRunner::NotFound) {
+            const Move move{located.pathNow(int(item), journal.items[item].last()), located.pathNow(int(item), 0)};
+            back.changed.push_back({move, Status::Failed, changedReason(move.from, move.to), {}});
+        } else if (at > 0) {
+            back.moves.push_back({located.pathNow(int(item), at), located.pathNow(int(item), 0)});
+            back.items.push_back(int(item));
+        }
+    }
+    return back;
 }
 
 } // namespace
@@ -261,13 +289,12 @@ SafeMover::Report SafeMover::undoLast()
     // all back already (an undo cut short as it ended) leaves the history.
     QString entry;
     std::optional<BatchJournal> batch;
-    std::vector<int> positions;
     for (const QString &newest : m_store.history()) {
         QString why;
         batch = m_store.load(m_store.historyPath(newest), &why);
         if (!batch)
             return refusedJournal(m_store.historyPath(newest), why);
-        positions = BatchRunner(*batch, {}).locate();
+        const std::vector<int> positions = BatchRunner(*batch, {}).locate();
         if (std::any_of(positions.begin(), positions.end(), [](int at) { return at != 0; })) {
             entry = newest;
             break;
@@ -279,28 +306,15 @@ SafeMover::Report SafeMover::undoLast()
         return {};
 
     // Each item back from wherever it is now, if it is still the same file.
-    BatchRunner located(*batch, {});
-    located.locate();
-    std::vector<Move> moves;
-    std::vector<Outcome> changed;
-    for (size_t item = 0; item < batch->items.size(); ++item) {
-        const int at = positions[item];
-        const int last = batch->items[item].last();
-        if (at == BatchRunner::NotFound) {
-            const Move move{located.pathNow(int(item), last), located.pathNow(int(item), 0)};
-            changed.push_back({move, Status::Failed, changedReason(move.from, move.to), {}});
-        } else if (at > 0) {
-            moves.push_back({located.pathNow(int(item), at), located.pathNow(int(item), 0)});
-        }
-    }
-    BatchPlan plan = BatchPlan::make(moves, BatchJournal::Kind::Undo);
+    const MovesBack back = movesBack(*batch);
+    BatchPlan plan = BatchPlan::make(back.moves, BatchJournal::Kind::Undo);
     plan.journal.undoes = entry;
     if (plan.journal.steps.empty()) {
         Report report{plan.outcomes, Refusal::None, {}, false, settleUndo(entry)};
-        report.outcomes.insert(report.outcomes.end(), changed.begin(), changed.end());
+        report.outcomes.insert(report.outcomes.end(), back.changed.begin(), back.changed.end());
         return report;
     }
-    return execute(plan, changed);
+    return execute(plan, back.changed);
 }
 
 SafeMover::Report SafeMover::finishPending()
@@ -342,30 +356,17 @@ SafeMover::Report SafeMover::rollBackPending()
     if (journal->kind == BatchJournal::Kind::RollBack)
         return continuePending(*journal);
 
-    BatchRunner located(*journal, {});
-    const std::vector<int> positions = located.locate();
-    std::vector<Move> moves;
-    std::vector<int> itemOfMove;
-    std::vector<Outcome> changed;
-    for (size_t item = 0; item < journal->items.size(); ++item) {
-        const int at = positions[item];
-        const int last = journal->items[item].last();
-        if (at == BatchRunner::NotFound) {
-            const Move move{located.pathNow(int(item), last), located.pathNow(int(item), 0)};
-            changed.push_back({move, Status::Failed, changedReason(move.from, move.to), {}});
-        } else if (at > 0) {
-            moves.push_back({located.pathNow(int(item), at), located.pathNow(int(item), 0)});
-            itemOfMove.push_back(int(item));
-        }
-    }
+    MovesBack back = movesBack(*journal);
+    std::vector<Move> &moves = back.moves;
     BatchPlan plan = BatchPlan::make(moves, BatchJournal::Kind::RollBack);
     // A file under a temporary name whose first name has been taken
     // meanwhile takes its new name instead: it must not stay out of sight.
     bool replan = false;
     for (size_t i = 0; i < moves.size(); ++i) {
-        const int item = itemOfMove[i];
-        if (plan.outcomes[i].status == Status::Conflict && positions[size_t(item)] < journal->items[size_t(item)].last()) {
-            moves[i].to = located.pathNow(item, journal->items[size_t(item)].last());
+        const int item = back.items[i];
+        const BatchJournal::Item &entry = journal->items[size_t(item)];
+        if (plan.outcomes[i].status == Status::Conflict && back.positions[size_t(item)] < entry.last()) {
+            moves[i].to = moves[i].to.left(moves[i].to.lastIndexOf(u'/') + 1) + entry.names[entry.last()];
             replan = true;
         }
     }
@@ -373,10 +374,10 @@ SafeMover::Report SafeMover::rollBackPending()
         plan = BatchPlan::make(moves, BatchJournal::Kind::RollBack);
     if (plan.journal.steps.empty()) {
         Report report{plan.outcomes, Refusal::None, {}, false, {}};
-        report.outcomes.insert(report.outcomes.end(), changed.begin(), changed.end());
+        report.outcomes.insert(report.outcomes.end(), back.changed.begin(), back.changed.end());
         if (const QString problem = m_store.discardPending(); !problem.isEmpty())
             report.notice = problem;
         return report;
     }
-    return execute(plan, changed);
+    return execute(plan, back.changed);
 }
