@@ -127,35 +127,4 @@ TEST_F(Moves, NeverOntoAnExistingFile)
     EXPECT_EQ(read(dir.filePath("new.jpg")), QByteArray("mine"));
 }
 
-TEST_F(Moves, NamesThatAreNotUtf8SurviveByteForByte)
-{
-    const QByteArray raw = PathCodec::encode(dir.path()) + "/raw\xff.jpg";
-    FILE *file = fopen(raw.constData(), "w");
-    ASSERT_NE(file, nullptr);
-    fclose(file);
-    const QString source = PathCodec::decode(raw);
-    const QString destination = PathCodec::decode(PathCodec::encode(dir.path()) + "/still\xfe.jpg");
-    EXPECT_EQ(FileMoves::moveWithoutReplacing(source, destination), 0);
-    EXPECT_EQ(access((PathCodec::encode(dir.path()) + "/still\xfe.jpg").constData(), F_OK), 0);
-}
-
-TEST_F(Moves, AcrossFileSystemsByCopyThenRemove)
-{
-    // /dev/shm is a different file system from most temporary folders.
-    QTemporaryDir other(QStringLiteral("/dev/shm/nomen-XXXXXX"));
-    if (!other.isValid())
-        GTEST_SKIP() << "no second file system to move to";
-    const QString file = make("a.txt", "contents");
-    QDir().mkpath(dir.filePath("Folder/Inner"));
-    make("Folder/Inner/b.txt", "b");
-    EXPECT_EQ(FileMoves::moveWithoutReplacing(file, other.filePath("a.txt")), 0);
-    EXPECT_EQ(read(other.filePath("a.txt")), QByteArray("contents"));
-    EXPECT_FALSE(QFile::exists(file));
-    EXPECT_EQ(FileMoves::moveWithoutReplacing(dir.filePath("Folder"), other.filePath("Folder")), 0);
-    EXPECT_EQ(read(other.filePath("Folder/Inner/b.txt")), QByteArray("b"));
-    const QString again = make("a.txt", "second");
-    EXPECT_EQ(FileMoves::moveWithoutReplacing(again, other.filePath("a.txt")), EEXIST);
-    EXPECT_EQ(read(again), QByteArray("second"));
-}
-
 } // namespace

@@ -49,21 +49,6 @@ private:
     int m_error;
 };
 
-TEST_F(SafeMoves, ChainsSwapsAndCyclesArriveAndUndoPutsThemBack)
-{
-    ASSERT_TRUE(tree.makeAll({"a", "b", "c", "x", "y", "p", "q", "r"}));
-    const Files before = tree.files();
-    // a->b->c->d is a chain, x<->y a swap, p->q->r->p a cycle.
-    const auto report = mover.apply(moves({{"a", "b"}, {"b", "c"}, {"c", "d"}, {"x", "y"}, {"y", "x"}, {"p", "q"}, {"q", "r"}, {"r", "p"}}));
-    EXPECT_EQ(statuses(report.outcomes), QList<S>(8, S::Renamed));
-    EXPECT_EQ(tree.files(), Files({{"b", "a"}, {"c", "b"}, {"d", "c"}, {"x", "y"}, {"y", "x"}, {"q", "p"}, {"r", "q"}, {"p", "r"}}))
-        << "nothing left under a temporary name";
-    const auto undone = mover.undoLast();
-    EXPECT_EQ(statuses(undone.outcomes), QList<S>(8, S::Renamed));
-    EXPECT_EQ(tree.files(), before);
-    EXPECT_TRUE(mover.undoLast().outcomes.empty()) << "the history is empty again";
-}
-
 TEST_F(SafeMoves, EveryRowIsCheckedBeforeAnythingMoves)
 {
     ASSERT_TRUE(tree.makeAll({"a", "b", "c", "taken", "linked", "sub/z"}));
