@@ -64,6 +64,10 @@ RZApplication::~RZApplication()
     // Previews and conflict checks still running aside report back to this
     // object.
     QThreadPool::globalInstance()->waitForDone();
+    // The window's last events, as it goes, are not this object's to filter:
+    // the panel they would ask about is gone first.
+    if (m_form)
+        window()->removeEventFilter(this);
 }
 
 RZApplication *RZApplication::instance()
