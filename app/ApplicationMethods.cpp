@@ -326,6 +326,10 @@ void registerApplicationMethods(MethodRegistry &registry)
         Dialogs::showMessage(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1));
         return QVariant();
     });
+    add(registry, "showError:informativeText:", [](RZApplication &app, const QVariantList &args) {
+        Dialogs::showError(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1));
+        return QVariant();
+    });
     add(registry, "askQuestion:informativeText:buttons:", [](RZApplication &app, const QVariantList &args) {
         return QVariant(Dialogs::askQuestion(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1),
                                              convert<QStringList>(args[2], 2)));

@@ -1,17 +1,47 @@
 #include "Dialogs.h"
 
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 
 namespace Dialogs {
 
-void showMessage(QWidget *window, const QString &title, const QString &text)
+namespace {
+
+// As wide as the longest line asks, up to about 70 characters, so a short
+// message stays on one line and a long one wraps at a readable width.
+void fitToText(QMessageBox &box, const QString &title, const QString &text)
 {
-    QMessageBox box(QMessageBox::Information, title, title, QMessageBox::Ok, window);
+    const QFontMetrics metrics(box.font());
+    int widest = metrics.horizontalAdvance(title) * 5 / 4; // the title is set larger
+    for (const QString &line : text.split(u'\n'))
+        widest = std::max(widest, metrics.horizontalAdvance(line));
+    const int width = std::min(widest, metrics.averageCharWidth() * 70);
+    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
+        grid->addItem(new QSpacerItem(width, 0, QSizePolicy::Minimum, QSizePolicy::Fixed), grid->rowCount(), 1, 1,
+                      grid->columnCount() - 1);
+}
+
+void show(QWidget *window, QMessageBox::Icon icon, const QString &title, const QString &text)
+{
+    QMessageBox box(icon, title, title, QMessageBox::Ok, window);
     box.setObjectName(QStringLiteral("message"));
     box.setInformativeText(text);
+    fitToText(box, title, text);
     box.exec();
+}
+
+} // namespace
+
+void showMessage(QWidget *window, const QString &title, const QString &text)
+{
+    show(window, QMessageBox::Information, title, text);
+}
+
+void showError(QWidget *window, const QString &title, const QString &text)
+{
+    show(window, QMessageBox::Critical, title, text);
 }
 
 QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons)
@@ -21,6 +51,7 @@ QString askQuestion(QWidget *window, const QString &title, const QString &text, 
     QMessageBox box(QMessageBox::Question, title, title, QMessageBox::NoButton, window);
     box.setObjectName(QStringLiteral("question"));
     box.setInformativeText(text);
+    fitToText(box, title, text);
     QList<QPushButton *> added;
     for (qsizetype i = 0; i < buttons.size(); ++i) {
         const bool last = i == buttons.size() - 1 && buttons.size() > 1;

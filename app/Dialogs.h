@@ -9,6 +9,8 @@ class QWidget;
 namespace Dialogs {
 
 void showMessage(QWidget *window, const QString &title, const QString &text);
+// A failure: the same message with the critical icon.
+void showError(QWidget *window, const QString &title, const QString &text);
 // The title of the button chosen; the last button (the cancelling one)
 // when the dialog is closed another way.
 QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons);

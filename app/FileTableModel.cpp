@@ -103,7 +103,13 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     case Qt::TextAlignmentRole:
         return index.column() == Size ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
     case Qt::ToolTipRole:
-        return conflict ? conflictAt(index.row()) : warning ? warningAt(index.row()) : QVariant();
+        if (conflict || warning)
+            return (conflict ? conflictAt(index.row()) : warningAt(index.row())) + u'\n'
+                   + valueForColumn(columnIdentifiers()[index.column()], index.row()).toString();
+        // Names and folders are cut to fit their columns: whole in the tooltip.
+        if (index.column() == Original || index.column() == Location || index.column() == New)
+            return valueForColumn(columnIdentifiers()[index.column()], index.row());
+        return QVariant();
     case Qt::ForegroundRole:
         return conflict ? QVariant(QColor(Qt::red)) : warning ? QVariant(QColor(0xa0, 0x5a, 0x00)) : QVariant();
     case Qt::DecorationRole:

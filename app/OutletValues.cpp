@@ -1,11 +1,13 @@
 #include "OutletValues.h"
 
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QSettings>
+#include <QTableView>
 
 namespace OutletValues {
 
@@ -109,6 +111,10 @@ bool setContents(QWidget *control, const QVariant &value)
 void saveState(const QWidget *window, QSettings &settings)
 {
     settings.setValue(QStringLiteral("window/geometry"), window->saveGeometry());
+    // Column widths and order as the user left them.
+    for (const QTableView *table : window->findChildren<QTableView *>())
+        if (!table->objectName().isEmpty())
+            settings.setValue(QStringLiteral("columns/") + table->objectName(), table->horizontalHeader()->saveState());
     settings.beginGroup(QStringLiteral("controls"));
     settings.remove(QString());
     for (const QWidget *control : window->findChildren<QWidget *>())
@@ -122,6 +128,11 @@ void saveState(const QWidget *window, QSettings &settings)
 void restoreState(QWidget *window, const QSettings &settings)
 {
     window->restoreGeometry(settings.value(QStringLiteral("window/geometry")).toByteArray());
+    for (QTableView *table : window->findChildren<QTableView *>()) {
+        const QVariant columns = settings.value(QStringLiteral("columns/") + table->objectName());
+        if (columns.isValid())
+            table->horizontalHeader()->restoreState(columns.toByteArray());
+    }
     for (QWidget *control : window->findChildren<QWidget *>()) {
         const QString key = QStringLiteral("controls/") + control->objectName();
         if (!isRemembered(control) || !settings.contains(key))

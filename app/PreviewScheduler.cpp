@@ -18,9 +18,9 @@ PreviewScheduler::PreviewScheduler(RenameEngine &engine, FileTableModel &table, 
 
 void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExcluded)
 {
-    const std::shared_ptr<const std::vector<ItemRecord>> rows = m_table.snapshot();
-    if (rows->empty() || settings.size() < RenameSettings::count)
+    if (settings.size() < RenameSettings::count)
         return;
+    const std::shared_ptr<const std::vector<ItemRecord>> rows = m_table.snapshot();
     // A copy as it stands after the settings were captured: the preview of
     // the first name has already advanced the engine's own counters once.
     NameComposer copy = m_engine.composer;
@@ -33,6 +33,10 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     request.advanceExcluded = advanceExcluded;
     const bool grep = copy.settings._search_type_1 == QLatin1String("GREP") && !copy.settings._filename_search_1.isEmpty();
     const quint64 generation = ++m_generation;
+    if (!grep)
+        emit patternChecked(QString());
+    if (rows->empty() && !grep)
+        return;
     QElapsedTimer clock;
     clock.start();
     if (!grep && rows->size() <= size_t(immediateRows)) {
@@ -47,7 +51,8 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     QThreadPool::globalInstance()->start([this, copy, rows, request, generation, grep, clock]() mutable {
         if (generation != m_generation)
             return; // already stale
-        if (grep) {
+        const QString patternError = grep ? GrepPrefetch::patternError(copy.settings) : QString();
+        if (grep && !rows->empty()) {
             QStringList names;
             names.reserve(qsizetype(rows->size()));
             for (const ItemRecord &row : *rows)
@@ -55,9 +60,13 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
             copy.grep = GrepPrefetch::replacementFor(copy.settings, names);
         }
         const QStringList names = BatchPass::newNames(copy, *rows, request, m_engine.dates);
-        QMetaObject::invokeMethod(this, [this, names, generation, clock] {
+        QMetaObject::invokeMethod(this, [this, names, patternError, grep, generation, clock] {
             if (generation != m_generation)
                 return; // the rules changed again meanwhile
+            if (grep)
+                emit patternChecked(patternError);
+            if (names.isEmpty())
+                return;
             m_table.setNewNames(names);
             lastMs = clock.elapsed();
             emit applied();

@@ -35,6 +35,9 @@ public:
 signals:
     void applied();
     void conflictsMarked();
+    // Why the rule's GREP pattern cannot run ("" when it can, or when the
+    // rule has none), after each refresh.
+    void patternChecked(const QString &error);
 
 private:
     RenameEngine &m_engine;

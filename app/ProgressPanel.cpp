@@ -92,7 +92,10 @@ void ProgressPanel::runAside(const std::function<void()> &work)
 
 ProgressPanel::LongPass::LongPass(ProgressPanel &panel) : m_panel(panel)
 {
-    ++m_panel.m_passDepth;
+    // Busy until the pass says how many steps it has.
+    if (m_panel.m_passDepth++ == 0)
+        if (auto *indicator = m_panel.m_form.control<QProgressBar>(QStringLiteral("theIndicator")))
+            indicator->setRange(0, 0);
 }
 
 ProgressPanel::LongPass::~LongPass()
@@ -101,9 +104,27 @@ ProgressPanel::LongPass::~LongPass()
         m_panel.thawInput();
 }
 
+// The panel takes the status line's place while a pass runs, and gives it
+// back with its lines emptied for the next one.
+void ProgressPanel::showPanel(bool shown)
+{
+    if (QWidget *panel = m_form.outlet(QStringLiteral("progress_panel")))
+        panel->setVisible(shown);
+    if (QWidget *status = m_form.outlet(QStringLiteral("status_line")))
+        status->setVisible(!shown);
+    if (QWidget *stop = m_form.outlet(QStringLiteral("stop_progress")))
+        stop->setEnabled(shown);
+    if (shown)
+        return;
+    for (const char *line : {"progress_label_super", "progress_label"})
+        if (auto *label = m_form.control<QLabel>(QString::fromLatin1(line)))
+            label->clear();
+}
+
 void ProgressPanel::freezeInput()
 {
     m_frozen = true;
+    showPanel(true);
     m_focusBeforeFreeze = QApplication::focusWidget();
     const QWidget *stopButton = m_form.outlet(QStringLiteral("stop_progress"));
     for (QWidget *control : m_form.window()->findChildren<QWidget *>()) {
@@ -134,4 +155,5 @@ void ProgressPanel::thawInput()
     if (m_focusBeforeFreeze)
         m_focusBeforeFreeze->setFocus();
     m_frozen = false;
+    showPanel(false);
 }

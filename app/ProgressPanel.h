@@ -10,8 +10,8 @@ class InterfaceFile;
 class QAction;
 class QWidget;
 
-// The progress panel: two lines of text, a bar and Stop. A long loop draws
-// it at once and lets events through now and then; Stop sets the flag the
+// The progress panel: two lines of text, a bar and Stop, in the status
+// line's place while a long pass runs. A long loop draws it at once and lets events through now and then; Stop sets the flag the
 // listing polls. While a long pass runs the window takes no input but Stop,
 // so nothing changes the rule under the pass or starts another inside it.
 class ProgressPanel {
@@ -46,6 +46,7 @@ public:
     bool inputFrozen() const { return m_frozen; }
 
 private:
+    void showPanel(bool shown);
     void freezeInput();
     void thawInput();
 

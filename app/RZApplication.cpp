@@ -8,8 +8,10 @@
 #include "MiscMethods.h"
 #include "NamedException.h"
 #include "RuleForm.h"
+#include "TokenMenu.h"
 #include "ScriptSubroutines.h"
 #include "UiStrings.h"
+#include "WindowStyle.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -17,10 +19,14 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QStyle>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QTableView>
 #include <QThreadPool>
+#include <QToolButton>
 #include <QUrl>
 
 #ifndef NOMEN_RESOURCE_DIR
@@ -84,6 +90,7 @@ QString RZApplication::resourceDirectory()
 void RZApplication::init(const MethodRegistry &methods)
 {
     UiStrings::install(*this);
+    setStyle(new WindowStyle);
     m_engine = std::make_unique<RenameEngine>();
     m_form = std::make_unique<InterfaceFile>(resourceDirectory() + QStringLiteral("/MainWindow.ui"));
     m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine->stopProgressBool);
@@ -113,8 +120,17 @@ QVariant RZApplication::getEXIFDate(const QVariant &path)
 void RZApplication::loadInterface()
 {
     // User edits only: text set by the program is not an edit.
-    for (QLineEdit *field : window()->findChildren<QLineEdit *>())
+    for (QLineEdit *field : window()->findChildren<QLineEdit *>()) {
         connect(field, &QLineEdit::textEdited, this, [this, field] { textDidChange(field); });
+        field->installEventFilter(this); // for Undo Rename's shortcut
+    }
+    for (const char *affix : {"prefix", "suffix"}) {
+        const QString name = QString::fromLatin1(affix);
+        auto *field = m_form->control<QLineEdit>(name);
+        auto *button = m_form->control<QToolButton>(name + QStringLiteral("_tokens"));
+        if (field && button)
+            TokenMenu::attach(*button, *field);
+    }
     if (auto *table = m_form->control<QTableView>(QStringLiteral("fileTable"))) {
         table->setModel(m_table);
         table->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -124,12 +140,22 @@ void RZApplication::loadInterface()
         table->setAcceptDrops(true);
         table->setDropIndicatorShown(true);
         table->horizontalHeader()->setStretchLastSection(true);
-        // Fixed widths: measuring the contents of a large table takes long.
+        table->horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+        table->horizontalHeader()->setMinimumSectionSize(table->fontMetrics().averageCharWidth() * 3);
+        // Widths from the font, not from the contents: measuring a large
+        // table takes long. The user's own widths come back with the
+        // window's state.
         table->setWordWrap(false);
+        table->setTextElideMode(Qt::ElideMiddle); // a name's extension stays in sight
         table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 6);
-        const std::pair<int, int> widths[] = {{FileTableModel::Include, 28},   {FileTableModel::Original, 220},
-                                              {FileTableModel::Location, 200}, {FileTableModel::Creation, 140},
-                                              {FileTableModel::Modification, 140}, {FileTableModel::Size, 80}};
+        const int character = table->fontMetrics().averageCharWidth();
+        const int dateWidth = table->fontMetrics().horizontalAdvance(QStringLiteral("2000-00-00 00:00:00")) + 2 * character;
+        const std::pair<int, int> widths[] = {{FileTableModel::Include, 4 * character},
+                                              {FileTableModel::Original, 32 * character},
+                                              {FileTableModel::Location, 22 * character},
+                                              {FileTableModel::Creation, dateWidth},
+                                              {FileTableModel::Modification, dateWidth},
+                                              {FileTableModel::Size, 10 * character}};
         for (const auto &[column, width] : widths)
             table->setColumnWidth(column, width);
     }
@@ -167,6 +193,7 @@ void RZApplication::connectInterfaceEvents()
         m_preview->checkConflicts();
     });
     connect(m_preview, &PreviewScheduler::conflictsMarked, this, &RZApplication::conflictsMarked);
+    connect(m_preview, &PreviewScheduler::patternChecked, this, &RZApplication::showPatternError);
     connect(this, &QCoreApplication::aboutToQuit, this, [this] { emit scriptEvent(QStringLiteral("willQuit"), QVariant()); });
     m_table->filesDropped = [this](const QStringList &paths, int) { emit scriptEvent(QStringLiteral("dropped"), paths); };
     // The counters follow the table's order: a new order needs new names.
@@ -217,8 +244,66 @@ void RZApplication::sortTableRows()
     m_sorting = false;
 }
 
+void RZApplication::showPatternError(const QString &error)
+{
+    auto *label = m_form->control<QLabel>(QStringLiteral("snr_error_1"));
+    auto *field = m_form->control<QLineEdit>(QStringLiteral("search_1"));
+    if (label) {
+        // One line however long Perl's message: the whole of it in the tooltip.
+        label->setSizePolicy(QSizePolicy::Ignored, label->sizePolicy().verticalPolicy());
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText, QColor(0xc0, 0x1c, 0x28));
+        label->setPalette(palette);
+        label->setText(error);
+        label->setToolTip(error);
+        label->setVisible(!error.isEmpty());
+    }
+    if (!field)
+        return;
+    QAction *mark = field->findChild<QAction *>(QStringLiteral("pattern_error_mark"));
+    if (error.isEmpty()) {
+        delete mark;
+        return;
+    }
+    if (!mark) {
+        mark = field->addAction(field->style()->standardIcon(QStyle::SP_MessageBoxCritical), QLineEdit::TrailingPosition);
+        mark->setObjectName(QStringLiteral("pattern_error_mark"));
+    }
+    mark->setToolTip(error);
+}
+
+void RZApplication::showNewListing()
+{
+    auto *table = m_form->control<QTableView>(QStringLiteral("fileTable"));
+    if (!table)
+        return;
+    // A column's order stays from one listing to the next; rows dragged
+    // into an order of their own start again in natural name order.
+    QHeaderView *header = table->horizontalHeader();
+    if (!header->isSortIndicatorShown()) {
+        header->setSortIndicator(FileTableModel::Original, Qt::AscendingOrder);
+        header->setSortIndicatorShown(true);
+    }
+    sortTableRows();
+    // The location says nothing when every row shares it.
+    const std::vector<ItemRecord> &rows = m_table->rows();
+    const bool oneLocation = std::all_of(rows.begin(), rows.end(), [&rows](const ItemRecord &row) {
+        return row.location == rows.front().location;
+    });
+    table->setColumnHidden(FileTableModel::Location, oneLocation && !rows.empty());
+    table->scrollToTop();
+    table->clearSelection();
+}
+
 bool RZApplication::eventFilter(QObject *watched, QEvent *event)
 {
+    // Undo Rename answers its shortcut wherever focus is, unless the field
+    // with focus has an edit of its own to undo.
+    if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Undo))
+        if (auto *field = qobject_cast<QLineEdit *>(watched); field && !field->isUndoAvailable()) {
+            event->ignore();
+            return true;
+        }
     if (watched != window())
         return QApplication::eventFilter(watched, event);
     // In a long pass the window is not closed and takes no drops; closing
@@ -271,7 +356,7 @@ QVariantMap RZApplication::listIntoTable(const QVariantList &request)
     Listing listed = listing.list(ListingRequest::fromArray(request));
     const bool stopped = listed.stopped || !listed.stoppedInside.empty();
     m_table->setRows(std::move(listed.items));
-    sortTableRows();
+    showNewListing();
     return {{QStringLiteral("rows"), m_table->rowCount()}, {QStringLiteral("stopped"), stopped}};
 }
 

@@ -80,6 +80,9 @@ private:
     void loadInterface();
     void connectInterfaceEvents();
     void sortByColumn(int column);
+    // A listing just put in the table: its order, columns and scrolling.
+    void showNewListing();
+    void showPatternError(const QString &error);
 
     std::unique_ptr<RenameEngine> m_engine;
     std::unique_ptr<CompiledScript> m_perl;

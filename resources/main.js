@@ -31,7 +31,7 @@ function showError(title, text) {
     try {
         callClassMethod("ROZ_MiscMethods", "displayError:withError:", [title, text]);
     } catch (noAlerts) {
-        call("showMessage:informativeText:", [title, text]);
+        call("showError:informativeText:", [title, text]);
     }
 }
 
@@ -52,6 +52,7 @@ function plural(count, one, many) {
 
 function launched(paths) {
     call("restoreInterfaceState");
+    updateRuleControls();
     offerToFinishInterruptedRename();
     if (paths && paths.length > 0)
         dropped(paths);
@@ -73,8 +74,17 @@ function clicked(name) {
         workOutNewNames();
     else if (name === "rename")
         renameFiles();
-    else
+    else {
+        // Choosing from a popup chooses what it belongs to.
+        if (name === "the_case")
+            setContents("change_case", true);
+        else if (name === "extension_popup")
+            setContents("extension_matrix", 2);
+        else if (name === "ext_case")
+            setContents("extension_matrix", 3);
+        updateRuleControls();
         call("refreshPreview"); // any rule control
+    }
 }
 
 function choseMenuItem(name) {
@@ -114,6 +124,12 @@ function willQuit() {
 
 // The flow.
 
+// Case is considered only by a GREP search; a literal one always matches
+// case exactly.
+function updateRuleControls() {
+    setEnabled("snr_consider_case_1", call("indexOfSelectedItemOfOutlet:", ["snr_type_1"]) === 1);
+}
+
 function updateButtons() {
     setEnabled("rename", rowCount > 0);
     setEnabled("update_preview", rowCount > 0);
@@ -138,19 +154,15 @@ function listItems() {
     var paths = droppedItems || [folder];
     setContents("progress_label_super", "Listing");
     setContents("progress_label", folder);
-    setEnabled("stop_progress", true);
     // Straight into the table, in the order its header shows.
     var listed = call("listIntoTable:", [[paths, listOf(contents("type_filter")), listOf(contents("ext_filter")),
                                           contents("long_names"), contents("descend"), contents("folder_rows"),
                                           contents("list_unmatched"), true, folder]]);
-    setEnabled("stop_progress", false);
-    setContents("progress_label_super", "");
-    setContents("progress_label", listed.stopped ? "Listing stopped" : "");
     if (listed.rows === 0 && !listed.stopped && droppedItems === null
         && !callClassMethod("ROZ_MiscMethods", "returnItemIsFolder:", [paths[0]]))
         showError("The folder cannot be listed", folder + " is not a folder that can be read.");
     rowCount = listed.rows;
-    setContents("status_line", plural(rowCount, "item", "items"));
+    setContents("status_line", plural(rowCount, "item", "items") + (listed.stopped ? " (listing stopped)" : ""));
     updateButtons();
     call("refreshPreview");
 }

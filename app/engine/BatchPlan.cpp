@@ -2,6 +2,7 @@
 
 #include "PathCodec.h"
 
+#include <algorithm>
 #include <QHash>
 #include <QRandomGenerator>
 #include <QSet>
@@ -160,6 +161,13 @@ QString surprise(const QString &name, const QString &newName)
         return QStringLiteral("the new name starts with a space");
     if (newName.endsWith(u' ') && !name.endsWith(u' '))
         return QStringLiteral("the new name ends with a space");
+    // Tabs, line breaks and the like show as nothing, or break a listing in
+    // two; NUL and "/" are refused before this.
+    const auto control = [](const QString &text) {
+        return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; });
+    };
+    if (control(newName) && !control(name))
+        return QStringLiteral("the new name holds a control character (a tab, a line break or the like)");
     return {};
 }
 

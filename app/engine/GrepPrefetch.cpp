@@ -5,6 +5,7 @@
 #include "PerlWorker.h"
 
 #include <QHash>
+#include <QRegularExpression>
 #include <memory>
 
 namespace GrepPrefetch {
@@ -33,6 +34,21 @@ NameComposer::GrepReplace replacementFor(const RenameSettings &settings, const Q
         const std::optional<QByteArray> answer = known != answers->constEnd() ? *known : PerlWorker::shared().run(program);
         return answer ? PathCodec::decode(*answer) : text;
     };
+}
+
+QString patternError(const RenameSettings &settings)
+{
+    if (settings._search_type_1 != QLatin1String("GREP") || settings._filename_search_1.isEmpty())
+        return QString();
+    const std::optional<QByteArray> failure = PerlWorker::shared().failureOf(PathCodec::encode(GrepReplace::program(
+        QString(), settings._filename_search_1, settings._filename_replace_1, settings._snr_consider_case_1)));
+    if (!failure)
+        return QString();
+    // The first line, without where in the worker's program it was found.
+    QString message = PathCodec::decode(failure->left(failure->indexOf('\n') < 0 ? failure->size() : failure->indexOf('\n')));
+    static const QRegularExpression where(QStringLiteral("\\s+at \\(eval \\d+\\) line \\d+\\.?$"));
+    message.remove(where);
+    return message.trimmed();
 }
 
 } // namespace GrepPrefetch

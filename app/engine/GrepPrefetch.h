@@ -12,4 +12,9 @@ namespace GrepPrefetch {
 
 NameComposer::GrepReplace replacementFor(const RenameSettings &settings, const QStringList &names);
 
+// Why the rule's GREP search and replace cannot run, as Perl says it in
+// one line ("Unmatched ( in regex; ..."); empty when it runs or the rule
+// does no GREP search.
+QString patternError(const RenameSettings &settings);
+
 } // namespace GrepPrefetch

@@ -28,9 +28,11 @@ binmode STDIN; binmode STDOUT;
 my $output = '';
 open(my $capture, '>', \$output) or die;
 my %compiled;
+my $why = '';
 sub run_sandboxed {
     local $@;
     eval "package Sandbox;\n#line 1\n" . $_[0];
+    $why = $@;
     return $@ ? 1 : 0;
 }
 # The composer's programs differ only in their text. When the text cannot
@@ -50,12 +52,12 @@ sub run_substitution {
     my $code = $compiled{$key};
     unless ($code) {
         local $@;
-        $code = eval "package Sandbox;\nsub { \$x = \$_[0]; \$x =~ s/$pattern/$replacement/g$flags; print \$x; }";
-        return 1 unless $code;
+        $code = eval "package Sandbox;\n#line 1\nsub { \$x = \$_[0]; \$x =~ s/$pattern/$replacement/g$flags; print \$x; }";
+        $why = $@, return 1 unless $code;
         $compiled{$key} = $code;
     }
     local $@;
-    eval { $code->($text); 1 } or return 1;
+    eval { $code->($text); 1 } or do { $why = $@; return 1 };
     return 0;
 }
 # Requests are read in blocks and answered in blocks: everything that has
@@ -86,6 +88,8 @@ sub serve {
                 undef %Sandbox::;
             }
             select($previous);
+            # A failed program answers why, in Perl's words.
+            $output = $why if $failed;
             $out .= "$failed " . length($output) . "\n" . $output;
         }
         return if length($in) && $in !~ /\A\d*\z/ && $in !~ /\A\d+\n/;
@@ -211,7 +215,21 @@ std::optional<QByteArray> PerlWorker::run(const QByteArray &program)
     return runAll({program}).front();
 }
 
+std::optional<QByteArray> PerlWorker::failureOf(const QByteArray &program)
+{
+    std::vector<QByteArray> failures(1);
+    if (runAll({program}, &failures).front())
+        return std::nullopt;
+    return failures.front().isEmpty() ? QByteArray("Perl gave no answer in time") : failures.front();
+}
+
 std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByteArray> &programs)
+{
+    return runAll(programs, nullptr);
+}
+
+std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByteArray> &programs,
+                                                          std::vector<QByteArray> *failures)
 {
     std::lock_guard guard(m_lock);
     static const bool sigpipeIgnored = [] { return signal(SIGPIPE, SIG_IGN) != SIG_ERR; }();
@@ -219,7 +237,7 @@ std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByt
     std::vector<std::optional<QByteArray>> results(programs.size());
     size_t next = 0;
     while (next < programs.size()) {
-        const Progress progress = exchange(programs, next, programs.size(), results);
+        const Progress progress = exchange(programs, next, programs.size(), results, failures);
         if (!progress.started)
             break; // no perl to run them: they all fail
         next = progress.answered;
@@ -230,7 +248,7 @@ std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByt
         // only the runaway one fails.
         const size_t window = std::max(progress.sent, next + 1);
         for (; next < window; ++next)
-            exchange(programs, next, next + 1, results);
+            exchange(programs, next, next + 1, results, failures);
     }
     return results;
 }
@@ -239,7 +257,8 @@ std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByt
 // On a timeout or a broken worker it stops the worker and says how far the
 // answers and the sending got.
 PerlWorker::Progress PerlWorker::exchange(const std::vector<QByteArray> &programs, size_t first, size_t last,
-                                          std::vector<std::optional<QByteArray>> &results)
+                                          std::vector<std::optional<QByteArray>> &results,
+                                          std::vector<QByteArray> *failures)
 {
     if (m_pid < 0 && !start())
         return {false, first, first};
@@ -261,6 +280,8 @@ PerlWorker::Progress PerlWorker::exchange(const std::vector<QByteArray> &program
             }
             if (response->ok)
                 results[answered] = response->output;
+            else if (failures)
+                (*failures)[answered] = response->output;
             ++answered;
             deadline = now() + m_timeoutMs;
         }

@@ -23,6 +23,9 @@ public:
     // Many programs at once, sent while earlier answers come back: a batch
     // costs the programs' own time, not a round trip each.
     std::vector<std::optional<QByteArray>> runAll(const std::vector<QByteArray> &programs);
+    // Why the program fails, in Perl's words (a pattern that does not
+    // compile, a program that runs too long); nullopt when it runs.
+    std::optional<QByteArray> failureOf(const QByteArray &program);
 
     // The one worker of this process.
     static PerlWorker &shared();
@@ -41,8 +44,10 @@ private:
         size_t answered; // programs before this one have their answers
         size_t sent;     // programs before this one were sent whole
     };
+    std::vector<std::optional<QByteArray>> runAll(const std::vector<QByteArray> &programs,
+                                                  std::vector<QByteArray> *failures);
     Progress exchange(const std::vector<QByteArray> &programs, size_t first, size_t last,
-                      std::vector<std::optional<QByteArray>> &results);
+                      std::vector<std::optional<QByteArray>> &results, std::vector<QByteArray> *failures);
 
     int m_timeoutMs;
     pid_t m_pid = -1;

@@ -150,9 +150,11 @@ TEST(MainWindow, APersonListsRenamesAndUndoes)
     EXPECT_EQ(column(FileTableModel::New),
               QStringList({"Trip 1 IMG_9.jpg", "Trip 2 IMG_10.jpg", "Trip 3 IMG_100.jpg", "Trip 4 notes.txt"}));
     const FileTableModel &model = application->fileTableDataSource();
+    // A new name cut to fit its column is whole in the tooltip, after the
+    // reason it cannot be given, if there is one.
     EXPECT_EQ(model.data(model.index(3, FileTableModel::New), Qt::ToolTipRole).toString(),
-              "a file named \"Trip 4 notes.txt\" is already there");
-    EXPECT_FALSE(model.data(model.index(0, FileTableModel::New), Qt::ToolTipRole).isValid());
+              "a file named \"Trip 4 notes.txt\" is already there\nTrip 4 notes.txt");
+    EXPECT_EQ(model.data(model.index(0, FileTableModel::New), Qt::ToolTipRole).toString(), "Trip 1 IMG_9.jpg");
     EXPECT_EQ(model.data(model.index(0, FileTableModel::Size), Qt::DisplayRole).toString(), "9 B");
     screenshot(QStringLiteral("main-window-preview.png"));
 
@@ -274,7 +276,7 @@ TEST(MainWindow, ANewNameWithASlashIsAConflictAndAHiddenOneAWarning)
     QTest::keyClicks(prefix, QStringLiteral("."));
     ASSERT_TRUE(waitFor([&] { return table.conflictAt(1).isEmpty() && !table.warningAt(1).isEmpty(); }));
     EXPECT_EQ(table.data(table.index(1, FileTableModel::New), Qt::ToolTipRole).toString(),
-              "the new name starts with \".\": the item will be hidden");
+              "the new name starts with \".\": the item will be hidden\n.b.jpg");
     screenshot(QStringLiteral("main-window-hidden-warning.png"));
     prefix->clear();
     EXPECT_NO_SURPRISES();

@@ -89,13 +89,16 @@ TEST_F(SafeMoves, EveryRowIsCheckedBeforeAnythingMoves)
 
 TEST_F(SafeMoves, NamesThatMaySurpriseAreWarnedAboutAndStillGiven)
 {
-    ASSERT_TRUE(tree.makeAll({"a", "b", "c", ".d"}));
-    const auto report = mover.apply(moves({{"a", ".a"}, {"b", " b"}, {"c", "c "}, {".d", ".e"}}));
-    EXPECT_EQ(statuses(report.outcomes), QList<S>(4, S::Renamed));
+    ASSERT_TRUE(tree.makeAll({"a", "b", "c", ".d", "e", "f\tg"}));
+    const auto report =
+        mover.apply(moves({{"a", ".a"}, {"b", " b"}, {"c", "c "}, {".d", ".e"}, {"e", "e\nx"}, {"f\tg", "f\tgh"}}));
+    EXPECT_EQ(statuses(report.outcomes), QList<S>(6, S::Renamed));
     EXPECT_EQ(report.outcomes[0].warning, "the new name starts with \".\": the item will be hidden");
     EXPECT_EQ(report.outcomes[1].warning, "the new name starts with a space");
     EXPECT_EQ(report.outcomes[2].warning, "the new name ends with a space");
     EXPECT_EQ(report.outcomes[3].warning, "") << "it was hidden already";
+    EXPECT_EQ(report.outcomes[4].warning, "the new name holds a control character (a tab, a line break or the like)");
+    EXPECT_EQ(report.outcomes[5].warning, "") << "it held one already";
 }
 
 TEST_F(SafeMoves, RelativePathsAreResolvedSoUndoWorksFromAnywhere)
