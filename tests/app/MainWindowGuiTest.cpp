@@ -1,7 +1,7 @@
 // The window as a person uses it, on a private X server: list a folder,
 // type a prefix, see the preview and the new names, rename, undo.
 
-#include "MainScript.h"
+#include "WindowDriver.h"
 #include "MethodTable.h"
 #include "RZApplication.h"
 #include "BatchObserver.h"
@@ -27,91 +27,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-RZApplication *application = nullptr;
-MainScript *script = nullptr;
-QTemporaryDir *home = nullptr;
-
-bool waitFor(const std::function<bool()> &condition, int milliseconds = 5000)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > milliseconds)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
-
-template <typename T>
-T *control(const char *name)
-{
-    return qobject_cast<T *>(application->outlet(QString::fromLatin1(name)));
-}
-
-QStringList namesIn(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
-}
-
-QStringList column(int column)
-{
-    QStringList values;
-    const FileTableModel &model = application->fileTableDataSource();
-    for (int row = 0; row < model.rowCount(); ++row)
-        values.append(model.data(model.index(row, column), Qt::DisplayRole).toString());
-    return values;
-}
-
-// Dialogs the window shows: the next question is answered with the button
-// of that title; any other dialog is recorded and closed.
-QString pendingAnswer;
-QStringList unexpectedDialogs;
-
-void answerNextQuestion(const QString &button)
-{
-    pendingAnswer = button;
-}
-
-void watchDialogs()
-{
-    auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-    if (!box)
-        return;
-    for (QAbstractButton *choice : box->buttons())
-        if (!pendingAnswer.isEmpty() && choice->text() == pendingAnswer) {
-            pendingAnswer.clear();
-            choice->click();
-            return;
-        }
-    unexpectedDialogs.append(box->text() + QStringLiteral(": ") + box->informativeText());
-    box->reject();
-}
-
-#define EXPECT_NO_SURPRISES()                                                                                       \
-    do {                                                                                                             \
-        EXPECT_TRUE(script->errors().isEmpty()) << script->errors().join(u'\n').toStdString();                     \
-        EXPECT_TRUE(unexpectedDialogs.isEmpty()) << unexpectedDialogs.join(u'\n').toStdString();                   \
-        unexpectedDialogs.clear();                                                                                  \
-    } while (false)
-
-void screenshot(const QString &name)
-{
-    const QString shots = QString::fromLocal8Bit(qgetenv("NOMEN_SCREENSHOT_DIR"));
-    QCoreApplication::processEvents(); // pending layouts first
-    if (!shots.isEmpty() && QDir().mkpath(shots))
-        application->window()->grab().save(shots + u'/' + name);
-}
-
-void makeFiles(const QString &folder, const QStringList &names)
-{
-    for (const QString &name : names) {
-        QFile file(folder + u'/' + name);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(name.toUtf8());
-    }
-}
 
 TEST(MainWindow, APersonListsRenamesAndUndoes)
 {

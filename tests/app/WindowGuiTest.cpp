@@ -1,0 +1,385 @@
+// The window's finer points, driven with real pointer and key input on the
+// private X server: reordering rows by dragging, tokens from a menu, Undo
+// Rename from any field, the rule controls that go together, a pattern
+// that does not compile, the layout at two widths, and the progress panel.
+
+#include "FileTableView.h"
+#include "WindowDriver.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QScrollBar>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+
+namespace {
+
+// Pointer input through the X server, as a mouse gives it: a drag started
+// this way runs the toolkit's whole drag and drop.
+class Pointer {
+public:
+    Pointer() : m_display(XOpenDisplay(nullptr)) {}
+    ~Pointer()
+    {
+        if (m_display)
+            XCloseDisplay(m_display);
+    }
+    bool usable() const { return m_display != nullptr; }
+    void moveTo(const QWidget *widget, QPoint point)
+    {
+        const QPoint global = widget->mapToGlobal(point);
+        XTestFakeMotionEvent(m_display, -1, global.x(), global.y(), CurrentTime);
+        XFlush(m_display);
+    }
+    void button(bool down)
+    {
+        XTestFakeButtonEvent(m_display, 1, down, CurrentTime);
+        XFlush(m_display);
+    }
+
+private:
+    Display *m_display;
+};
+
+// Steps done one after another from a timer, so they go on inside the
+// event loops a drag or a menu runs of their own.
+bool perform(const std::vector<std::function<void()>> &steps, int intervalMs = 60)
+{
+    size_t next = 0;
+    QTimer timer;
+    timer.setInterval(intervalMs);
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (next < steps.size())
+            steps[next++]();
+    });
+    timer.start();
+    return waitFor([&] { return next == steps.size(); }, 15000);
+}
+
+FileTableView *fileTable()
+{
+    return control<FileTableView>("fileTable");
+}
+
+void listFolder(const QString &path)
+{
+    control<QLineEdit>("source_folder")->setText(path);
+    script->handle(QStringLiteral("clicked"), QStringLiteral("source_folder"));
+}
+
+void showWindowAt(int width)
+{
+    QWidget *window = application->window();
+    window->show();
+    window->resize(width, 860);
+    QApplication::setActiveWindow(window);
+    waitFor([window, width] { return window->isActiveWindow() && window->width() == width; }, 2000);
+    QCoreApplication::processEvents();
+}
+
+// Each test starts from the plain rule, whatever earlier tests left.
+class Window : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (const char *field : {"prefix", "suffix", "search_1", "replace_1", "extension"})
+            control<QLineEdit>(field)->setText(QString()); // and no edit to undo
+        for (const char *field : {"trim_start", "trim_end"})
+            control<QLineEdit>(field)->setText(QStringLiteral("0"));
+        for (const char *box : {"change_case", "orig_strip_diacriticals", "descend", "folder_rows"})
+            control<QAbstractButton>(box)->setChecked(false);
+        control<QAbstractButton>("inc_original_name")->setChecked(true);
+        control<QAbstractButton>("snr_type_1_0")->setChecked(true);
+        control<QAbstractButton>("extension_matrix_0")->setChecked(true);
+    }
+};
+
+TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAgain)
+{
+    Pointer pointer;
+    ASSERT_TRUE(pointer.usable());
+    QTemporaryDir folder;
+    QStringList names;
+    for (int i = 1; i <= 20; ++i)
+        names.append(QStringLiteral("f%1.txt").arg(i));
+    makeFiles(folder.path(), names);
+    showWindowAt(1060);
+    control<QLineEdit>("prefix")->setText(QStringLiteral("n«#» "));
+    listFolder(folder.path());
+    ASSERT_EQ(column(FileTableModel::Original).mid(0, 4), QStringList({"f1.txt", "f2.txt", "f3.txt", "f4.txt"}));
+    FileTableView *table = fileTable();
+    table->scrollToTop();
+
+    // Row 8 (f8.txt) pressed, dragged, and let go a little below the top
+    // of row 3, well inside the row: it lands above row 3.
+    const int from = 7;
+    const auto centre = [table](int row) { return QPoint(120, table->rowViewportPosition(row) + table->rowHeight(row) / 2); };
+    const QPoint target(120, table->rowViewportPosition(2) + table->rowHeight(2) / 4);
+    int lineDuringDrag = -2;
+    QWidget *viewport = table->viewport();
+    ASSERT_TRUE(perform({
+        [&] { pointer.moveTo(viewport, centre(from)); },
+        [&] { pointer.button(true); },
+        [&] { pointer.moveTo(viewport, centre(from) + QPoint(0, -8)); },
+        [&] { pointer.moveTo(viewport, centre(from) + QPoint(0, -30)); },
+        [&] { pointer.moveTo(viewport, target + QPoint(0, 6)); },
+        [&] { pointer.moveTo(viewport, target); },
+        [&] { pointer.moveTo(viewport, target); },
+        [&] {
+            lineDuringDrag = table->shownDropRow();
+            screenshot(QStringLiteral("window-dragging-a-row.png"));
+        },
+        [&] { pointer.button(false); },
+    }));
+    ASSERT_TRUE(waitFor([] { return column(FileTableModel::Original).value(2) == QLatin1String("f8.txt"); }));
+    EXPECT_EQ(lineDuringDrag, 2) << "the line shows where the row will land";
+    EXPECT_EQ(table->shownDropRow(), -1);
+    EXPECT_EQ(column(FileTableModel::Original).mid(0, 9),
+              QStringList({"f1.txt", "f2.txt", "f8.txt", "f3.txt", "f4.txt", "f5.txt", "f6.txt", "f7.txt", "f9.txt"}));
+    // Counters follow the new order at once.
+    waitFor([] { return column(FileTableModel::New).value(2) == QLatin1String("n03 f8.txt"); });
+    EXPECT_EQ(column(FileTableModel::New).value(2), "n03 f8.txt");
+    EXPECT_EQ(column(FileTableModel::New).value(3), "n04 f3.txt");
+    EXPECT_FALSE(table->horizontalHeader()->isSortIndicatorShown()) << "the rows are in no column's order";
+    EXPECT_TRUE(table->selectionModel()->isRowSelected(2)) << "the moved row stays selected";
+
+    table->scrollToBottom();
+    QCoreApplication::processEvents();
+    const int last = table->model()->rowCount() - 1;
+    // The lower half of the last row: below it, which is the end.
+    const QPoint below(120, table->rowViewportPosition(last) + table->rowHeight(last) * 3 / 4);
+    ASSERT_TRUE(perform({
+        [&] { pointer.moveTo(viewport, centre(last - 1)); },
+        [&] { pointer.button(true); },
+        [&] { pointer.moveTo(viewport, centre(last - 1) + QPoint(0, 12)); },
+        [&] { pointer.moveTo(viewport, below); },
+        [&] { pointer.moveTo(viewport, below); },
+        [&] { pointer.button(false); },
+    }));
+    ASSERT_TRUE(waitFor([] { return column(FileTableModel::Original).last() != QLatin1String("f20.txt"); }));
+    EXPECT_EQ(column(FileTableModel::Original).mid(18), QStringList({"f20.txt", "f19.txt"}));
+
+    // The next listing, of this folder or another, is in natural name order,
+    // shown at its top.
+    table->scrollToBottom();
+    QTest::keyClick(application->window(), Qt::Key_F5);
+    EXPECT_EQ(column(FileTableModel::Original).mid(0, 4), QStringList({"f1.txt", "f2.txt", "f3.txt", "f4.txt"}));
+    EXPECT_TRUE(table->horizontalHeader()->isSortIndicatorShown());
+    EXPECT_EQ(table->horizontalHeader()->sortIndicatorSection(), int(FileTableModel::Original));
+    EXPECT_EQ(table->verticalScrollBar()->value(), 0);
+    control<QLineEdit>("prefix")->clear();
+    EXPECT_NO_SURPRISES();
+}
+
+TEST_F(Window, UndoRenameAnswersItsShortcutWhereverFocusIsUnlessAFieldHasItsOwnEdit)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"a.txt", "b.txt"});
+    showWindowAt(1060);
+    listFolder(folder.path());
+    auto *prefix = control<QLineEdit>("prefix");
+    const auto renameAndUndoFrom = [&](QWidget *focus) {
+        prefix->setText(QStringLiteral("x_"));
+        script->handle(QStringLiteral("clicked"), QStringLiteral("rename"));
+        EXPECT_EQ(namesIn(folder.path()), QStringList({"x_a.txt", "x_b.txt"}));
+        focus->setFocus();
+        if (auto *field = qobject_cast<QLineEdit *>(focus))
+            field->selectAll(); // as the folder field is left after a listing
+        QTest::keyClick(focus, Qt::Key_Z, Qt::ControlModifier);
+        return namesIn(folder.path());
+    };
+    for (const char *name : {"source_folder", "prefix", "search_1", "trim_start", "fileTable", "preview_name"})
+        EXPECT_EQ(renameAndUndoFrom(control<QWidget>(name)), QStringList({"a.txt", "b.txt"})) << name;
+
+    // A field with a typed edit undoes that edit first.
+    prefix->setText(QStringLiteral("x_"));
+    script->handle(QStringLiteral("clicked"), QStringLiteral("rename"));
+    auto *suffix = control<QLineEdit>("suffix");
+    suffix->setFocus();
+    QTest::keyClicks(suffix, QStringLiteral("q"));
+    QTest::keyClick(suffix, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(suffix->text(), "");
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"x_a.txt", "x_b.txt"}));
+    QTest::keyClick(suffix, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"a.txt", "b.txt"}));
+    prefix->clear();
+    EXPECT_NO_SURPRISES();
+}
+
+TEST_F(Window, ChoosingACaseTurnsCaseChangeOnAndConsiderCaseOnlyServesGrep)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"Photo.jpg"});
+    showWindowAt(1060);
+    listFolder(folder.path());
+    auto *changeCase = control<QAbstractButton>("change_case");
+    changeCase->setChecked(false);
+    auto *popup = control<QComboBox>("the_case");
+    popup->setCurrentIndex(0);
+    popup->setFocus();
+    QTest::keyClick(popup, Qt::Key_Down); // "lowercase", chosen from the keyboard
+    EXPECT_TRUE(changeCase->isChecked());
+    EXPECT_EQ(control<QLineEdit>("preview_name")->text(), "photo.jpg");
+
+    auto *considerCase = control<QAbstractButton>("snr_consider_case_1");
+    auto *literal = control<QAbstractButton>("snr_type_1_0");
+    auto *grep = control<QAbstractButton>("snr_type_1_1");
+    QTest::mouseClick(literal, Qt::LeftButton, {}, QPoint(4, literal->height() / 2));
+    EXPECT_FALSE(considerCase->isEnabled());
+    QTest::mouseClick(grep, Qt::LeftButton, {}, QPoint(4, grep->height() / 2));
+    EXPECT_TRUE(considerCase->isEnabled());
+    QTest::mouseClick(literal, Qt::LeftButton, {}, QPoint(4, literal->height() / 2));
+    changeCase->setChecked(false);
+    script->handle(QStringLiteral("clicked"), QStringLiteral("change_case"));
+    EXPECT_NO_SURPRISES();
+}
+
+TEST_F(Window, AGrepPatternThatDoesNotCompileSaysWhyBesideTheField)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"IMG_1.jpg"});
+    showWindowAt(1060);
+    listFolder(folder.path());
+    auto *grep = control<QAbstractButton>("snr_type_1_1");
+    QTest::mouseClick(grep, Qt::LeftButton, {}, QPoint(4, grep->height() / 2));
+    auto *search = control<QLineEdit>("search_1");
+    auto *message = control<QLabel>("snr_error_1");
+    search->setFocus();
+    QTest::keyClicks(search, QStringLiteral("IMG_(\\d"));
+    ASSERT_TRUE(waitFor([message] { return message->isVisible(); }));
+    EXPECT_TRUE(message->text().startsWith(QLatin1String("Missing right paren in regex")) ||
+                message->text().startsWith(QLatin1String("Unmatched ( in regex")))
+        << message->text().toStdString();
+    EXPECT_FALSE(message->text().contains(u'\n'));
+    EXPECT_FALSE(message->text().contains(QLatin1String("(eval"))) << "where in our own program is no help";
+    EXPECT_NE(search->findChild<QAction *>(QStringLiteral("pattern_error_mark")), nullptr) << "the field is marked";
+    screenshot(QStringLiteral("window-bad-pattern.png"));
+
+    QTest::keyClicks(search, QStringLiteral(")"));
+    ASSERT_TRUE(waitFor([message] { return !message->isVisible(); }));
+    EXPECT_EQ(search->findChild<QAction *>(QStringLiteral("pattern_error_mark")), nullptr);
+    search->clear();
+    auto *literal = control<QAbstractButton>("snr_type_1_0");
+    QTest::mouseClick(literal, Qt::LeftButton, {}, QPoint(4, literal->height() / 2));
+    EXPECT_NO_SURPRISES();
+}
+
+TEST_F(Window, TheTokenMenuPutsATokenAtTheCursor)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"a.jpg"});
+    showWindowAt(1060);
+    listFolder(folder.path());
+    auto *prefix = control<QLineEdit>("prefix");
+    prefix->setText(QStringLiteral("Trip  "));
+    prefix->setCursorPosition(5);
+    auto *button = control<QToolButton>("prefix_tokens");
+    QMenu *menu = button->menu();
+    ASSERT_NE(menu, nullptr);
+    QStringList offered;
+    // The menu runs a loop of its own: it is read, shown and answered from
+    // inside it, with the keyboard.
+    QTimer::singleShot(300, [&] {
+        for (QAction *action : menu->actions())
+            if (!action->isSeparator())
+                offered.append(action->text());
+        screenshotOfScreen(QStringLiteral("window-token-menu.png"));
+        QTest::keyClick(menu, Qt::Key_Down); // the first item: the counter
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    QTest::mouseClick(button, Qt::LeftButton);
+    ASSERT_TRUE(waitFor([prefix] { return prefix->text() != QLatin1String("Trip  "); }));
+    EXPECT_EQ(prefix->text(), "Trip «#» ");
+    EXPECT_EQ(control<QLineEdit>("preview_name")->text(), "Trip 1 a.jpg") << "the preview follows as for typing";
+    EXPECT_TRUE(offered.contains(QStringLiteral("Folder name\t«ƒ»")));
+    EXPECT_TRUE(offered.contains(QStringLiteral("«YYYY-MM-DD»"))) << offered.join(u'|').toStdString();
+    EXPECT_TRUE(offered.contains(QStringLiteral("Date in a format of your own…")));
+    prefix->clear();
+    EXPECT_NO_SURPRISES();
+}
+
+// Every label sits beside the control it names, at a narrow and a wide
+// width; cut names are whole in their tooltips; the location column says
+// nothing when every row shares it and is shown when rows differ.
+TEST_F(Window, LabelsStayByTheirControlsAtAnyWidth)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"a long name that the name column cuts short somewhere in its middle.jpg"});
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("sub")));
+    makeFiles(folder.path() + QStringLiteral("/sub"), {"b.jpg"});
+    listFolder(folder.path());
+    EXPECT_TRUE(fileTable()->isColumnHidden(FileTableModel::Location));
+    for (const int width : {900, 1600}) {
+        showWindowAt(width);
+        for (QLabel *label : application->window()->findChildren<QLabel *>()) {
+            QWidget *buddy = label->buddy();
+            if (!buddy || !label->isVisible())
+                continue;
+            const QRect labelBox(label->mapTo(application->window(), QPoint()), label->size());
+            const QRect controlBox(buddy->mapTo(application->window(), QPoint()), buddy->size());
+            const QString which = label->text() + QStringLiteral(" at ") + QString::number(width);
+            EXPECT_LE(std::abs(labelBox.center().y() - controlBox.center().y()), 3) << which.toStdString();
+            EXPECT_GE(controlBox.left(), labelBox.right()) << which.toStdString();
+            EXPECT_LE(controlBox.left() - labelBox.right(), label->fontMetrics().averageCharWidth() * 12)
+                << which.toStdString();
+        }
+        screenshot(QStringLiteral("window-%1-wide.png").arg(width));
+    }
+    control<QAbstractButton>("descend")->setChecked(true);
+    script->handle(QStringLiteral("clicked"), QStringLiteral("descend"));
+    EXPECT_FALSE(fileTable()->isColumnHidden(FileTableModel::Location));
+    control<QAbstractButton>("descend")->setChecked(false);
+    showWindowAt(1060);
+    EXPECT_NO_SURPRISES();
+}
+
+// During a long rename the progress panel stands where the status line
+// was, with its two lines; afterwards the status line is back.
+TEST_F(Window, TheProgressPanelShowsOnlyWhileWorkRuns)
+{
+    QTemporaryDir folder;
+    QStringList names;
+    for (int i = 0; i < 4000; ++i)
+        names.append(QStringLiteral("scan %1.tif").arg(i));
+    makeFiles(folder.path(), names);
+    showWindowAt(1060);
+    QWidget *panel = control<QWidget>("progress_panel");
+    QWidget *status = control<QWidget>("status_line");
+    listFolder(folder.path());
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_TRUE(status->isVisible());
+    control<QLineEdit>("prefix")->setText(QStringLiteral("Box 3 "));
+    QStringList seen;
+    QTimer during;
+    QObject::connect(&during, &QTimer::timeout, [&] {
+        if (!panel->isVisible() || !seen.isEmpty())
+            return;
+        seen = {control<QLabel>("progress_label_super")->text(), control<QLabel>("progress_label")->text(),
+                status->isVisible() ? QStringLiteral("status shown") : QStringLiteral("status hidden")};
+        screenshot(QStringLiteral("window-long-rename.png"));
+    });
+    during.start(5);
+    script->handle(QStringLiteral("clicked"), QStringLiteral("rename"));
+    during.stop();
+    ASSERT_EQ(seen.size(), 3) << "the panel was never seen";
+    EXPECT_FALSE(seen[0].isEmpty());
+    EXPECT_EQ(seen[2], "status hidden");
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_TRUE(status->isVisible());
+    EXPECT_EQ(status->property("text").toString(), "4000 files renamed");
+    control<QLineEdit>("prefix")->clear();
+    EXPECT_NO_SURPRISES();
+}
+
+} // namespace
