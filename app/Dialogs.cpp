@@ -1,7 +1,7 @@
 #include "Dialogs.h"
 
 #include <QFileDialog>
-#include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -18,9 +18,9 @@ void fitToText(QMessageBox &box, const QString &title, const QString &text)
     for (const QString &line : text.split(u'\n'))
         widest = std::max(widest, metrics.horizontalAdvance(line));
     const int width = std::min(widest, metrics.averageCharWidth() * 70);
-    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
-        grid->addItem(new QSpacerItem(width, 0, QSizePolicy::Minimum, QSizePolicy::Fixed), grid->rowCount(), 1, 1,
-                      grid->columnCount() - 1);
+    for (QLabel *label : box.findChildren<QLabel *>())
+        if (label->objectName() == QLatin1String("qt_msgbox_informativelabel"))
+            label->setMinimumWidth(width + 2 * metrics.averageCharWidth());
 }
 
 void show(QWidget *window, QMessageBox::Icon icon, const QString &title, const QString &text)

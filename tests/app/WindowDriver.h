@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <functional>
+#include <utility>
 #include <gtest/gtest.h>
 
 class QTemporaryDir;
@@ -57,6 +58,8 @@ inline QStringList column(int column)
 // Dialogs the window shows: the next question is answered with the button
 // of that title; any other dialog is recorded and closed.
 inline QString pendingAnswer;
+// Looks at the next dialog before it is answered or closed.
+inline std::function<void(QMessageBox *)> inspectNextDialog;
 inline QStringList unexpectedDialogs;
 
 inline void answerNextQuestion(const QString &button)
@@ -69,6 +72,12 @@ inline void watchDialogs()
     auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
     if (!box)
         return;
+    if (inspectNextDialog) {
+        const auto inspect = std::exchange(inspectNextDialog, nullptr);
+        inspect(box);
+        if (!box->isVisible())
+            return;
+    }
     for (QAbstractButton *choice : box->buttons())
         if (!pendingAnswer.isEmpty() && choice->text() == pendingAnswer) {
             pendingAnswer.clear();

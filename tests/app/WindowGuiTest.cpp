@@ -4,6 +4,7 @@
 // that does not compile, the layout at two widths, and the progress panel.
 
 #include "FileTableView.h"
+#include "OutletValues.h"
 #include "WindowDriver.h"
 
 #include <QAction>
@@ -12,8 +13,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QScrollBar>
+#include <QSettings>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -341,6 +344,46 @@ TEST_F(Window, LabelsStayByTheirControlsAtAnyWidth)
     EXPECT_FALSE(fileTable()->isColumnHidden(FileTableModel::Location));
     control<QAbstractButton>("descend")->setChecked(false);
     showWindowAt(1060);
+    EXPECT_NO_SURPRISES();
+}
+
+TEST_F(Window, ColumnWidthsComeBackInTheNextRun)
+{
+    QHeaderView *header = fileTable()->horizontalHeader();
+    header->resizeSection(FileTableModel::Original, 333);
+    script->handle(QStringLiteral("willQuit"), QVariant());
+    header->resizeSection(FileTableModel::Original, 100);
+    OutletValues::restoreState(application->window(), QSettings());
+    EXPECT_EQ(header->sectionSize(FileTableModel::Original), 333);
+    EXPECT_EQ(header->sectionResizeMode(FileTableModel::Original), QHeaderView::Interactive) << "the user can resize it";
+    EXPECT_NO_SURPRISES();
+}
+
+// A failure is told with the critical icon, its text on as few lines as a
+// readable width allows.
+TEST_F(Window, AFailureIsToldInABoxSizedToItsText)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"same.txt"});
+    showWindowAt(1060);
+    listFolder(folder.path());
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    int informativeLines = 0;
+    inspectNextDialog = [&](QMessageBox *box) {
+        icon = box->icon();
+        for (QLabel *label : box->findChildren<QLabel *>())
+            if (label->text() == box->informativeText())
+                informativeLines = label->fontMetrics()
+                                       .boundingRect(QRect(0, 0, label->contentsRect().width(), 10000), Qt::TextWordWrap,
+                                                     label->text())
+                                       .height()
+                                   / label->fontMetrics().lineSpacing();
+        screenshotOfScreen(QStringLiteral("window-failure-message.png"));
+        box->accept();
+    };
+    script->handle(QStringLiteral("clicked"), QStringLiteral("rename")); // the names would not change
+    EXPECT_EQ(icon, QMessageBox::Critical);
+    EXPECT_EQ(informativeLines, 1) << "\"The new names are the same as the old ones.\" fits on one line";
     EXPECT_NO_SURPRISES();
 }
 
