@@ -54,5 +54,6 @@ void registerDesktopMethods(MethodRegistry &registry)
     addClassMethod(registry, Misc, QStringLiteral("setStartupItem:"), &M::setStartupItem);
 
     registerFileItemMethods(registry);
+    registerTextShapingMethods(registry);
     installKeyEventTracking();
 }

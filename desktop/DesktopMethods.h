@@ -6,3 +6,6 @@ class MethodRegistry;
 void registerDesktopMethods(MethodRegistry &registry);
 // Paths, file items, type tests, introspection and colours.
 void registerFileItemMethods(MethodRegistry &registry);
+// Text measured in fonts, colours, captions and HTML read as text, on the
+// string class.
+void registerTextShapingMethods(MethodRegistry &registry);

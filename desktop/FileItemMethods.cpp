@@ -22,10 +22,10 @@ void registerPaths(MethodRegistry &registry)
     const QString NSString = QStringLiteral("NSString");
     NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("pathHFS"), &ROZ_PathConversion::pathHFS);
     NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("pathPOSIX"), &ROZ_PathConversion::pathPOSIX);
-    // Aliases and file references have no Linux equivalent: they report
-    // failure as nil, and a reference is left unset.
-    for (const QString &selector : {QStringLiteral("alias"), QStringLiteral("aliasData"), QStringLiteral("fsRef")})
-        registry.addInstanceMethod(NSString, selector, [](Invocation &) { return QVariant(); });
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("alias"), &ROZ_PathConversion::alias);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("aliasData"), &ROZ_PathConversion::aliasData);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("fsRef"), &ROZ_PathConversion::fsRef);
+    // No reference is ever set, so none names a path.
     registry.addClassMethod(NSString, QStringLiteral("stringWithFSRef:"), [](Invocation &) { return QVariant(); });
 }
 

@@ -144,3 +144,29 @@ QString pathPOSIX(const QString &self)
 }
 
 } // namespace ROZ_PathConversion
+
+namespace ROZ_PathConversion {
+
+std::optional<QByteArray> aliasData(const QString &self)
+{
+    const QByteArray path = PathCodec::encode(pathPOSIX(self));
+    struct stat status;
+    if (path.isEmpty() || lstat(path.constData(), &status) != 0)
+        return std::nullopt;
+    return path;
+}
+
+std::optional<Descriptor> alias(const QString &self)
+{
+    const std::optional<QByteArray> record = aliasData(self);
+    if (!record)
+        return std::nullopt;
+    return Descriptor(fourCharCode("alis"), *record);
+}
+
+QByteArray fsRef(const QString &)
+{
+    return QByteArray(80, '\0');
+}
+
+} // namespace ROZ_PathConversion

@@ -130,6 +130,11 @@ T convert(const QVariant &value, int index)
         if (isNil(value) || value.typeId() == QMetaType::QString)
             return CharacterSet::fromCharacters(value.toString());
         throw WrongType{index, QStringLiteral("a character set"), kindOf(value)};
+    } else if constexpr (QMetaTypeId2<T>::Defined) {
+        // A value class of ours comes as itself.
+        if (value.metaType() == QMetaType::fromType<T>())
+            return value.value<T>();
+        throw WrongType{index, QStringLiteral("a ") + QString::fromLatin1(QMetaType::fromType<T>().name()), kindOf(value)};
     } else {
         static_assert(sizeof(T) == 0, "no conversion to this parameter type");
     }

@@ -1,5 +1,6 @@
 #include "ScriptCoertions.h"
 
+#include "PathCodec.h"
 #include "SystemLog.h"
 #include "TextRange.h"
 
@@ -209,6 +210,12 @@ QVariant stringWithAEDesc(const Descriptor &descriptor)
     return text.isNull() ? QVariant() : QVariant(text);
 }
 
+// An alias record here is the item's path bytes.
+QVariant pathWithAlias(const Descriptor &descriptor)
+{
+    return PathCodec::decode(descriptor.data());
+}
+
 QVariant nullWithAEDesc(const Descriptor &)
 {
     return QVariant::fromValue(nullptr);
@@ -271,6 +278,7 @@ void ConversionTable::reset()
     registerConversionSubroutine(&dictionaryWithAEDesc, {fourCharCode("reco"), 0});
     registerConversionSubroutine(&dateWithAEDesc, {fourCharCode("ldt "), 0});
     registerConversionSubroutine(&nullWithAEDesc, {fourCharCode("null"), 0});
+    registerConversionSubroutine(&pathWithAlias, {fourCharCode("alis"), 0});
 }
 
 void ConversionTable::registerConversionSubroutine(const Converter &converter, const QList<FourCharCode> &types)

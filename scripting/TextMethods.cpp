@@ -104,9 +104,24 @@ void registerTextMethods(MethodRegistry &registry)
     addClassMethod(registry, NSCharacterSetClass, QStringLiteral("newlineCharacterSet"),
                    +[] { return newlineCharacterSet(); });
 
-    // The size column's formatter, as the script can call it.
-    addClassMethod(registry, QStringLiteral("ROZ_ByteFormatter"), QStringLiteral("stringForObjectValue:"),
+    // The size column's formatter, as the script can call it. Reading a
+    // text back answers [YES, number] or [NO, error text]: a script has no
+    // out-pointers to pass.
+    const QString formatter = QStringLiteral("ROZ_ByteFormatter");
+    addClassMethod(registry, formatter, QStringLiteral("stringForObjectValue:"),
                    +[](const QVariant &object) { return ROZ_ByteFormatter::stringForObjectValue(object); });
+    addClassMethod(registry, formatter, QStringLiteral("getObjectValue:forString:errorDescription:"),
+                   +[](const QVariant &, const QString &text, const QVariant &) {
+                       const ROZ_ByteFormatter::Parsed parsed = ROZ_ByteFormatter::getObjectValueForString(text);
+                       return parsed.value ? QVariantList{true, *parsed.value} : QVariantList{false, parsed.errorDescription};
+                   });
+    addClassMethod(registry, formatter, QStringLiteral("attributedStringForObjectValue:withDefaultAttributes:"),
+                   &ROZ_ByteFormatter::attributedStringForObjectValue);
+    registry.addValueClass(QMetaType::fromType<AttributedString>(), QStringLiteral("NSAttributedString"));
+    addInstanceMethod(registry, QStringLiteral("NSAttributedString"), QStringLiteral("string"),
+                      +[](const AttributedString &self) { return self.string; });
+    addInstanceMethod(registry, QStringLiteral("NSAttributedString"), QStringLiteral("attributes"),
+                      +[](const AttributedString &self) { return self.attributes; });
 
     // Case, cleaning and trimming.
     addInstanceMethod(registry, NSString, QStringLiteral("log"), &ROZ_NSStringAdditions::log);
@@ -150,6 +165,27 @@ void registerTextMethods(MethodRegistry &registry)
     addInstanceMethod(registry, NSString, QStringLiteral("grep:options:"), &grep);
     registry.addInstanceMethod(NSString, QStringLiteral("substringsMatchingRegularExpression:count:options:ranges:error:"),
                                &substringsMatching);
+
+    // Escaping and encoding.
+    addInstanceMethod(registry, NSString, QStringLiteral("quotedForm"), &quotedForm);
+    addInstanceMethod(registry, NSString, QStringLiteral("addQuoteEscapes"), &addQuoteEscapes);
+    addInstanceMethod(registry, NSString, QStringLiteral("removeQuoteEscapes"), &removeQuoteEscapes);
+    addInstanceMethod(registry, NSString, QStringLiteral("addPercentEscapes"), &addPercentEscapes);
+    addInstanceMethod(registry, NSString, QStringLiteral("prepForURL"), &prepForURL);
+    addInstanceMethod(registry, NSString, QStringLiteral("removePercentEscapes"), &removePercentEscapes);
+    addInstanceMethod(registry, NSString, QStringLiteral("decodeURLString"), &decodeURLString);
+    addInstanceMethod(registry, NSString, QStringLiteral("safeForXML"), &safeForXML);
+    addInstanceMethod(registry, NSString, QStringLiteral("convertToHex"), &convertToHex);
+    addInstanceMethod(registry, NSString, QStringLiteral("convertFromHex"), &convertFromHex);
+    addInstanceMethod(registry, NSString, QStringLiteral("isValidURL"), &isValidURL);
+    addClassMethod(registry, NSString, QStringLiteral("uuidString"), &uuidString);
+
+    // Shaping by characters.
+    addInstanceMethod(registry, NSString, QStringLiteral("wrapToLength:"), &wrapToLength);
+    addInstanceMethod(registry, NSString, QStringLiteral("truncateStringToMaxCharacters:"), &truncateStringToMaxCharacters);
+    addClassMethod(registry, NSString, QStringLiteral("ordinalStringForInt:"), &ordinalStringForInt);
+    addClassMethod(registry, NSString, QStringLiteral("pluralStringForCount:zero:singluar:plural:"), &pluralStringForCount);
+    addInstanceMethod(registry, NSString, QStringLiteral("checksum"), &checksum);
 
     // Sorting and dictionaries.
     addInstanceMethod(registry, NSString, QStringLiteral("stringAsNumberSort:"), &ROZ_NSStringAdditions::stringAsNumberSort);

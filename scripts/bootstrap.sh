@@ -13,6 +13,7 @@ packages=(
   xvfb xauth libx11-dev libxtst-dev
   clang libclang-rt-14-dev
   rename
+  fonts-dejavu-core libespeak-ng-dev espeak-ng-data
 )
 
 missing=()

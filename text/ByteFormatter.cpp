@@ -36,9 +36,14 @@ Parsed getObjectValueForString(const QString &text)
     for (const auto &[key, scale] : scales) {
         const QString suffix = u' ' + unit(key);
         if (text.endsWith(suffix))
-            return {ROZ_NSStringAdditions::desuffix(text, suffix).toFloat() * scale, {}};
+            return {ROZ_NSDictionaryAdditions::floatValue(ROZ_NSStringAdditions::desuffix(text, suffix)) * scale, {}};
     }
-    return {std::nullopt, QCoreApplication::translate("", "Couldn't find unit designation")};
+    return {std::nullopt, QCoreApplication::translate("ui", "Couldn't find unit designation")};
+}
+
+AttributedString attributedStringForObjectValue(const QVariant &object, const QVariantMap &attributes)
+{
+    return {stringForObjectValue(object), attributes};
 }
 
 } // namespace ROZ_ByteFormatter

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "AttributedString.h"
+
 #include <QString>
 #include <QVariant>
 #include <optional>
@@ -22,5 +24,8 @@ struct Parsed {
     QString errorDescription;
 };
 Parsed getObjectValueForString(const QString &text);
+
+// The display text with the given attributes over all of it.
+AttributedString attributedStringForObjectValue(const QVariant &object, const QVariantMap &attributes);
 
 } // namespace ROZ_ByteFormatter

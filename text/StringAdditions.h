@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 #include <optional>
 
 // String operations the rename engine and the main script apply to names.
@@ -75,5 +76,29 @@ std::optional<QStringList> substringsMatchingRegularExpression(const QString &se
                                                                int count, int options,
                                                                QList<TextRange> *ranges,
                                                                std::optional<ErrorInfo> *error);
+
+// Escaping and encoding for the places text is handed on to: a shell word
+// inside a script string, a quoted script string, a web request, XML,
+// hexadecimal; and reading percent escapes, URL text and hex back.
+QString quotedForm(const QString &self);
+QString addQuoteEscapes(const QString &self);
+QString removeQuoteEscapes(const QString &self);
+QString addPercentEscapes(const QString &self);
+QString prepForURL(const QString &self);
+std::optional<QString> removePercentEscapes(const QString &self); // nullopt: malformed, or not UTF-8
+QString decodeURLString(const QString &self);
+QString safeForXML(const QString &self);
+QString convertToHex(const QString &self);
+QString convertFromHex(const QString &self);
+bool isValidURL(const QString &self);
+QString uuidString();
+
+// Shaping by characters: wrapping to a line length, cutting to a count,
+// ordinals, plurals and a checksum.
+QString wrapToLength(const QString &self, quint32 length);
+QString truncateStringToMaxCharacters(const QString &self, qint32 count);
+QString ordinalStringForInt(qint32 n);
+QVariant pluralStringForCount(qint32 count, const QVariant &zero, const QVariant &singular, const QVariant &plural);
+quint32 checksum(const QString &self);
 
 } // namespace ROZ_NSStringAdditions

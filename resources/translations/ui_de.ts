@@ -13,6 +13,15 @@
     <message><source>«DD-MM-YYYY»</source><translation>«TT-MM-JJJJ»</translation></message>
     <message><source>«DD-MM-YY»</source><translation>«TT-MM-JJ»</translation></message>
     <message><source>«DD-MM»</source><translation>«TT-MM»</translation></message>
+    <message><source>B</source><translation>Byte</translation></message>
+    <message><source>KB</source><translation>KB</translation></message>
+    <message><source>MB</source><translation>MB</translation></message>
+    <message><source>GB</source><translation>GB</translation></message>
+    <message><source>Couldn't find unit designation</source><translation>Keine Maßeinheit gefunden</translation></message>
+    <message><source>Counter</source><translation>Zähler</translation></message>
+    <message><source>Folder name</source><translation>Ordnername</translation></message>
+    <message><source>Date</source><translation>Datum</translation></message>
+    <message><source>Date in a format of your own…</source><translation>Datum in eigenem Format…</translation></message>
     <message><source>sample_original_name</source><translation>Beispielname.jpg</translation></message>
 </context>
 </TS>

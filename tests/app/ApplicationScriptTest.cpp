@@ -27,6 +27,26 @@ QString nomenScript(const QString &script, const QString &language = QStringLite
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
+// Read back through the bridge, the formatter answers [YES, number] or
+// [NO, error text], in the units of the user's language.
+TEST(ApplicationScript, TheByteFormatterReadsBackInTheUsersUnits)
+{
+    const QString script = QStringLiteral(R"JS(
+        var f = "ROZ_ByteFormatter", r = [];
+        r.push(callClassMethod(f, "stringForObjectValue:", [12]));
+        ["1.5 KB", "12 Byte", "12 B", "12B"].forEach(function (text) {
+            r.push(callClassMethod(f, "getObjectValue:forString:errorDescription:", [null, text, null]));
+        });
+        var styled = callClassMethod(f, "attributedStringForObjectValue:withDefaultAttributes:", [1536, {"NSFont": "x"}]);
+        r.push(callMethod(styled, "string", []), callMethod(styled, "attributes", []));
+        print(JSON.stringify(r));
+    )JS");
+    EXPECT_EQ(nomenScript(script).trimmed(),
+              R"(["12 B",[true,1536],[false,"Couldn't find unit designation"],[true,12],[false,"Couldn't find unit designation"],"1.5 KB",{"NSFont":"x"}])");
+    EXPECT_EQ(nomenScript(script, QStringLiteral("de_DE.UTF-8")).trimmed(),
+              R"(["12 Byte",[true,1536],[true,12],[false,"Keine Maßeinheit gefunden"],[false,"Keine Maßeinheit gefunden"],"1.5 KB",{"NSFont":"x"}])");
+}
+
 TEST(ApplicationScript, EverySelectorByName)
 {
     const QString out = nomenScript(QStringLiteral(R"JS(

@@ -226,9 +226,9 @@ TEST(ObjectConversion, StructuredValuesBecomeNumberLists)
 TEST(ObjectConversion, UnknownObjectsBecomeTheirDescriptionAndUnknownTypesStayDescriptors)
 {
     EXPECT_EQ(aeDescriptorValue(QByteArray("\x01\x02\x03\x04\x05", 5)).stringValue(), QStringLiteral("<01020304 05>"));
-    const Descriptor alias(fourCharCode("alis"), QByteArray("opaque"));
-    EXPECT_EQ(objCObjectValue(alias).value<Descriptor>(), alias);
-    EXPECT_EQ(aeDescriptorValue(QVariant::fromValue(alias)), alias);
+    const Descriptor spec(fourCharCode("fss "), QByteArray("opaque"));
+    EXPECT_EQ(objCObjectValue(spec).value<Descriptor>(), spec);
+    EXPECT_EQ(aeDescriptorValue(QVariant::fromValue(spec)), spec);
 }
 
 TEST(ObjectConversion, FailedCoercionsGiveEmptyCollections)

@@ -91,6 +91,16 @@ const QList<ClassSelectors> scriptSelectors = {
       "returnStartupItem", "setStartupItem:"}},
     {"files", MethodKind::Instance, "NSString", {"pathHFS", "pathPOSIX", "alias", "aliasData", "fsRef", "stringAsNumberSort:"}},
     {"files", MethodKind::Class, "NSString", {"stringWithFSRef:"}},
+    {"text", MethodKind::Instance, "NSString",
+     {"quotedForm", "addQuoteEscapes", "removeQuoteEscapes", "addPercentEscapes", "prepForURL", "removePercentEscapes",
+      "decodeURLString", "convertHTMLEntities", "flattenHTML", "safeForXML", "convertToHex", "convertFromHex",
+      "isValidURL", "wrapToLength:", "truncateStringToMaxCharacters:", "truncateString:andAttributes:",
+      "truncatePathString:andAttributes:", "checksum", "phonemes", "color", "hoverAttributedStringOfSize:"}},
+    {"text", MethodKind::Class, "NSString",
+     {"uuidString", "ordinalStringForInt:", "pluralStringForCount:zero:singluar:plural:"}},
+    {"text", MethodKind::Class, "ROZ_ByteFormatter",
+     {"stringForObjectValue:", "getObjectValue:forString:errorDescription:",
+      "attributedStringForObjectValue:withDefaultAttributes:"}},
     {"files", MethodKind::Instance, "NSDictionary",
      {"setBool:forKey:", "setInteger:forKey:", "setUnsignedInteger:forKey:", "setFloat:forKey:", "setColor:forKey:",
       "stringForKey:", "dateForKey:", "boolForKey:", "integerForKey:", "floatForKey:", "uintForKey:", "colorForKey:",
@@ -211,7 +221,10 @@ TEST(NomenScript, AnswersEveryFileItemSelectorByName)
         function show(selector, value) { out.push(selector + " " + JSON.stringify(value).split(D).join("DIR")); }
         function misc(selector, params) { show(selector, callClassMethod(M, selector, params)); }
         show("pathHFS", callMethod(callMethod(f, "pathHFS"), "pathPOSIX"));
-        ["alias", "aliasData", "fsRef"].forEach(function (s) { show(s, callMethod(f, s)); });
+        // An alias record is the path's bytes; a file reference is never set.
+        show("alias", [callMethod(callMethod(f, "alias"), "objCObjectValue"), callMethod(f + "-gone", "alias")]);
+        show("aliasData", [callMethod(f, "aliasData").byteLength === f.length, callMethod(f + "-gone", "aliasData")]);
+        show("fsRef", new Uint8Array(callMethod(f, "fsRef")).filter(function (b) { return b === 0; }).length);
         show("stringWithFSRef:", callClassMethod("NSString", "stringWithFSRef:", [null]));
         show("stringAsNumberSort:", callMethod("file2", "stringAsNumberSort:", ["file10"]));
         var d = {};

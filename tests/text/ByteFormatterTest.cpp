@@ -29,3 +29,4 @@ TEST(ByteFormatter, ReadsBackOnlyTextsEndingInASpaceAndAUnit)
         EXPECT_EQ(parsed.errorDescription, "Couldn't find unit designation");
     }
 }
+
