@@ -10,6 +10,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -309,6 +310,40 @@ TEST_F(Window, TheTokenMenuPutsATokenAtTheCursor)
     EXPECT_TRUE(offered.contains(QStringLiteral("«YYYY-MM-DD»"))) << offered.join(u'|').toStdString();
     EXPECT_TRUE(offered.contains(QStringLiteral("Date in a format of your own…")));
     prefix->clear();
+    EXPECT_NO_SURPRISES();
+}
+
+TEST_F(Window, ADateInAFormatOfYourOwnIsAskedForAndInserted)
+{
+    QTemporaryDir folder;
+    makeFiles(folder.path(), {"a.jpg"});
+    showWindowAt(1060);
+    listFolder(folder.path());
+    auto *suffix = control<QLineEdit>("suffix");
+    suffix->setText(QStringLiteral("_"));
+    suffix->setCursorPosition(1);
+    QAction *ownFormat = nullptr;
+    for (QAction *action : control<QToolButton>("suffix_tokens")->menu()->actions())
+        if (action->text().startsWith(QLatin1String("Date in a format")))
+            ownFormat = action;
+    ASSERT_NE(ownFormat, nullptr);
+    QString asked;
+    QTimer::singleShot(200, [&] {
+        auto *dialog = qobject_cast<QInputDialog *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        asked = dialog->textValue();
+        dialog->setTextValue(QStringLiteral("%d.%m.%Y"));
+        dialog->accept();
+    });
+    const QDate before = QDate::currentDate();
+    ownFormat->trigger();
+    EXPECT_EQ(asked, "%Y-%m-%d") << "a format to start from";
+    EXPECT_EQ(suffix->text(), "_«date %d.%m.%Y»");
+    const QString preview = control<QLineEdit>("preview_name")->text();
+    EXPECT_TRUE(preview == QStringLiteral("a_%1.jpg").arg(before.toString(QStringLiteral("dd.MM.yyyy")))
+                || preview == QStringLiteral("a_%1.jpg").arg(QDate::currentDate().toString(QStringLiteral("dd.MM.yyyy"))))
+        << preview.toStdString() << " (the day may turn while the test runs)";
     EXPECT_NO_SURPRISES();
 }
 
