@@ -8,7 +8,6 @@
 #include "RZApplication.h"
 #include "ScriptHost.h"
 
-#include <QDir>
 #include <QFile>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -34,7 +33,8 @@ void ensureRuntimeDirectory()
 {
     if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
         return;
-    const QByteArray directory = QDir::tempPath().toLocal8Bit() + "/runtime-" + QByteArray::number(getuid());
+    const QByteArray temporary = qgetenv("TMPDIR");
+    const QByteArray directory = (temporary.isEmpty() ? QByteArray("/tmp") : temporary) + "/runtime-" + QByteArray::number(getuid());
     mkdir(directory.constData(), 0700);
     struct stat info;
     if (stat(directory.constData(), &info) == 0 && info.st_uid == getuid() && (info.st_mode & 0777) == 0700)

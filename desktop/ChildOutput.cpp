@@ -19,7 +19,7 @@ ChildOutput ChildOutput::read(const QString &launchPath, const QStringList &argu
         child.launchError = errno;
         return child;
     }
-    const SpawnArguments words(launchPath.toLocal8Bit(), arguments);
+    const SpawnArguments words(launchPath, arguments);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);

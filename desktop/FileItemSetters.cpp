@@ -1,5 +1,6 @@
 #include "MiscMethods.h"
 #include "PathCodec.h"
+#include "SpawnArguments.h"
 
 #include "FileMoves.h"
 #include "FileStatus.h"
@@ -47,15 +48,9 @@ bool runAsAdministrator(const QStringList &command)
     const QString pkexec = QStandardPaths::findExecutable(QStringLiteral("pkexec"));
     if (pkexec.isEmpty())
         return false;
-    std::vector<QByteArray> bytes = {PathCodec::encode(pkexec)};
-    for (const QString &word : command)
-        bytes.push_back(word.toLocal8Bit());
-    std::vector<char *> argv;
-    for (QByteArray &word : bytes)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
+    const SpawnArguments words(pkexec, command);
     pid_t pid = -1;
-    if (posix_spawn(&pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0)
+    if (posix_spawn(&pid, words.program(), nullptr, nullptr, words.argv(), environ) != 0)
         return false;
     int status = 0;
     while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
@@ -65,8 +60,8 @@ bool runAsAdministrator(const QStringList &command)
 
 bool setOwnership(const QString &path, const QString &owner, const QString &group)
 {
-    const passwd *user = getpwnam(owner.toLocal8Bit().constData());
-    const struct group *team = getgrnam(group.toLocal8Bit().constData());
+    const passwd *user = getpwnam(PathCodec::encode(owner).constData());
+    const struct group *team = getgrnam(PathCodec::encode(group).constData());
     if (user && team && chown(PathCodec::encode(path).constData(), user->pw_uid, team->gr_gid) == 0)
         return true;
     return runAsAdministrator({QStringLiteral("chown"), owner + u':' + group, path});

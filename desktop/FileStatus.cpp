@@ -88,7 +88,7 @@ QString ownerName(uid_t uid)
     if (const auto found = names.constFind(uid); found != names.constEnd())
         return *found;
     const passwd *entry = getpwuid(uid);
-    return names[uid] = entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(uid);
+    return names[uid] = entry ? PathCodec::decode(entry->pw_name) : QString::number(uid);
 }
 
 QString groupName(gid_t gid)
@@ -99,7 +99,7 @@ QString groupName(gid_t gid)
     if (const auto found = names.constFind(gid); found != names.constEnd())
         return *found;
     const group *entry = getgrgid(gid);
-    return names[gid] = entry ? QString::fromLocal8Bit(entry->gr_name) : QString::number(gid);
+    return names[gid] = entry ? PathCodec::decode(entry->gr_name) : QString::number(gid);
 }
 
 std::optional<Flags> flags(const QString &path)

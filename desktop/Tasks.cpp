@@ -1,6 +1,7 @@
 #include "MiscMethods.h"
 
 #include "NamedException.h"
+#include "PathCodec.h"
 #include "SpawnArguments.h"
 #include "StringAdditions.h"
 #include "SystemLog.h"
@@ -56,17 +57,17 @@ struct Pipe {
 pid_t launch(const QString &launchPath, const QStringList &arguments, const QString &directory, Pipe &input,
              Pipe &output)
 {
-    const QByteArray path = launchPath.toLocal8Bit();
+    const QByteArray path = PathCodec::encode(launchPath);
     if (path.isEmpty() || access(path.constData(), X_OK) != 0)
         throw NamedException(NSInvalidArgumentException,
                              QStringLiteral("launch path not accessible: %1: %2")
                                  .arg(launchPath, QString::fromLocal8Bit(strerror(path.isEmpty() ? ENOENT : errno))));
-    const QByteArray cwd = directory.toLocal8Bit();
+    const QByteArray cwd = PathCodec::encode(directory);
     if (access(cwd.constData(), X_OK) != 0)
         throw NamedException(NSInvalidArgumentException,
                              QStringLiteral("working directory doesn't exist: %1").arg(directory));
 
-    const SpawnArguments words(path, arguments);
+    const SpawnArguments words(launchPath, arguments);
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "PathCodec.h"
 #include "PathConversion.h"
 #include "TestPrinting.h"
 
@@ -281,6 +282,19 @@ TEST_F(AdministratorFallback, AFailedChangeAsksForAdministratorRights)
     EXPECT_EQ(asked(), QStringLiteral("chown no-such-user:%1 %2\n").arg(group, file));
     qputenv("PKEXEC_STATUS", "126"); // the prompt was cancelled
     EXPECT_FALSE(M::setItemGroup(file, QStringLiteral("no-such-group")));
+}
+
+TEST_F(AdministratorFallback, APathThatIsNotUtf8ReachesTheHelperByteForByte)
+{
+    const QByteArray name = QFile::encodeName(dir.path()) + "/caf\xe9";
+    const int made = ::open(name.constData(), O_CREAT | O_WRONLY, 0600);
+    ASSERT_GE(made, 0);
+    ::close(made);
+    const QString path = PathCodec::decode(name);
+    EXPECT_TRUE(M::setItemOwner(path, QStringLiteral("no-such-user")));
+    QFile logged(log);
+    ASSERT_TRUE(logged.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(logged.readAll().endsWith(" " + name + "\n"));
 }
 
 TEST_F(AdministratorFallback, PermissionsChangeDirectlyWhenTheyCan)

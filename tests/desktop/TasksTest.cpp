@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "PathCodec.h"
 #include "TestPrinting.h"
 
 #include <QCoreApplication>
@@ -7,6 +8,7 @@
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <QFile>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -55,6 +57,24 @@ TEST(RunTask, BlankWorkingDirectoryMeansTheCurrentOne)
               QDir(here).canonicalPath());
     EXPECT_EQ(run(QStringLiteral("/bin/pwd"), QStringList{"-P"}, std::nullopt, dir.path()),
               QDir(dir.path()).canonicalPath());
+}
+
+// Paths are bytes: a program, a working directory and an argument whose
+// names are not UTF-8 reach the system unchanged.
+TEST(RunTask, PathsThatAreNotUtf8PassByteForByte)
+{
+    QTemporaryDir dir;
+    const QByteArray odd = QFile::encodeName(dir.path()) + "/caf\xe9 $(x)";
+    ASSERT_EQ(mkdir(odd.constData(), 0700), 0);
+    const QByteArray tool = odd + "/t\xff";
+    ASSERT_EQ(symlink("/bin/sh", tool.constData()), 0);
+    const QString folder = PathCodec::decode(odd);
+    const QString program = PathCodec::decode(tool);
+    // The tool prints the bytes of its working directory and of its argument in hex.
+    const QString shown = run(program, QStringList{"-c", "printf %s \"$(pwd -P)\" | od -An -tx1 | tr -d ' \\n'; echo; printf %s \"$0\" | od -An -tx1 | tr -d ' \\n'",
+                                                   folder + QStringLiteral("/f\u00e9")},
+                              std::nullopt, folder);
+    EXPECT_EQ(shown, QString::fromLatin1((odd.toHex() + "\n" + (odd + "/f\xc3\xa9").toHex())));
 }
 
 TEST(RunTask, LaunchFailuresAnswerAnErrorText)
