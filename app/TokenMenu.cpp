@@ -45,10 +45,7 @@ void attach(QToolButton &button, QLineEdit &field)
             }
         const LocalizedDateTokens tokens = LocalizedDateTokens::fromUiTable();
         QAction *formatted = menu->actions().last();
-        for (const QString *token :
-             {&tokens.YYYY_MM_DD_localized, &tokens.YY_MM_DD_localized, &tokens.MM_DD_YYYY_localized,
-              &tokens.MM_DD_YY_localized, &tokens.MM_DD_localized, &tokens.YYYY_DD_MM_localized, &tokens.YY_DD_MM_localized,
-              &tokens.DD_MM_YYYY_localized, &tokens.DD_MM_YY_localized, &tokens.DD_MM_localized}) {
+        for (const QString *token : tokens.all()) {
             const QString chosen = *token;
             auto *action = new QAction(chosen, menu);
             action->setProperty("dateToken", true);

@@ -15,12 +15,20 @@ namespace {
 
 const QString ellipsis = QString(QChar(0x2026));
 
-float measure(const QString &text, const QVariantMap &attributes)
-{
-    const QVariant font = attributes.value(QStringLiteral("NSFont"));
-    const QFont used = font.metaType() == QMetaType::fromType<QFont>() ? font.value<QFont>() : QGuiApplication::font();
-    return float(QFontMetricsF(used).horizontalAdvance(text));
-}
+// Widths in the font the attributes name, measured as 32-bit floats.
+class Measure {
+public:
+    explicit Measure(const QVariantMap &attributes) : m_metrics(fontOf(attributes)) {}
+    float operator()(const QString &text) const { return float(m_metrics.horizontalAdvance(text)); }
+
+private:
+    static QFont fontOf(const QVariantMap &attributes)
+    {
+        const QVariant font = attributes.value(QStringLiteral("NSFont"));
+        return font.metaType() == QMetaType::fromType<QFont>() ? font.value<QFont>() : QGuiApplication::font();
+    }
+    QFontMetricsF m_metrics;
+};
 
 // The components as a path splits into them: a leading "/" is the first,
 // a trailing "/" the last; empty ones between separators go.
@@ -47,12 +55,13 @@ QString plainTextOfHtml(const QString &html)
 
 QString truncateString(const QString &self, double width, const QVariantMap &attributes)
 {
-    if (ROZ_NSStringAdditions::isBlankString(self) || measure(self, attributes) <= width || self.size() < 3)
+    const Measure measure(attributes);
+    if (ROZ_NSStringAdditions::isBlankString(self) || measure(self) <= width || self.size() < 3)
         return self;
-    const double room = width - measure(ellipsis, attributes);
+    const double room = width - measure(ellipsis);
     qsizetype n = self.size();
     QString current = self;
-    while (measure(current, attributes) > room && n != 0) {
+    while (measure(current) > room && n != 0) {
         --n;
         // No white space is left standing before the ellipsis.
         while (n > 0 && ROZ_NSStringAdditions::allWhitespaceCharacterSet().contains(self[n - 1]))
@@ -64,17 +73,18 @@ QString truncateString(const QString &self, double width, const QVariantMap &att
 
 QString truncatePathString(const QString &self, double width, const QVariantMap &attributes)
 {
-    if (ROZ_NSStringAdditions::isBlankString(self) || measure(self, attributes) <= width)
+    const Measure measure(attributes);
+    if (ROZ_NSStringAdditions::isBlankString(self) || measure(self) <= width)
         return self;
     QStringList components = pathComponents(self);
     // The running width is an estimate: the separators taken out with the
     // components are not subtracted.
-    double total = measure(self, attributes);
-    const double ellipsisWidth = measure(ellipsis, attributes);
+    double total = measure(self);
+    const double ellipsisWidth = measure(ellipsis);
     if (components.size() > 2) {
         qsizetype middle = components.size() / 2;
         while (true) {
-            total -= measure(components[middle], attributes) - ellipsisWidth;
+            total -= measure(components[middle]) - ellipsisWidth;
             components[middle] = ellipsis;
             if (components.size() < 4 || total <= width)
                 break;

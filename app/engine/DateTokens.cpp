@@ -11,10 +11,7 @@ using namespace ROZ_NSStringAdditions;
 LocalizedDateTokens LocalizedDateTokens::fromUiTable()
 {
     LocalizedDateTokens tokens;
-    for (QString *token : {&tokens.YYYY_MM_DD_localized, &tokens.YY_MM_DD_localized, &tokens.MM_DD_YYYY_localized,
-                           &tokens.MM_DD_YY_localized, &tokens.MM_DD_localized, &tokens.YYYY_DD_MM_localized,
-                           &tokens.YY_DD_MM_localized, &tokens.DD_MM_YYYY_localized, &tokens.DD_MM_YY_localized,
-                           &tokens.DD_MM_localized})
+    for (QString *token : allOf(tokens))
         *token = QCoreApplication::translate("ui", token->toUtf8().constData());
     return tokens;
 }
@@ -34,10 +31,7 @@ QString replaceInsertConstants(const QString &text, const QDateTime &date, const
         const QString format = substringFromDelim(result, opening, closing);
         result = snr(result, opening + format + closing, CalendarFormat::format(date, format));
     }
-    const QString *fixed[] = {&tokens.YYYY_MM_DD_localized, &tokens.YY_MM_DD_localized, &tokens.MM_DD_YYYY_localized,
-                              &tokens.MM_DD_YY_localized,   &tokens.MM_DD_localized,    &tokens.YYYY_DD_MM_localized,
-                              &tokens.YY_DD_MM_localized,   &tokens.DD_MM_YYYY_localized, &tokens.DD_MM_YY_localized,
-                              &tokens.DD_MM_localized};
+    const auto fixed = tokens.all();
     // The date's parts are worked out only once a fixed token is there.
     if (std::none_of(std::begin(fixed), std::end(fixed), [&](const QString *token) { return result.contains(*token); }))
         return result;

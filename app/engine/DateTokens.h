@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <array>
 #include <QString>
 #include <QStringList>
 
@@ -21,7 +22,25 @@ struct LocalizedDateTokens {
 
     // Each token looked up in the "ui" string table; a missing entry is the key.
     static LocalizedDateTokens fromUiTable();
+
+    // The ten tokens in the order above.
+    std::array<const QString *, 10> all() const;
+
+private:
+    template <typename Self>
+    static auto allOf(Self &self)
+    {
+        return std::array{&self.YYYY_MM_DD_localized, &self.YY_MM_DD_localized, &self.MM_DD_YYYY_localized,
+                          &self.MM_DD_YY_localized,   &self.MM_DD_localized,    &self.YYYY_DD_MM_localized,
+                          &self.YY_DD_MM_localized,   &self.DD_MM_YYYY_localized, &self.DD_MM_YY_localized,
+                          &self.DD_MM_localized};
+    }
 };
+
+inline std::array<const QString *, 10> LocalizedDateTokens::all() const
+{
+    return allOf(*this);
+}
 
 namespace DateTokens {
 

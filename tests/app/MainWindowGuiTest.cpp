@@ -138,10 +138,7 @@ TEST(MainWindow, FilesDroppedOnTheWindowAreListed)
 TEST(MainWindow, NothingStartsOrChangesInsideALongPass)
 {
     QTemporaryDir folder;
-    QStringList names;
-    for (int i = 0; i < 300; ++i)
-        names.append(QStringLiteral("IMG_%1.jpg").arg(i));
-    makeFiles(folder.path(), names);
+    makeFiles(folder.path(), numberedNames(QStringLiteral("IMG_%1.jpg"), 0, 299));
     auto *prefix = control<QLineEdit>("prefix");
     prefix->setText(QStringLiteral("Trip "));
     prefix->setFocus();

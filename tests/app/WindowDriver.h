@@ -114,6 +114,15 @@ inline void screenshotOfScreen(const QString &name)
             .save(shots + u'/' + name);
 }
 
+// "IMG_%1.jpg" for each number from first to last.
+inline QStringList numberedNames(const QString &pattern, int first, int last)
+{
+    QStringList names;
+    for (int i = first; i <= last; ++i)
+        names.append(pattern.arg(i));
+    return names;
+}
+
 inline void makeFiles(const QString &folder, const QStringList &names)
 {
     for (const QString &name : names) {

@@ -71,6 +71,12 @@ bool perform(const std::vector<std::function<void()>> &steps, int intervalMs = 6
     return waitFor([&] { return next == steps.size(); }, 15000);
 }
 
+// A radio button is clicked on its circle, where a person aims.
+void clickRadio(QAbstractButton *button)
+{
+    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(4, button->height() / 2));
+}
+
 FileTableView *fileTable()
 {
     return control<FileTableView>("fileTable");
@@ -107,20 +113,24 @@ protected:
         control<QAbstractButton>("snr_type_1_0")->setChecked(true);
         control<QAbstractButton>("extension_matrix_0")->setChecked(true);
     }
+
+    // These files in a new folder, listed in the window at its usual width.
+    void listNewFolder(const QStringList &names)
+    {
+        makeFiles(folder.path(), names);
+        showWindowAt(1060);
+        listFolder(folder.path());
+    }
+
+    QTemporaryDir folder;
 };
 
 TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAgain)
 {
     Pointer pointer;
     ASSERT_TRUE(pointer.usable());
-    QTemporaryDir folder;
-    QStringList names;
-    for (int i = 1; i <= 20; ++i)
-        names.append(QStringLiteral("f%1.txt").arg(i));
-    makeFiles(folder.path(), names);
-    showWindowAt(1060);
     control<QLineEdit>("prefix")->setText(QStringLiteral("n«#» "));
-    listFolder(folder.path());
+    listNewFolder(numberedNames(QStringLiteral("f%1.txt"), 1, 20));
     ASSERT_EQ(column(FileTableModel::Original).mid(0, 4), QStringList({"f1.txt", "f2.txt", "f3.txt", "f4.txt"}));
     FileTableView *table = fileTable();
     table->scrollToTop();
@@ -188,10 +198,7 @@ TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAg
 
 TEST_F(Window, UndoRenameAnswersItsShortcutWhereverFocusIsUnlessAFieldHasItsOwnEdit)
 {
-    QTemporaryDir folder;
-    makeFiles(folder.path(), {"a.txt", "b.txt"});
-    showWindowAt(1060);
-    listFolder(folder.path());
+    listNewFolder({"a.txt", "b.txt"});
     auto *prefix = control<QLineEdit>("prefix");
     const auto renameAndUndoFrom = [&](QWidget *focus) {
         prefix->setText(QStringLiteral("x_"));
@@ -223,10 +230,7 @@ TEST_F(Window, UndoRenameAnswersItsShortcutWhereverFocusIsUnlessAFieldHasItsOwnE
 
 TEST_F(Window, ChoosingACaseTurnsCaseChangeOnAndConsiderCaseOnlyServesGrep)
 {
-    QTemporaryDir folder;
-    makeFiles(folder.path(), {"Photo.jpg"});
-    showWindowAt(1060);
-    listFolder(folder.path());
+    listNewFolder({"Photo.jpg"});
     auto *changeCase = control<QAbstractButton>("change_case");
     changeCase->setChecked(false);
     auto *popup = control<QComboBox>("the_case");
@@ -239,11 +243,11 @@ TEST_F(Window, ChoosingACaseTurnsCaseChangeOnAndConsiderCaseOnlyServesGrep)
     auto *considerCase = control<QAbstractButton>("snr_consider_case_1");
     auto *literal = control<QAbstractButton>("snr_type_1_0");
     auto *grep = control<QAbstractButton>("snr_type_1_1");
-    QTest::mouseClick(literal, Qt::LeftButton, {}, QPoint(4, literal->height() / 2));
+    clickRadio(literal);
     EXPECT_FALSE(considerCase->isEnabled());
-    QTest::mouseClick(grep, Qt::LeftButton, {}, QPoint(4, grep->height() / 2));
+    clickRadio(grep);
     EXPECT_TRUE(considerCase->isEnabled());
-    QTest::mouseClick(literal, Qt::LeftButton, {}, QPoint(4, literal->height() / 2));
+    clickRadio(literal);
     changeCase->setChecked(false);
     script->handle(QStringLiteral("clicked"), QStringLiteral("change_case"));
     EXPECT_NO_SURPRISES();
@@ -251,12 +255,9 @@ TEST_F(Window, ChoosingACaseTurnsCaseChangeOnAndConsiderCaseOnlyServesGrep)
 
 TEST_F(Window, AGrepPatternThatDoesNotCompileSaysWhyBesideTheField)
 {
-    QTemporaryDir folder;
-    makeFiles(folder.path(), {"IMG_1.jpg"});
-    showWindowAt(1060);
-    listFolder(folder.path());
+    listNewFolder({"IMG_1.jpg"});
     auto *grep = control<QAbstractButton>("snr_type_1_1");
-    QTest::mouseClick(grep, Qt::LeftButton, {}, QPoint(4, grep->height() / 2));
+    clickRadio(grep);
     auto *search = control<QLineEdit>("search_1");
     auto *message = control<QLabel>("snr_error_1");
     search->setFocus();
@@ -275,16 +276,13 @@ TEST_F(Window, AGrepPatternThatDoesNotCompileSaysWhyBesideTheField)
     EXPECT_EQ(search->findChild<QAction *>(QStringLiteral("pattern_error_mark")), nullptr);
     search->clear();
     auto *literal = control<QAbstractButton>("snr_type_1_0");
-    QTest::mouseClick(literal, Qt::LeftButton, {}, QPoint(4, literal->height() / 2));
+    clickRadio(literal);
     EXPECT_NO_SURPRISES();
 }
 
 TEST_F(Window, TheTokenMenuPutsATokenAtTheCursor)
 {
-    QTemporaryDir folder;
-    makeFiles(folder.path(), {"a.jpg"});
-    showWindowAt(1060);
-    listFolder(folder.path());
+    listNewFolder({"a.jpg"});
     auto *prefix = control<QLineEdit>("prefix");
     prefix->setText(QStringLiteral("Trip  "));
     prefix->setCursorPosition(5);
@@ -315,10 +313,7 @@ TEST_F(Window, TheTokenMenuPutsATokenAtTheCursor)
 
 TEST_F(Window, ADateInAFormatOfYourOwnIsAskedForAndInserted)
 {
-    QTemporaryDir folder;
-    makeFiles(folder.path(), {"a.jpg"});
-    showWindowAt(1060);
-    listFolder(folder.path());
+    listNewFolder({"a.jpg"});
     auto *suffix = control<QLineEdit>("suffix");
     suffix->setText(QStringLiteral("_"));
     suffix->setCursorPosition(1);
@@ -352,7 +347,6 @@ TEST_F(Window, ADateInAFormatOfYourOwnIsAskedForAndInserted)
 // nothing when every row shares it and is shown when rows differ.
 TEST_F(Window, LabelsStayByTheirControlsAtAnyWidth)
 {
-    QTemporaryDir folder;
     makeFiles(folder.path(), {"a long name that the name column cuts short somewhere in its middle.jpg"});
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("sub")));
     makeFiles(folder.path() + QStringLiteral("/sub"), {"b.jpg"});
@@ -398,10 +392,7 @@ TEST_F(Window, ColumnWidthsComeBackInTheNextRun)
 // readable width allows.
 TEST_F(Window, AFailureIsToldInABoxSizedToItsText)
 {
-    QTemporaryDir folder;
-    makeFiles(folder.path(), {"same.txt"});
-    showWindowAt(1060);
-    listFolder(folder.path());
+    listNewFolder({"same.txt"});
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     int informativeLines = 0;
     inspectNextDialog = [&](QMessageBox *box) {
@@ -426,15 +417,9 @@ TEST_F(Window, AFailureIsToldInABoxSizedToItsText)
 // was, with its two lines; afterwards the status line is back.
 TEST_F(Window, TheProgressPanelShowsOnlyWhileWorkRuns)
 {
-    QTemporaryDir folder;
-    QStringList names;
-    for (int i = 0; i < 4000; ++i)
-        names.append(QStringLiteral("scan %1.tif").arg(i));
-    makeFiles(folder.path(), names);
-    showWindowAt(1060);
     QWidget *panel = control<QWidget>("progress_panel");
     QWidget *status = control<QWidget>("status_line");
-    listFolder(folder.path());
+    listNewFolder(numberedNames(QStringLiteral("scan %1.tif"), 0, 3999));
     EXPECT_FALSE(panel->isVisible());
     EXPECT_TRUE(status->isVisible());
     control<QLineEdit>("prefix")->setText(QStringLiteral("Box 3 "));
