@@ -1,5 +1,7 @@
 #include "ApplicationMethods.h"
 
+#include "DefaultsBindings.h"
+
 #include "BatchRenaming.h"
 #include "Dialogs.h"
 #include "OutletValues.h"
@@ -119,6 +121,13 @@ void add(MethodRegistry &registry, const char *selector, Method method)
 
 void registerApplicationMethods(MethodRegistry &registry)
 {
+    registry.addClassMethod(QStringLiteral("ROZ_UserDefaults"), QStringLiteral("updateValue:forKey:"),
+                            [](Invocation &invocation) {
+                                RZApplication *app = RZApplication::instance();
+                                DefaultsBindings::updateValue(app ? app->window() : nullptr, invocation.arguments[0],
+                                                              convert<QString>(invocation.arguments[1], 1));
+                                return QVariant();
+                            });
     add(registry, "getConstantData", [](RZApplication &app, const QVariantList &) {
         app.getConstantData();
         return QVariant();
@@ -295,6 +304,10 @@ void registerApplicationMethods(MethodRegistry &registry)
     });
 
     // The window, as the main script drives it.
+    add(registry, "outlet:", [](RZApplication &app, const QVariantList &args) {
+        QWidget *control = app.outlet(convert<QString>(args[0], 0));
+        return control ? QVariant::fromValue<QObject *>(control) : QVariant();
+    });
     add(registry, "contentsOfOutlet:", [](RZApplication &app, const QVariantList &args) {
         return OutletValues::contentsOf(app.outlet(convert<QString>(args[0], 0)));
     });

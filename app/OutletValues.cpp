@@ -1,5 +1,7 @@
 #include "OutletValues.h"
 
+#include "DefaultsBindings.h"
+
 #include <QComboBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -23,10 +25,12 @@ bool isMatrix(const QWidget *control)
     return !qobject_cast<const QAbstractButton *>(control) && !cellsOf(control).isEmpty();
 }
 
-// Controls whose state is the user's rule or listing choice.
+// Controls whose state is the user's rule or listing choice; one bound to a
+// user default keeps its state there instead.
 bool isRemembered(const QWidget *control)
 {
-    if (control->objectName().isEmpty() || control->objectName().startsWith(QLatin1String("qt_")))
+    if (control->objectName().isEmpty() || control->objectName().startsWith(QLatin1String("qt_"))
+        || DefaultsBindings::isBound(control))
         return false;
     if (const auto *field = qobject_cast<const QLineEdit *>(control))
         return !field->isReadOnly();

@@ -1,4 +1,6 @@
 #include "RZApplication.h"
+#include "ResourceFolder.h"
+#include "DefaultsBindings.h"
 
 #include "BatchPass.h"
 #include "BatchRenaming.h"
@@ -28,10 +30,6 @@
 #include <QThreadPool>
 #include <QToolButton>
 #include <QUrl>
-
-#ifndef NOMEN_RESOURCE_DIR
-#define NOMEN_RESOURCE_DIR ""
-#endif
 
 namespace {
 
@@ -83,8 +81,7 @@ RZApplication *RZApplication::instance()
 
 QString RZApplication::resourceDirectory()
 {
-    const QString configured = QString::fromLocal8Bit(qgetenv("NOMEN_RESOURCES"));
-    return configured.isEmpty() ? QStringLiteral(NOMEN_RESOURCE_DIR) : configured;
+    return ResourceFolder::path();
 }
 
 void RZApplication::init(const MethodRegistry &methods)
@@ -97,6 +94,7 @@ void RZApplication::init(const MethodRegistry &methods)
     m_preview = new PreviewScheduler(*m_engine, *m_table, this);
     m_table->runAside = [this](const std::function<void()> &work) { m_progress->runAside(work); };
     loadInterface();
+    DefaultsBindings::bind(window());
     is104Plus = ROZ_MiscMethods::return104Plus();
     m_perl = loadHelper(methods, QStringLiteral("perl"));
     m_exifInfo = loadHelper(methods, QStringLiteral("exif_info"));

@@ -55,5 +55,6 @@ void registerDesktopMethods(MethodRegistry &registry)
 
     registerFileItemMethods(registry);
     registerTextShapingMethods(registry);
+    registerFontMethods(registry);
     installKeyEventTracking();
 }

@@ -9,3 +9,5 @@ void registerFileItemMethods(MethodRegistry &registry);
 // Text measured in fonts, colours, captions and HTML read as text, on the
 // string class.
 void registerTextShapingMethods(MethodRegistry &registry);
+// The fonts of interface objects and the font database's families.
+void registerFontMethods(MethodRegistry &registry);

@@ -86,6 +86,7 @@ void registerElementsAndIntrospection(MethodRegistry &registry)
     addClassMethod(registry, Misc, QStringLiteral("isThisADictionary:"), &M::isThisADictionary);
     addClassMethod(registry, Misc, QStringLiteral("isThisANumber:"), &M::isThisANumber);
     addClassMethod(registry, Misc, QStringLiteral("isThisADate:"), &M::isThisADate);
+    addClassMethod(registry, Misc, QStringLiteral("dictionaryArrayFromTSVFile:"), &M::dictionaryArrayFromTSVFile);
     addClassMethod(registry, Misc, QStringLiteral("isThisABoolean:"), &M::isThisABoolean);
 
     // These read the method table itself.

@@ -1,4 +1,6 @@
 #include "MiscMethods.h"
+#include "CalendarFormat.h"
+#include "Collections.h"
 #include "PathCodec.h"
 #include "SpawnArguments.h"
 
@@ -9,10 +11,7 @@
 #include "DictionaryAdditions.h"
 
 #include <QFile>
-#include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QStandardPaths>
-#include <QTimeZone>
 #include <fcntl.h>
 #include <grp.h>
 #include <pwd.h>
@@ -71,18 +70,7 @@ bool setOwnership(const QString &path, const QString &owner, const QString &grou
 
 std::optional<QDateTime> ROZ_MiscMethods::dateFromString(const QString &text)
 {
-    static const QRegularExpression form(QStringLiteral(
-        "^\\s*(\\d{4})-(\\d{1,2})-(\\d{1,2}) (\\d{1,2}):(\\d{1,2}):(\\d{1,2}) ([+-])(\\d{2})(\\d{2})\\s*$"));
-    const QRegularExpressionMatch match = form.match(text);
-    if (!match.hasMatch())
-        return std::nullopt;
-    const QDate date(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt());
-    const QTime time(match.captured(4).toInt(), match.captured(5).toInt(), match.captured(6).toInt());
-    if (!date.isValid() || !time.isValid())
-        return std::nullopt;
-    const int offset = (match.captured(8).toInt() * 3600 + match.captured(9).toInt() * 60)
-                       * (match.captured(7) == QLatin1String("-") ? -1 : 1);
-    return QDateTime(date, time, QTimeZone(offset)).toLocalTime();
+    return CalendarFormat::parseDefault(text);
 }
 
 bool ROZ_MiscMethods::setCreationDate(const QString &, const QString &)
@@ -113,15 +101,15 @@ bool ROZ_MiscMethods::setCreationAndModificationDate(const QString &path, const 
 
 QString ROZ_MiscMethods::randomDateString()
 {
-    // The zero hour, minute and second never come up, and no day after the
-    // 28th: kept as it always was.
-    QRandomGenerator *random = QRandomGenerator::global();
-    const int year = random->bounded(2002, 2007);
-    const int month = random->bounded(1, 13);
-    const int day = random->bounded(1, 29);
-    const int hour = random->bounded(1, 24);
-    const int minute = random->bounded(1, 60);
-    const int second = random->bounded(1, 60);
+    // No day after the 28th keeps every month valid; the zero hour, minute
+    // and second are left out on purpose. Drawn in this order.
+    using ROZ_Collections::randomLongFrom;
+    const int year = randomLongFrom(2002, 2006);
+    const int month = randomLongFrom(1, 12);
+    const int day = randomLongFrom(1, 28);
+    const int hour = randomLongFrom(1, 23);
+    const int minute = randomLongFrom(1, 59);
+    const int second = randomLongFrom(1, 59);
     return QString::asprintf("%d-%02d-%02d %02d:%02d:%02d +0600", year, month, day, hour, minute, second);
 }
 

@@ -1,4 +1,6 @@
 #include "MiscMethods.h"
+#include "FileBytes.h"
+#include "TsvTable.h"
 #include "PathCodec.h"
 
 #include "DictionaryAdditions.h"
@@ -43,6 +45,14 @@ QString parentOf(const QString &posix)
 bool ROZ_MiscMethods::itemExists(const QString &path)
 {
     return FileStatus::of(pathPOSIX(path), true).has_value();
+}
+
+QVariant ROZ_MiscMethods::dictionaryArrayFromTSVFile(const QString &path)
+{
+    if (!itemExists(path))
+        return NO;
+    const auto contents = FileBytes::read(pathPOSIX(path));
+    return contents.bytes ? TsvTable::dictionariesFromBytes(*contents.bytes) : QVariantList();
 }
 
 QVariant ROZ_MiscMethods::returnCreationDate(const QString &path)

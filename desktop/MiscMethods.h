@@ -71,6 +71,9 @@ public:
     static bool returnItemIsWritable(const QString &path);
     static std::optional<QStringList> returnFolderContents(const QString &path);
     static QVariantMap returnCompleteFolderContents(const QString &path, bool withInvisibles);
+    // The records of a tab-separated table file; NO when no item is at the
+    // path, no records when it cannot be read as text.
+    static QVariant dictionaryArrayFromTSVFile(const QString &path);
 
     // Setters answer YES on success. Linux keeps no settable creation date,
     // so changes that must set one answer NO.

@@ -1,5 +1,7 @@
 #include "MethodRegistry.h"
 
+#include "ArgumentConversion.h"
+
 #include <stdexcept>
 
 QString MethodRegistry::methodName(MethodKind kind, const QString &className, const QString &selector)
@@ -47,4 +49,32 @@ void MethodRegistry::addValueClass(QMetaType type, const QString &className)
 QString MethodRegistry::valueClassName(QMetaType type) const
 {
     return m_valueClasses.value(type.id());
+}
+
+QString MethodRegistry::classNameOf(const QVariant &value) const
+{
+    switch (value.typeId()) {
+    case QMetaType::QString:
+        return QStringLiteral("NSString");
+    case QMetaType::QDateTime:
+        return QStringLiteral("NSDate");
+    case QMetaType::QVariantList: case QMetaType::QStringList:
+        return QStringLiteral("NSArray");
+    case QMetaType::QVariantMap:
+        return QStringLiteral("NSDictionary");
+    case QMetaType::QByteArray:
+        return QStringLiteral("NSData");
+    case QMetaType::QObjectStar: {
+        const QObject *object = value.value<QObject *>();
+        const QVariant declared = object ? object->property("nomenClassName") : QVariant();
+        return declared.isValid() ? declared.toString()
+                                  : QString::fromLatin1(object ? object->metaObject()->className() : "NSObject");
+    }
+    default:
+        break;
+    }
+    if (ArgumentConversion::isNumber(value) || value.typeId() == QMetaType::Bool)
+        return QStringLiteral("NSNumber");
+    const QString name = valueClassName(value.metaType());
+    return name.isEmpty() ? QString::fromLatin1(value.metaType().name()) : name;
 }

@@ -44,6 +44,10 @@ public:
     // Values of a native type answer the category methods of a class.
     void addValueClass(QMetaType type, const QString &className);
     QString valueClassName(QMetaType type) const;
+    // The class whose instance methods a native value answers: NSString,
+    // NSNumber, NSDate, NSArray, NSDictionary, NSData, a value class, or an
+    // object's declared "nomenClassName" (else its Qt class name).
+    QString classNameOf(const QVariant &value) const;
 
     static qsizetype parameterCount(const QString &selector) { return selector.count(u':'); }
     // "-[NSString snr:replaceWith:]", the way the system names a method.

@@ -26,17 +26,8 @@ QString ScriptBridge::classNameOf(const QJSValue &receiver) const
         return QStringLiteral("NSDate");
     if (receiver.isArray())
         return QStringLiteral("NSArray");
-    if (receiver.isQObject()) {
-        const QObject *object = receiver.toQObject();
-        const QVariant declared = object ? object->property("nomenClassName") : QVariant();
-        return declared.isValid() ? declared.toString()
-                                  : QString::fromLatin1(object ? object->metaObject()->className() : "NSObject");
-    }
-    if (receiver.isVariant()) {
-        const QVariant value = receiver.toVariant();
-        const QString name = m_registry.valueClassName(value.metaType());
-        return name.isEmpty() ? QString::fromLatin1(value.metaType().name()) : name;
-    }
+    if (receiver.isQObject() || receiver.isVariant())
+        return m_registry.classNameOf(JsValues::fromJs(receiver));
     if (JsValues::isArrayBuffer(receiver))
         return QStringLiteral("NSData");
     return QStringLiteral("NSDictionary");

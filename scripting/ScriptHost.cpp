@@ -1,6 +1,7 @@
 #include "ScriptHost.h"
 
 #include "JsonText.h"
+#include "LocaleDates.h"
 
 #include <cstdio>
 
@@ -13,6 +14,17 @@ ScriptHost::ScriptHost(const MethodRegistry &registry) : m_bridge(new ScriptBrid
         })
     )JS"));
     m_engine.globalObject().setProperty(QStringLiteral("print"), installer.call({m_engine.newQObject(this)}));
+    const QJSValue dateReader = m_engine.evaluate(QStringLiteral(R"JS(
+        (function (host) {
+            return function date(text) {
+                var when = host.parseLocalDate(String(text));
+                if (when === undefined || when === null)
+                    throw new Error('Invalid date and time date "' + text + '".');
+                return when;
+            };
+        })
+    )JS"));
+    m_engine.globalObject().setProperty(QStringLiteral("date"), dateReader.call({m_engine.newQObject(this)}));
     QJSEngine::setObjectOwnership(this, QJSEngine::CppOwnership);
     // A function's call reports a thrown value only as its result, so calls
     // go through a guard that tells the two apart.
@@ -71,4 +83,10 @@ void ScriptHost::printValues(const QJSValue &values)
     const QByteArray line = (parts.join(u' ') + u'\n').toUtf8();
     std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
     std::fflush(stdout);
+}
+
+QVariant ScriptHost::parseLocalDate(const QString &text) const
+{
+    const auto when = LocaleDates::parse(text);
+    return when ? QVariant(*when) : QVariant();
 }

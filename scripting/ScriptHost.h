@@ -6,8 +6,9 @@
 #include <QJSEngine>
 #include <optional>
 
-// A script engine with the bridge installed and a print() that writes one
-// line to standard output. Runs program text and reports its completion
+// A script engine with the bridge installed, a print() that writes one
+// line to standard output, and a date(text) that reads a date the way the
+// user's locale writes it (LocaleDates) and throws when the text is none. Runs program text and reports its completion
 // value or its error.
 class ScriptHost : public QObject {
     Q_OBJECT
@@ -35,6 +36,8 @@ public:
     std::optional<QString> printable(const QJSValue &value) const;
 
     Q_INVOKABLE void printValues(const QJSValue &values);
+    // A date as the user's locale writes it; undefined when the text is none.
+    Q_INVOKABLE QVariant parseLocalDate(const QString &text) const;
 
 private:
     Outcome thrown(const QJSValue &value, int line, const QString &fileName) const;

@@ -1,5 +1,9 @@
 #include "ScriptMethods.h"
 
+#include "CollectionMethods.h"
+#include "DateHelpers.h"
+#include "UserDefaults.h"
+
 #include "DataAdditions.h"
 #include "NativeBinding.h"
 #include "ScriptCoertions.h"
@@ -259,6 +263,9 @@ void registerScripts(MethodRegistry &registry)
 
 void registerScriptMethods(MethodRegistry &registry)
 {
+    registerCollectionMethods(registry);
+    registerDateHelperMethods(registry);
+    registerUserDefaultsMethods(registry);
     registerDescriptors(registry);
     registerNumbers(registry);
     registerScripts(registry);

@@ -24,3 +24,6 @@ private:
 inline const QString NSRangeException = QStringLiteral("NSRangeException");
 inline const QString NSInvalidArgumentException = QStringLiteral("NSInvalidArgumentException");
 inline const QString NSGenericException = QStringLiteral("NSGenericException");
+
+// The range fault of an array asked for an index past its end.
+NamedException arrayIndexBeyondBounds(qsizetype index, qsizetype count);

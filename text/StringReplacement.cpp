@@ -20,10 +20,7 @@ QString snrBatch(const QString &self, const QStringList &search, const QStringLi
     QString result = self;
     for (qsizetype i = 0; i < search.size(); ++i) {
         if (i >= replacement.size())
-            throw NamedException(NSRangeException,
-                                 QStringLiteral("*** -[NSArray objectAtIndex:]: index %1 beyond bounds [0 .. %2]")
-                                     .arg(i)
-                                     .arg(replacement.size() - 1));
+            throw arrayIndexBeyondBounds(i, replacement.size());
         result = snr(result, search[i], replacement[i]);
     }
     return result;

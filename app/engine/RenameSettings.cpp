@@ -30,10 +30,7 @@ bool boolValueOf(const QVariant &value)
 void RenameSettings::setConstantData(const QVariantList &e)
 {
     if (e.size() < count)
-        throw NamedException(NSRangeException,
-                             QStringLiteral("*** -[NSArray objectAtIndex:]: index %1 beyond bounds [0 .. %2]")
-                                 .arg(e.size())
-                                 .arg(e.size() - 1));
+        throw arrayIndexBeyondBounds(e.size(), e.size());
     _prefix = e[0].toString();
     _prefix_start_num = intValueOf(e[1]);
     _prefix_ai_counter = intValueOf(e[2]);

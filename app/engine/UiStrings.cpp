@@ -1,5 +1,7 @@
 #include "UiStrings.h"
 
+#include "PathCodec.h"
+
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTranslator>
@@ -14,7 +16,7 @@ void install(QCoreApplication &application)
 {
     // English first, then the user's language over it: a key no table
     // knows answers itself.
-    const QString directory = QString::fromLocal8Bit(qgetenv("NOMEN_TRANSLATIONS"));
+    const QString directory = PathCodec::decode(qgetenv("NOMEN_TRANSLATIONS"));
     const QString from = directory.isEmpty() ? QStringLiteral(NOMEN_TRANSLATIONS_DIR) : directory;
     auto *english = new QTranslator(&application);
     if (english->load(QStringLiteral("ui_en"), from))

@@ -24,4 +24,10 @@
     <message><source>Date in a format of your own…</source><translation>Datum in eigenem Format…</translation></message>
     <message><source>sample_original_name</source><translation>Beispielname.jpg</translation></message>
 </context>
+<context>
+    <name>Localizable</name>
+    <message><source>Today</source><translation>Heute</translation></message>
+    <message><source>Yesterday</source><translation>Gestern</translation></message>
+    <message><source>Tomorrow</source><translation>Morgen</translation></message>
+</context>
 </TS>

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <optional>
 
 // Formats a date with calendar-format directives, with no
 // locale (English names) in the default time zone:
@@ -13,4 +14,9 @@
 //   ("%H:%M:%S"), %% a percent sign. Other text stays as it is.
 namespace CalendarFormat {
 QString format(const QDateTime &date, const QString &format);
+
+// The form a calendar date describes itself in when no format is given.
+inline const QString DefaultFormat = QStringLiteral("%Y-%m-%d %H:%M:%S %z");
+// A text in the default form ("2005-03-14 09:05:00 +0100"), as local time.
+std::optional<QDateTime> parseDefault(const QString &text);
 }

@@ -1,5 +1,6 @@
 #include "CalendarFormat.h"
 
+#include <QRegularExpression>
 #include <QTimeZone>
 
 namespace CalendarFormat {
@@ -96,6 +97,22 @@ QString format(const QDateTime &date, const QString &pattern)
             out += pattern[i];
     }
     return out;
+}
+
+std::optional<QDateTime> parseDefault(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral(
+        "^\\s*(\\d{4})-(\\d{1,2})-(\\d{1,2}) (\\d{1,2}):(\\d{1,2}):(\\d{1,2}) ([+-])(\\d{2})(\\d{2})\\s*$"));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const QDate date(match.captured(1).toInt(), match.captured(2).toInt(), match.captured(3).toInt());
+    const QTime time(match.captured(4).toInt(), match.captured(5).toInt(), match.captured(6).toInt());
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    const int offset = (match.captured(8).toInt() * 3600 + match.captured(9).toInt() * 60)
+                       * (match.captured(7) == QLatin1String("-") ? -1 : 1);
+    return QDateTime(date, time, QTimeZone(offset)).toLocalTime();
 }
 
 } // namespace CalendarFormat

@@ -1,0 +1,7 @@
+#pragma once
+
+class MethodRegistry;
+
+// The whole-list methods of ROZ_MiscMethods (sorting, filters, projections,
+// "ui" strings).
+void registerCollectionMethods(MethodRegistry &registry);
