@@ -8,7 +8,7 @@ packages=(
   build-essential cmake pkg-config ninja-build
   qt6-base-dev qt6-declarative-dev qt6-tools-dev qt6-l10n-tools
   libgl-dev
-  libicu-dev libexiv2-dev perl libplist-dev
+  libicu-dev libexiv2-dev perl libplist-dev tzdata
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth libx11-dev libxtst-dev
   clang libclang-rt-14-dev

@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <vector>
 #include <cstdlib>
 
 namespace ROZ_Collections {
@@ -120,16 +121,32 @@ QVariant returnSomeObjectOfArray(const QVariantList &array)
 
 QVariantList sortDictionaries(const QVariantList &dictionaries, const QStringList &keys)
 {
-    QVariantList list = dictionaries;
-    std::stable_sort(list.begin(), list.end(), [&](const QVariant &a, const QVariant &b) {
-        const QVariantMap left = a.toMap();
-        const QVariantMap right = b.toMap();
+    // One collation key per value, made once, instead of a collation per
+    // comparison.
+    struct Row {
+        qsizetype index;
+        std::vector<QCollatorSortKey> keys;
+    };
+    std::vector<Row> rows;
+    rows.reserve(size_t(dictionaries.size()));
+    for (qsizetype i = 0; i < dictionaries.size(); ++i) {
+        const QVariantMap dictionary = dictionaries[i].toMap();
+        Row row{i, {}};
+        row.keys.reserve(size_t(keys.size()));
         for (const QString &key : keys)
-            if (const int order = SortFunctions::localizedCaseInsensitiveCompare(left.value(key).toString(),
-                                                                                 right.value(key).toString()))
+            row.keys.push_back(SortFunctions::localizedCaseInsensitiveKey(dictionary.value(key).toString()));
+        rows.push_back(std::move(row));
+    }
+    std::stable_sort(rows.begin(), rows.end(), [](const Row &a, const Row &b) {
+        for (size_t k = 0; k < a.keys.size(); ++k)
+            if (const int order = a.keys[k].compare(b.keys[k]))
                 return order < 0;
         return false;
     });
+    QVariantList list;
+    list.reserve(dictionaries.size());
+    for (const Row &row : rows)
+        list.append(dictionaries[row.index]);
     return list;
 }
 

@@ -42,14 +42,28 @@ int sign(int value)
 
 } // namespace
 
-int localizedCaseInsensitiveCompare(const QString &a, const QString &b)
+namespace {
+
+const QCollator &caseInsensitiveCollator()
 {
     static const QCollator collator = [] {
         QCollator made(QLocale::system());
         made.setCaseSensitivity(Qt::CaseInsensitive);
         return made;
     }();
-    return sign(collator.compare(a, b));
+    return collator;
+}
+
+} // namespace
+
+int localizedCaseInsensitiveCompare(const QString &a, const QString &b)
+{
+    return sign(caseInsensitiveCollator().compare(a, b));
+}
+
+QCollatorSortKey localizedCaseInsensitiveKey(const QString &text)
+{
+    return caseInsensitiveCollator().sortKey(text);
 }
 
 int stringAsNumberCompare(const QString &a, const QString &b)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCollatorSortKey>
 #include <QString>
 #include <QVariant>
 
@@ -20,6 +21,9 @@ int numericSort(const QVariant &a, const QVariant &b, const QVariant &context);
 int stringAsNumberSort(const QVariant &a, const QVariant &b, const QVariant &context = {});
 
 int localizedCaseInsensitiveCompare(const QString &a, const QString &b);
+// Keys that compare as localizedCaseInsensitiveCompare compares their
+// strings, for sorting long lists with one key made per string.
+QCollatorSortKey localizedCaseInsensitiveKey(const QString &text);
 int stringAsNumberCompare(const QString &a, const QString &b);
 // The natural order as bytes: two keys compare (as bytes) as their strings
 // do under stringAsNumberCompare, so a long list is sorted with one key

@@ -32,7 +32,8 @@ QVariantList dictionariesFromText(const QString &text)
 QVariantList dictionariesFromBytes(const QByteArray &bytes)
 {
     const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
-    QStringDecoder decoder(encoding);
+    // Stateless: a sequence cut short at the end is an error, not left over.
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
     const QString text = decoder(bytes);
     if (decoder.hasError())
         return {};

@@ -1,8 +1,11 @@
+#include "DefaultsBindings.h"
 #include "MethodTable.h"
+#include "PathCodec.h"
 #include "NamedException.h"
 #include "RZApplication.h"
 #include "RuleForm.h"
 #include "TestPrinting.h"
+#include "UserDefaults.h"
 
 #include <QCheckBox>
 #include <QFile>
@@ -309,11 +312,57 @@ TEST(Batch, ARequestForMoreRowsThanTheTableHoldsIsRefused)
     app().fileTableDataSource().setRows({});
 }
 
+// Controls bound to a default show it on loading, write back what the user
+// puts in, and follow updateValue:forKey: at once; the program's own
+// changes are not written back.
+TEST(Defaults, BoundControlsFollowTheirKeyBothWays)
+{
+    ROZ_UserDefaults::writeDefault("stored", "greeting");
+    ROZ_UserDefaults::writeDefault(true, "flag");
+    QWidget window;
+    auto *field = new QLineEdit(&window);
+    auto *mirror = new QLineEdit(&window);
+    auto *box = new QCheckBox(&window);
+    auto *popup = new QComboBox(&window);
+    auto *loose = new QLineEdit(&window);
+    popup->addItems({"one", "two", "three"});
+    for (QWidget *bound : {static_cast<QWidget *>(field), static_cast<QWidget *>(mirror)})
+        bound->setProperty(DefaultsBindings::KeyProperty, "greeting");
+    box->setProperty(DefaultsBindings::KeyProperty, "flag");
+    popup->setProperty(DefaultsBindings::KeyProperty, "choice");
+    DefaultsBindings::bind(&window);
+    EXPECT_EQ(field->text(), "stored");
+    EXPECT_EQ(mirror->text(), "stored");
+    EXPECT_TRUE(box->isChecked());
+
+    type(field, "!");
+    EXPECT_EQ(ROZ_UserDefaults::readDefault("greeting"), QVariant("stored!"));
+    box->click();
+    EXPECT_EQ(ROZ_UserDefaults::readDefault("flag"), QVariant(false));
+    popup->setCurrentIndex(1);
+    EXPECT_FALSE(ROZ_UserDefaults::defaultExists("choice")) << "a change the program makes is not the user's";
+    emit popup->activated(2);
+    popup->setCurrentIndex(2);
+    emit popup->activated(2);
+    EXPECT_EQ(ROZ_UserDefaults::readDefault("choice"), QVariant("three"));
+
+    DefaultsBindings::updateValue(&window, "from script", "greeting");
+    EXPECT_EQ(field->text(), "from script");
+    EXPECT_EQ(mirror->text(), "from script");
+    EXPECT_EQ(loose->text(), "");
+    EXPECT_EQ(ROZ_UserDefaults::readDefault("greeting"), QVariant("from script"));
+    DefaultsBindings::updateValue(&window, "two", "choice");
+    EXPECT_EQ(popup->currentIndex(), 1);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The user's own settings are never read or written by the tests.
+    QTemporaryDir configuration;
+    qputenv("XDG_CONFIG_HOME", PathCodec::encode(configuration.path()));
     qputenv("LANG", "en_US.UTF-8");
     RZApplication application(argc, argv);
     const MethodRegistry methods = buildMethodTable();

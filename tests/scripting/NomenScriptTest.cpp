@@ -1,3 +1,4 @@
+#include "JsonString.h"
 #include "MethodTable.h"
 #include "TestPrinting.h"
 
@@ -84,6 +85,22 @@ const QList<ClassSelectors> scriptSelectors = {
       "ROZ_ExecuteWithoutTranslationSubroutine:error:withParametersDesc:", "ROZ_HandleASError:"}},
     {"bridge", MethodKind::Class, "NSAppleScript", {"ROZ_subroutinesInScriptFile:", "ROZ_validSubroutinesFromArray:inScriptFile:"}},
     {"bridge", MethodKind::Class, "ROZ_MiscMethods", {"runScript:", "runScriptFile:"}},
+    {"collections", MethodKind::Class, "ROZ_MiscMethods",
+     {"returnAllFonts", "setFont:toFont:", "setSize:toSize:", "returnFontInfo:", "returnKeyValueIndex:forKey:",
+      "reverseArray:", "sortArray:", "sortArrayWithStringsAsNumbers:", "sortArrayWithCleanedStringSort:",
+      "sortArrayRemovingDuplicates:", "batchReturnArrayObject:atIndex:", "returnSomeObjectOfArray:",
+      "randomLongFrom:to:", "sortDictionaries:usingKeys:", "sortDictionariesByCleanedString:usingKey:",
+      "sortDictionariesByDate:usingKey:", "sortDictionariesByNumber:usingKey:", "batchReturnDictionaryObject:forKey:",
+      "batchReturnDictionaries:whoseArrayContains:forKey:", "batchReturnDictionaries:containedIn:forKey:",
+      "batchReturnDictionaries:notContainedIn:forKey:", "batchReturnDictionaries:withObject:forKey:",
+      "batchReturnObjectFromObjects:forKey:", "batchCleanString:forChars:", "uis:", "uisR:replaceWith:",
+      "dictionaryArrayFromTSVFile:", "testDate:", "returnDateFormat:withWeekday:asNumeric:",
+      "makeLocalDate:withMonth:withDay:withYear:withTime:", "relativeDescriptionForDate:withFormat:"}},
+    {"collections", MethodKind::Class, "ROZ_UserDefaults",
+     {"registerDefaults:", "registerDefault:forKey:", "writeDefault:forKey:", "writeArchivedDataDefault:forKey:",
+      "readDefault:", "readArchivedDataDefault:", "defaultExists:", "removeDefault:", "synchronizeDefaults",
+      "updateValue:forKey:", "returnUserCountryCode", "touchBundleDate", "returnPlistValue:",
+      "returnPlistValue:forKey:"}},
     {"desktop", MethodKind::Class, "ROZ_MiscMethods",
      {"runTask:withArguments:onData:atWorkingDirectory:", "returnOSVersion", "return104Plus", "return105Plus",
       "returnHostName", "returnShortUserName", "returnFullUserName", "returnFullUserNameInits",
@@ -147,6 +164,39 @@ TEST(NomenScript, AnswersEverySelectorByName)
         EXPECT_TRUE(run.out.contains(u'\n' + selector + u' ') || run.out.startsWith(selector + u' '))
             << selector.toStdString();
     EXPECT_TRUE(run.err.contains(QStringLiteral("] a (null) b\n"))) << "log writes to the system log";
+}
+
+TEST(NomenScript, AnswersEveryCollectionDateAndDefaultsSelectorByName)
+{
+    QTemporaryDir folder;
+    const QString table = folder.filePath(QStringLiteral("people.tsv"));
+    QFile file(table);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("# who\r\nname\tage\r\nAnn\t31\r\n\r\nBo\n");
+    file.close();
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), folder.path());
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
+    process.setProcessEnvironment(environment);
+    const QString script = readFile(QStringLiteral(NOMEN_TEST_DATA "/collections_and_defaults.js"));
+    process.start(QStringLiteral(NOMEN_SCRIPT_PATH),
+                  {QStringLiteral("-e"), QStringLiteral("var TSV_FILE = %1;\n").arg(JsonString::quoted(table)) + script});
+    ASSERT_TRUE(process.waitForFinished(30000));
+    const QString out = QString::fromUtf8(process.readAllStandardOutput());
+    const QString err = QString::fromUtf8(process.readAllStandardError());
+    ASSERT_EQ(process.exitCode(), 0) << err.toStdString();
+    EXPECT_EQ(out, readFile(QStringLiteral(NOMEN_TEST_DATA "/collections_and_defaults.expected")));
+    for (const ClassSelectors &group : scriptSelectors) {
+        if (QLatin1String(group.subsystem) != QLatin1String("collections"))
+            continue;
+        for (const QString &selector : group.selectors)
+            EXPECT_TRUE(out.contains(selector + u' ') || selector.startsWith(QLatin1String("setFont:"))
+                        || selector.startsWith(QLatin1String("setSize:")))
+                << selector.toStdString();
+    }
+    EXPECT_TRUE(err.contains(QStringLiteral("returnPlistValue error: ") + table)) << err.toStdString();
 }
 
 TEST(NomenScript, AnswersEveryScriptBridgeSelectorByName)
