@@ -1,8 +1,9 @@
 #include "InterfaceFile.h"
+#include "FileBytes.h"
 
 #include "FileTableView.h"
 
-#include <QFile>
+#include <QBuffer>
 #include <QFontMetrics>
 #include <QLineEdit>
 #include <QStyle>
@@ -45,9 +46,12 @@ void fitFieldWidths(QWidget *window)
 InterfaceFile::InterfaceFile(const QString &path)
 {
     Loader loader;
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly))
+    auto contents = FileBytes::read(path);
+    if (contents.bytes) {
+        QBuffer file(&*contents.bytes);
+        file.open(QIODevice::ReadOnly);
         m_window.reset(loader.load(&file));
+    }
     if (!m_window)
         m_window = std::make_unique<QWidget>();
     fitFieldWidths(m_window.get());

@@ -1,9 +1,9 @@
 #include "MainScript.h"
+#include "FileBytes.h"
 
 #include "JsValues.h"
 #include "RZApplication.h"
 
-#include <QFile>
 #include <QWidget>
 #include <cstdio>
 
@@ -18,12 +18,12 @@ MainScript::MainScript(RZApplication &application, const MethodRegistry &methods
 bool MainScript::load(const QString &path)
 {
     m_fileName = path.section(u'/', -1);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        fail(QStringLiteral("%1: %2").arg(path, file.errorString()));
+    const auto contents = FileBytes::read(path);
+    if (!contents.bytes) {
+        fail(contents.error);
         return false;
     }
-    const ScriptHost::Outcome outcome = m_host.evaluate(QString::fromUtf8(file.readAll()), m_fileName);
+    const ScriptHost::Outcome outcome = m_host.evaluate(QString::fromUtf8(*contents.bytes), m_fileName);
     if (!outcome.ok())
         fail(outcome.error);
     return outcome.ok();

@@ -2,13 +2,14 @@
 // completion value, so every script-callable method can be tried from a shell.
 
 #include "DeferredCalls.h"
+#include "FileBytes.h"
 #include "LocalTimeZone.h"
 #include "MethodTable.h"
 #include "NamedException.h"
+#include "PathCodec.h"
 #include "RZApplication.h"
 #include "ScriptHost.h"
 
-#include <QFile>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <cstdio>
@@ -60,13 +61,14 @@ int main(int argc, char **argv)
         program = args[1];
         fileName = QStringLiteral("-e");
     } else if (args.size() == 1 && !args[0].startsWith(u'-')) {
-        fileName = args[0];
-        QFile file(fileName);
-        if (!file.open(QIODevice::ReadOnly)) {
-            writeTo(stderr, QStringLiteral("nomen-script: cannot read %1: %2").arg(fileName, file.errorString()));
+        // The name as its bytes: Qt has taken its own options out of argv.
+        fileName = argc == 2 ? PathCodec::decode(argv[1]) : args[0];
+        const auto contents = FileBytes::read(fileName);
+        if (!contents.bytes) {
+            writeTo(stderr, QStringLiteral("nomen-script: cannot read %1").arg(contents.error));
             return 1;
         }
-        program = QString::fromUtf8(file.readAll());
+        program = QString::fromUtf8(*contents.bytes);
     } else {
         return usage();
     }

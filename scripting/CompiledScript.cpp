@@ -1,10 +1,10 @@
 #include "CompiledScript.h"
+#include "FileBytes.h"
 
 #include "JsValues.h"
 #include "ScriptCoertions.h"
 #include "ScriptHost.h"
 
-#include <QFile>
 #include <QJSValueIterator>
 
 namespace {
@@ -62,15 +62,13 @@ CompiledScript::~CompiledScript() = default;
 CompiledScript *CompiledScript::fromFile(const MethodRegistry &methods, const QString &path, QVariantMap *errorInfo,
                                          QObject *parent)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    const auto contents = FileBytes::read(path);
+    if (!contents.bytes) {
         if (errorInfo)
-            *errorInfo = CompiledScript::errorInfo(ScriptError::FileNotFound,
-                                                   QStringLiteral("%1: %2").arg(path, file.errorString()),
-                                                   file.errorString());
+            *errorInfo = CompiledScript::errorInfo(ScriptError::FileNotFound, contents.error, contents.reason);
         return nullptr;
     }
-    auto script = std::make_unique<CompiledScript>(methods, QString::fromUtf8(file.readAll()), path, parent);
+    auto script = std::make_unique<CompiledScript>(methods, QString::fromUtf8(*contents.bytes), path, parent);
     if (!script->isCompiled()) {
         if (errorInfo)
             *errorInfo = *script->compileError();

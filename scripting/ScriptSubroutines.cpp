@@ -1,9 +1,10 @@
 #include "ScriptSubroutines.h"
+#include "FileBytes.h"
+#include "SystemLog.h"
 
 #include "DataAdditions.h"
 #include "ScriptCoertions.h"
 
-#include <QFile>
 #include <unistd.h>
 
 namespace ROZ_ScriptSubroutines {
@@ -80,18 +81,11 @@ QVariant ROZ_HandleASError(const std::optional<QVariantMap> &error)
 
 namespace {
 
-// The file's bytes, mapped; empty when it cannot be read.
+// The file's bytes; empty when it cannot be read.
 struct MappedFile {
-    QFile file;
     QByteArray bytes;
 
-    explicit MappedFile(const QString &path) : file(path)
-    {
-        if (!file.open(QIODevice::ReadOnly) || file.size() == 0)
-            return;
-        if (uchar *mapped = file.map(0, file.size()))
-            bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), file.size());
-    }
+    explicit MappedFile(const QString &path) : bytes(FileBytes::read(path).bytes.value_or(QByteArray())) {}
 };
 
 } // namespace
@@ -127,6 +121,26 @@ namespace ScriptRunner {
 
 namespace {
 
+// A script that runs itself, directly or through others, would exhaust the
+// stack one engine at a time; past this depth a run answers nil.
+constexpr int MaximumNesting = 24;
+int nesting = 0;
+
+struct Nested {
+    Nested() { ++nesting; }
+    ~Nested() { --nesting; }
+    Nested(const Nested &) = delete;
+    Nested &operator=(const Nested &) = delete;
+    static bool tooDeep()
+    {
+        if (nesting < MaximumNesting)
+            return false;
+        SystemLog::write(QStringLiteral("runScript: scripts nested more than %1 deep; the innermost is not run")
+                             .arg(MaximumNesting));
+        return true;
+    }
+};
+
 QVariant resultOf(CompiledScript &script)
 {
     QVariantMap error;
@@ -138,12 +152,18 @@ QVariant resultOf(CompiledScript &script)
 
 QVariant runScript(const MethodRegistry &methods, const QString &source)
 {
+    if (Nested::tooDeep())
+        return QVariant();
+    const Nested level;
     CompiledScript script(methods, source);
     return resultOf(script);
 }
 
 QVariant runScriptFile(const MethodRegistry &methods, const QString &path)
 {
+    if (Nested::tooDeep())
+        return QVariant();
+    const Nested level;
     QVariantMap error;
     std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(methods, path, &error));
     return script ? resultOf(*script) : QVariant();

@@ -14,7 +14,8 @@ namespace {
 
 Contents failure(const QString &path, int error)
 {
-    return {std::nullopt, QStringLiteral("%1: %2").arg(path, QString::fromLocal8Bit(std::strerror(error)))};
+    const QString reason = QString::fromLocal8Bit(std::strerror(error));
+    return {std::nullopt, reason, QStringLiteral("%1: %2").arg(path, reason)};
 }
 
 } // namespace
@@ -52,7 +53,7 @@ Contents read(const QString &path)
         bytes.append(buffer, got);
     }
     ::close(fd);
-    return {bytes, QString()};
+    return {bytes, QString(), QString()};
 }
 
 } // namespace FileBytes

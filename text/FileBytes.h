@@ -10,7 +10,8 @@ namespace FileBytes {
 
 struct Contents {
     std::optional<QByteArray> bytes;
-    QString error; // "PATH: reason" when the bytes could not be read
+    QString reason; // why the bytes could not be read
+    QString error;  // "PATH: reason"
 };
 
 Contents read(const QString &path);

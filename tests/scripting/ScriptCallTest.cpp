@@ -1,4 +1,5 @@
 #include "DataAdditions.h"
+#include "JsonString.h"
 #include "MethodTable.h"
 #include "ScriptCoertions.h"
 #include "ScriptSubroutines.h"
@@ -205,6 +206,19 @@ TEST(RunScript, AnswersTheLastValueOrNil)
     EXPECT_EQ(ScriptRunner::runScript(methods, QStringLiteral("callMethod('the end', 'titleCaseString')")),
               QVariant(QStringLiteral("The End")))
         << "scripts reach native code too";
+    // A script that runs itself stops at the nesting limit instead of
+    // exhausting the stack; each level counts the ones below it.
+    QTemporaryDir selfFolder;
+    QFile self(selfFolder.filePath(QStringLiteral("self.js")));
+    ASSERT_TRUE(self.open(QIODevice::WriteOnly));
+    self.write(QStringLiteral("var below = callClassMethod('ROZ_MiscMethods', 'runScriptFile:', [%1]);\n"
+                              "below === null ? 1 : below + 1")
+                   .arg(JsonString::quoted(self.fileName()))
+                   .toUtf8());
+    self.close();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(ScriptRunner::runScriptFile(methods, self.fileName()), QVariant(24));
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("scripts nested more than 24 deep"), std::string::npos);
 
     QTemporaryDir dir;
     QFile file(dir.filePath(QStringLiteral("answer.js")));
