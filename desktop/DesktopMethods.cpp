@@ -5,8 +5,6 @@
 
 namespace {
 
-const QString Misc = QStringLiteral("ROZ_MiscMethods");
-
 std::optional<QStringList> optionalList(const QVariant &value, int index)
 {
     if (ArgumentConversion::isNil(value))
@@ -28,7 +26,7 @@ void registerDesktopMethods(MethodRegistry &registry)
     using NativeBinding::addClassMethod;
     using M = ROZ_MiscMethods;
 
-    registry.addClassMethod(Misc, QStringLiteral("runTask:withArguments:onData:atWorkingDirectory:"),
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("runTask:withArguments:onData:atWorkingDirectory:"),
                             [](Invocation &invocation) {
                                 const QVariantList &args = invocation.arguments;
                                 return QVariant(M::runTask(ArgumentConversion::convert<QString>(args[0], 0),
@@ -36,22 +34,22 @@ void registerDesktopMethods(MethodRegistry &registry)
                                                            ArgumentConversion::convert<QString>(args[3], 3)));
                             });
 
-    addClassMethod(registry, Misc, QStringLiteral("returnOSVersion"), &M::returnOSVersion);
-    addClassMethod(registry, Misc, QStringLiteral("return104Plus"), &M::return104Plus);
-    addClassMethod(registry, Misc, QStringLiteral("return105Plus"), &M::return105Plus);
-    addClassMethod(registry, Misc, QStringLiteral("returnHostName"), &M::returnHostName);
-    addClassMethod(registry, Misc, QStringLiteral("returnShortUserName"), &M::returnShortUserName);
-    addClassMethod(registry, Misc, QStringLiteral("returnFullUserName"), &M::returnFullUserName);
-    addClassMethod(registry, Misc, QStringLiteral("returnFullUserNameInits"), &M::returnFullUserNameInits);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnOSVersion"), &M::returnOSVersion);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("return104Plus"), &M::return104Plus);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("return105Plus"), &M::return105Plus);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnHostName"), &M::returnHostName);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnShortUserName"), &M::returnShortUserName);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFullUserName"), &M::returnFullUserName);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFullUserNameInits"), &M::returnFullUserNameInits);
 
-    addClassMethod(registry, Misc, QStringLiteral("returnClipboardString"), &M::returnClipboardString);
-    addClassMethod(registry, Misc, QStringLiteral("returnClipboard"), &M::returnClipboard);
-    addClassMethod(registry, Misc, QStringLiteral("setClipboard:"), &M::setClipboard);
-    addClassMethod(registry, Misc, QStringLiteral("resetClipboard:"), &M::resetClipboard);
-    addClassMethod(registry, Misc, QStringLiteral("pasteAndRestore:"), &M::pasteAndRestore);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnClipboardString"), &M::returnClipboardString);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnClipboard"), &M::returnClipboard);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setClipboard:"), &M::setClipboard);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("resetClipboard:"), &M::resetClipboard);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("pasteAndRestore:"), &M::pasteAndRestore);
 
-    addClassMethod(registry, Misc, QStringLiteral("returnStartupItem"), &M::returnStartupItem);
-    addClassMethod(registry, Misc, QStringLiteral("setStartupItem:"), &M::setStartupItem);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnStartupItem"), &M::returnStartupItem);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setStartupItem:"), &M::setStartupItem);
 
     registerFileItemMethods(registry);
     registerTextShapingMethods(registry);

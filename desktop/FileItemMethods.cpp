@@ -12,7 +12,6 @@
 
 namespace {
 
-const QString Misc = QStringLiteral("ROZ_MiscMethods");
 using ArgumentConversion::convert;
 using NativeBinding::addClassMethod;
 using M = ROZ_MiscMethods;
@@ -31,67 +30,67 @@ void registerPaths(MethodRegistry &registry)
 
 void registerItems(MethodRegistry &registry)
 {
-    addClassMethod(registry, Misc, QStringLiteral("itemExists:"), &M::itemExists);
-    addClassMethod(registry, Misc, QStringLiteral("returnCreationDate:"), &M::returnCreationDate);
-    addClassMethod(registry, Misc, QStringLiteral("returnModificationDate:"), &M::returnModificationDate);
-    addClassMethod(registry, Misc, QStringLiteral("returnCreationAndModificationDate:"), &M::returnCreationAndModificationDate);
-    addClassMethod(registry, Misc, QStringLiteral("returnCreatorCode:"), &M::returnCreatorCode);
-    addClassMethod(registry, Misc, QStringLiteral("returnFileType:"), &M::returnFileType);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemInfo:"), &M::returnItemInfo);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemUTI:"), &M::returnItemUTI);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemDisplayKind:"), &M::returnItemDisplayKind);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemDefaultApp:"), &M::returnItemDefaultApp);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemIsImage:"), &M::returnItemIsImage);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemName:"), &M::returnItemName);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemDisplayedName:"), &M::returnItemDisplayedName);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemExtension:"), &M::returnItemExtension);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemContainer:"), &M::returnItemContainer);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemIsLocked:"), &M::returnItemIsLocked);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemOwner:"), &M::returnItemOwner);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemGroup:"), &M::returnItemGroup);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemPermissions:"), &M::returnItemPermissions);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemVisiblity:"), &M::returnItemVisiblity);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemIsFolder:"), &M::returnItemIsFolder);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemIsPackage:"), &M::returnItemIsPackage);
-    addClassMethod(registry, Misc, QStringLiteral("returnItemIsWritable:"), &M::returnItemIsWritable);
-    addClassMethod(registry, Misc, QStringLiteral("returnFolderContents:"), &M::returnFolderContents);
-    addClassMethod(registry, Misc, QStringLiteral("returnCompleteFolderContents:withInvisibles:"),
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("itemExists:"), &M::itemExists);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCreationDate:"), &M::returnCreationDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnModificationDate:"), &M::returnModificationDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCreationAndModificationDate:"), &M::returnCreationAndModificationDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCreatorCode:"), &M::returnCreatorCode);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFileType:"), &M::returnFileType);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemInfo:"), &M::returnItemInfo);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemUTI:"), &M::returnItemUTI);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemDisplayKind:"), &M::returnItemDisplayKind);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemDefaultApp:"), &M::returnItemDefaultApp);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsImage:"), &M::returnItemIsImage);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemName:"), &M::returnItemName);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemDisplayedName:"), &M::returnItemDisplayedName);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemExtension:"), &M::returnItemExtension);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemContainer:"), &M::returnItemContainer);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsLocked:"), &M::returnItemIsLocked);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemOwner:"), &M::returnItemOwner);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemGroup:"), &M::returnItemGroup);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemPermissions:"), &M::returnItemPermissions);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemVisiblity:"), &M::returnItemVisiblity);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsFolder:"), &M::returnItemIsFolder);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsPackage:"), &M::returnItemIsPackage);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsWritable:"), &M::returnItemIsWritable);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFolderContents:"), &M::returnFolderContents);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCompleteFolderContents:withInvisibles:"),
                    &M::returnCompleteFolderContents);
 
-    addClassMethod(registry, Misc, QStringLiteral("setCreationDate:toDate:"), &M::setCreationDate);
-    addClassMethod(registry, Misc, QStringLiteral("setModificationDate:toDate:"), &M::setModificationDate);
-    addClassMethod(registry, Misc, QStringLiteral("setCreationAndModificationDate:toDate:"), &M::setCreationAndModificationDate);
-    addClassMethod(registry, Misc, QStringLiteral("randomizeDate:"), &M::randomizeDate);
-    addClassMethod(registry, Misc, QStringLiteral("setCreatorCode:toCode:"), &M::setCreatorCode);
-    addClassMethod(registry, Misc, QStringLiteral("setFileType:toType:"), &M::setFileType);
-    addClassMethod(registry, Misc, QStringLiteral("setItemName:toName:"), &M::setItemName);
-    addClassMethod(registry, Misc, QStringLiteral("setItemOwner:toOwner:"), &M::setItemOwner);
-    addClassMethod(registry, Misc, QStringLiteral("setItemGroup:toGroup:"), &M::setItemGroup);
-    addClassMethod(registry, Misc, QStringLiteral("setItemPermissions:toPermissions:"), &M::setItemPermissions);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setCreationDate:toDate:"), &M::setCreationDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setModificationDate:toDate:"), &M::setModificationDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setCreationAndModificationDate:toDate:"), &M::setCreationAndModificationDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("randomizeDate:"), &M::randomizeDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setCreatorCode:toCode:"), &M::setCreatorCode);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setFileType:toType:"), &M::setFileType);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemName:toName:"), &M::setItemName);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemOwner:toOwner:"), &M::setItemOwner);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemGroup:toGroup:"), &M::setItemGroup);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemPermissions:toPermissions:"), &M::setItemPermissions);
 }
 
 void registerElementsAndIntrospection(MethodRegistry &registry)
 {
-    addClassMethod(registry, Misc, QStringLiteral("returnImage:"), &M::returnImage);
-    addClassMethod(registry, Misc, QStringLiteral("returnIcon:"), &M::returnIcon);
-    addClassMethod(registry, Misc, QStringLiteral("deleteKeyPressed:"), &M::deleteKeyPressed);
-    addClassMethod(registry, Misc, QStringLiteral("arrowKeyPressed:"), &M::arrowKeyPressed);
-    addClassMethod(registry, Misc, QStringLiteral("expandOutlineItem:atRow:"), &M::expandOutlineItem);
-    addClassMethod(registry, Misc, QStringLiteral("isOutlineItemExpanded:atRow:"), &M::isOutlineItemExpanded);
-    addClassMethod(registry, Misc, QStringLiteral("uintForElement:"), &M::uintForElement);
-    addClassMethod(registry, Misc, QStringLiteral("stringForElement:"), &M::stringForElement);
-    addClassMethod(registry, Misc, QStringLiteral("dateForElement:"), &M::dateForElement);
-    addClassMethod(registry, Misc, QStringLiteral("isThisAString:"), &M::isThisAString);
-    addClassMethod(registry, Misc, QStringLiteral("isThisAnArray:"), &M::isThisAnArray);
-    addClassMethod(registry, Misc, QStringLiteral("isThisADictionary:"), &M::isThisADictionary);
-    addClassMethod(registry, Misc, QStringLiteral("isThisANumber:"), &M::isThisANumber);
-    addClassMethod(registry, Misc, QStringLiteral("isThisADate:"), &M::isThisADate);
-    addClassMethod(registry, Misc, QStringLiteral("dictionaryArrayFromTSVFile:"), &M::dictionaryArrayFromTSVFile);
-    addClassMethod(registry, Misc, QStringLiteral("isThisABoolean:"), &M::isThisABoolean);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnImage:"), &M::returnImage);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnIcon:"), &M::returnIcon);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("deleteKeyPressed:"), &M::deleteKeyPressed);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("arrowKeyPressed:"), &M::arrowKeyPressed);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("expandOutlineItem:atRow:"), &M::expandOutlineItem);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isOutlineItemExpanded:atRow:"), &M::isOutlineItemExpanded);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("uintForElement:"), &M::uintForElement);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("stringForElement:"), &M::stringForElement);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("dateForElement:"), &M::dateForElement);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisAString:"), &M::isThisAString);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisAnArray:"), &M::isThisAnArray);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisADictionary:"), &M::isThisADictionary);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisANumber:"), &M::isThisANumber);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisADate:"), &M::isThisADate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("dictionaryArrayFromTSVFile:"), &M::dictionaryArrayFromTSVFile);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisABoolean:"), &M::isThisABoolean);
 
     // These read the method table itself.
     const auto withTable = [&registry](const QString &selector, auto describe) {
-        registry.addClassMethod(Misc, selector, [describe](Invocation &invocation) {
+        registry.addClassMethod(ROZ_MiscMethodsClass, selector, [describe](Invocation &invocation) {
             return QVariant(describe(*invocation.methods, invocation.arguments[0]));
         });
     };
@@ -101,7 +100,7 @@ void registerElementsAndIntrospection(MethodRegistry &registry)
     withTable(QStringLiteral("classMethodNamesForObject:"), &Introspection::classMethodNamesForObject);
     withTable(QStringLiteral("instanceMethodNamesForObject:"), &Introspection::instanceMethodNamesForObject);
     withTable(QStringLiteral("describeObject:"), &Introspection::describeObject);
-    registry.addClassMethod(Misc, QStringLiteral("ivarsForObject:"), [](Invocation &invocation) {
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("ivarsForObject:"), [](Invocation &invocation) {
         return QVariant(Introspection::ivarsForObject(invocation.arguments[0]));
     });
 }

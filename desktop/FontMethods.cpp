@@ -68,9 +68,8 @@ QString returnFontInfo(QObject *control)
 void registerFontMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString Misc = QStringLiteral("ROZ_MiscMethods");
-    addClassMethod(registry, Misc, QStringLiteral("returnAllFonts"), &returnAllFonts);
-    addClassMethod(registry, Misc, QStringLiteral("setFont:toFont:"), &setFont);
-    addClassMethod(registry, Misc, QStringLiteral("setSize:toSize:"), &setSize);
-    addClassMethod(registry, Misc, QStringLiteral("returnFontInfo:"), &returnFontInfo);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnAllFonts"), &returnAllFonts);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setFont:toFont:"), &setFont);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setSize:toSize:"), &setSize);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFontInfo:"), &returnFontInfo);
 }

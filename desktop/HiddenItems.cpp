@@ -1,36 +1,15 @@
 #include "HiddenItems.h"
 
+#include "FileBytes.h"
 #include "FileStatus.h"
 #include "PathCodec.h"
 
 #include <QHash>
 #include <QMutex>
-#include <cerrno>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace HiddenItems {
 
 namespace {
-
-// A small file's bytes; empty when it cannot be read.
-QByteArray contentsOf(const QByteArray &path)
-{
-    QByteArray contents;
-    const int descriptor = open(path.constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return contents;
-    char buffer[4096];
-    for (ssize_t got; (got = read(descriptor, buffer, sizeof buffer)) != 0;) {
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            break;
-        contents.append(buffer, got);
-    }
-    close(descriptor);
-    return contents;
-}
 
 struct HiddenList {
     QDateTime modified;
@@ -52,7 +31,7 @@ QSet<QString> namesIn(const QString &hiddenFile)
     HiddenList &list = cache[hiddenFile];
     if (list.modified != status->modified || list.size != qint64(status->size)) {
         list.names.clear();
-        for (const QByteArray &line : contentsOf(PathCodec::encode(hiddenFile)).split('\n'))
+        for (const QByteArray &line : FileBytes::read(hiddenFile).bytes.value_or(QByteArray()).split('\n'))
             list.names.insert(PathCodec::decode(line));
         list.modified = status->modified;
         list.size = qint64(status->size);

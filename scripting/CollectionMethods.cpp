@@ -35,32 +35,31 @@ void registerCollectionMethods(MethodRegistry &registry)
 {
     using namespace ROZ_Collections;
     using NativeBinding::addClassMethod;
-    const QString Misc = QStringLiteral("ROZ_MiscMethods");
-    addClassMethod(registry, Misc, QStringLiteral("randomLongFrom:to:"), &randomLongFrom);
-    addClassMethod(registry, Misc, QStringLiteral("returnKeyValueIndex:forKey:"), &returnKeyValueIndex);
-    addClassMethod(registry, Misc, QStringLiteral("reverseArray:"), &reverseArray);
-    addClassMethod(registry, Misc, QStringLiteral("sortArray:"), &sortArray);
-    addClassMethod(registry, Misc, QStringLiteral("sortArrayWithStringsAsNumbers:"), &sortArrayWithStringsAsNumbers);
-    addClassMethod(registry, Misc, QStringLiteral("sortArrayWithCleanedStringSort:"), &sortArrayWithCleanedStringSort);
-    addClassMethod(registry, Misc, QStringLiteral("sortArrayRemovingDuplicates:"), &sortArrayRemovingDuplicates);
-    addClassMethod(registry, Misc, QStringLiteral("batchReturnArrayObject:atIndex:"), &batchReturnArrayObject);
-    addClassMethod(registry, Misc, QStringLiteral("returnSomeObjectOfArray:"), &returnSomeObjectOfArray);
-    addClassMethod(registry, Misc, QStringLiteral("sortDictionaries:usingKeys:"), &sortDictionaries);
-    addClassMethod(registry, Misc, QStringLiteral("sortDictionariesByCleanedString:usingKey:"),
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("randomLongFrom:to:"), &randomLongFrom);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnKeyValueIndex:forKey:"), &returnKeyValueIndex);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("reverseArray:"), &reverseArray);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArray:"), &sortArray);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArrayWithStringsAsNumbers:"), &sortArrayWithStringsAsNumbers);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArrayWithCleanedStringSort:"), &sortArrayWithCleanedStringSort);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArrayRemovingDuplicates:"), &sortArrayRemovingDuplicates);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnArrayObject:atIndex:"), &batchReturnArrayObject);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnSomeObjectOfArray:"), &returnSomeObjectOfArray);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionaries:usingKeys:"), &sortDictionaries);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionariesByCleanedString:usingKey:"),
                    &sortDictionariesByCleanedString);
-    addClassMethod(registry, Misc, QStringLiteral("sortDictionariesByDate:usingKey:"), &sortDictionariesByDate);
-    addClassMethod(registry, Misc, QStringLiteral("sortDictionariesByNumber:usingKey:"), &sortDictionariesByNumber);
-    addClassMethod(registry, Misc, QStringLiteral("batchReturnDictionaryObject:forKey:"), &batchReturnDictionaryObject);
-    addClassMethod(registry, Misc, QStringLiteral("batchReturnDictionaries:whoseArrayContains:forKey:"),
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionariesByDate:usingKey:"), &sortDictionariesByDate);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionariesByNumber:usingKey:"), &sortDictionariesByNumber);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaryObject:forKey:"), &batchReturnDictionaryObject);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:whoseArrayContains:forKey:"),
                    &batchReturnDictionariesWhoseArrayContains);
-    addClassMethod(registry, Misc, QStringLiteral("batchReturnDictionaries:containedIn:forKey:"),
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:containedIn:forKey:"),
                    &batchReturnDictionariesContainedIn);
-    addClassMethod(registry, Misc, QStringLiteral("batchReturnDictionaries:notContainedIn:forKey:"),
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:notContainedIn:forKey:"),
                    &batchReturnDictionariesNotContainedIn);
-    addClassMethod(registry, Misc, QStringLiteral("batchReturnDictionaries:withObject:forKey:"),
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:withObject:forKey:"),
                    &batchReturnDictionariesWithObject);
-    registry.addClassMethod(Misc, QStringLiteral("batchReturnObjectFromObjects:forKey:"), &objectsAnswering);
-    addClassMethod(registry, Misc, QStringLiteral("batchCleanString:forChars:"), &batchCleanString);
-    addClassMethod(registry, Misc, QStringLiteral("uis:"), &uis);
-    addClassMethod(registry, Misc, QStringLiteral("uisR:replaceWith:"), &uisR);
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("batchReturnObjectFromObjects:forKey:"), &objectsAnswering);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchCleanString:forChars:"), &batchCleanString);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("uis:"), &uis);
+    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("uisR:replaceWith:"), &uisR);
 }

@@ -130,20 +130,19 @@ void registerDateHelperMethods(MethodRegistry &registry)
 {
     using namespace ROZ_DateHelpers;
     using ArgumentConversion::convert;
-    const QString Misc = QStringLiteral("ROZ_MiscMethods");
-    registry.addClassMethod(Misc, QStringLiteral("testDate:"), [](Invocation &invocation) {
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("testDate:"), [](Invocation &invocation) {
         return QVariant(testDate(*invocation.methods, convert<QString>(invocation.arguments[0], 0)));
     });
-    registry.addClassMethod(Misc, QStringLiteral("returnDateFormat:withWeekday:asNumeric:"), [](Invocation &invocation) {
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("returnDateFormat:withWeekday:asNumeric:"), [](Invocation &invocation) {
         return returnDateFormat(*invocation.methods, convert<bool>(invocation.arguments[0], 0),
                                 convert<bool>(invocation.arguments[1], 1), convert<bool>(invocation.arguments[2], 2));
     });
-    registry.addClassMethod(Misc, QStringLiteral("makeLocalDate:withMonth:withDay:withYear:withTime:"),
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("makeLocalDate:withMonth:withDay:withYear:withTime:"),
                             [](Invocation &invocation) {
                                 const QVariantList &a = invocation.arguments;
                                 return makeLocalDate(*invocation.methods, convert<bool>(a[0], 0), a[1], a[2], a[3],
                                                      convert<QString>(a[4], 4));
                             });
-    NativeBinding::addClassMethod(registry, Misc, QStringLiteral("relativeDescriptionForDate:withFormat:"),
+    NativeBinding::addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("relativeDescriptionForDate:withFormat:"),
                                   &relativeDescriptionForDate);
 }

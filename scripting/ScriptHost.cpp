@@ -8,13 +8,17 @@
 ScriptHost::ScriptHost(const MethodRegistry &registry) : m_bridge(new ScriptBridge(registry, m_engine))
 {
     m_bridge->install();
-    QJSValue installer = m_engine.evaluate(QStringLiteral(R"JS(
+    // Each global is a script function over this object's invokable methods.
+    const QJSValue host = m_engine.newQObject(this);
+    const auto install = [&](const QString &name, const QString &maker) {
+        m_engine.globalObject().setProperty(name, m_engine.evaluate(maker).call({host}));
+    };
+    install(QStringLiteral("print"), QStringLiteral(R"JS(
         (function (host) {
             return function () { host.printValues(Array.prototype.slice.call(arguments)); };
         })
     )JS"));
-    m_engine.globalObject().setProperty(QStringLiteral("print"), installer.call({m_engine.newQObject(this)}));
-    const QJSValue dateReader = m_engine.evaluate(QStringLiteral(R"JS(
+    install(QStringLiteral("date"), QStringLiteral(R"JS(
         (function (host) {
             return function date(text) {
                 var when = host.parseLocalDate(String(text));
@@ -24,7 +28,6 @@ ScriptHost::ScriptHost(const MethodRegistry &registry) : m_bridge(new ScriptBrid
             };
         })
     )JS"));
-    m_engine.globalObject().setProperty(QStringLiteral("date"), dateReader.call({m_engine.newQObject(this)}));
     QJSEngine::setObjectOwnership(this, QJSEngine::CppOwnership);
     // A function's call reports a thrown value only as its result, so calls
     // go through a guard that tells the two apart.

@@ -249,10 +249,10 @@ void registerScripts(MethodRegistry &registry)
     NativeBinding::addClassMethod(registry, ScriptClass, QStringLiteral("ROZ_validSubroutinesFromArray:inScriptFile:"),
                                   &ROZ_validSubroutinesFromArray);
 
-    registry.addClassMethod(QStringLiteral("ROZ_MiscMethods"), QStringLiteral("runScript:"), [](Invocation &invocation) {
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("runScript:"), [](Invocation &invocation) {
         return ScriptRunner::runScript(*invocation.methods, convert<QString>(invocation.arguments[0], 0));
     });
-    registry.addClassMethod(QStringLiteral("ROZ_MiscMethods"), QStringLiteral("runScriptFile:"),
+    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("runScriptFile:"),
                             [](Invocation &invocation) {
                                 return ScriptRunner::runScriptFile(*invocation.methods,
                                                                    convert<QString>(invocation.arguments[0], 0));

@@ -1,5 +1,6 @@
 #include "UserDefaults.h"
 
+#include "DictionaryAdditions.h"
 #include "FileBytes.h"
 #include "LocalTimeZone.h"
 #include "MethodRegistry.h"
@@ -78,14 +79,10 @@ std::optional<QVariant> unstreamed(const QByteArray &magic, const QByteArray &by
 
 bool isPropertyListValue(const QVariant &value)
 {
-    switch (value.typeId()) {
-    case QMetaType::QString: case QMetaType::QByteArray: case QMetaType::QDateTime: case QMetaType::Bool:
-    case QMetaType::Int: case QMetaType::UInt: case QMetaType::Long: case QMetaType::ULong:
-    case QMetaType::LongLong: case QMetaType::ULongLong: case QMetaType::Short: case QMetaType::UShort:
-    case QMetaType::Char: case QMetaType::SChar: case QMetaType::UChar: case QMetaType::Float:
-    case QMetaType::Double:
+    if (ROZ_NSDictionaryAdditions::isNumber(value))
         return true;
-    case QMetaType::QStringList:
+    switch (value.typeId()) {
+    case QMetaType::QString: case QMetaType::QByteArray: case QMetaType::QDateTime: case QMetaType::QStringList:
         return true;
     case QMetaType::QVariantList: {
         const QVariantList list = value.toList();

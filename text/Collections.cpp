@@ -1,5 +1,6 @@
 #include "Collections.h"
 
+#include "DictionaryAdditions.h"
 #include "NamedException.h"
 #include "SortFunctions.h"
 #include "StringAdditions.h"
@@ -37,22 +38,14 @@ QVariantList filtered(const QVariantList &dictionaries, Keep keep)
 // A number's text as a script reads it back: booleans as 1 and 0.
 QString stringValueOf(const QVariant &value, qsizetype position)
 {
-    switch (value.typeId()) {
-    case QMetaType::QString:
-        return value.toString();
-    case QMetaType::Bool:
+    if (value.typeId() == QMetaType::Bool)
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    case QMetaType::Int: case QMetaType::UInt: case QMetaType::Long: case QMetaType::ULong:
-    case QMetaType::LongLong: case QMetaType::ULongLong: case QMetaType::Short: case QMetaType::UShort:
-    case QMetaType::Char: case QMetaType::SChar: case QMetaType::UChar: case QMetaType::Float:
-    case QMetaType::Double:
+    if (value.typeId() == QMetaType::QString || ROZ_NSDictionaryAdditions::isNumber(value))
         return value.toString();
-    default:
-        throw NamedException(NSInvalidArgumentException,
-                             QStringLiteral("uisR:replaceWith: value %1 is a %2, not a string or a number")
-                                 .arg(position)
-                                 .arg(QString::fromLatin1(value.metaType().name())));
-    }
+    throw NamedException(NSInvalidArgumentException,
+                         QStringLiteral("uisR:replaceWith: value %1 is a %2, not a string or a number")
+                             .arg(position)
+                             .arg(QString::fromLatin1(value.metaType().name())));
 }
 
 } // namespace
