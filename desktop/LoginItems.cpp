@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "PathCodec.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -13,7 +14,7 @@ namespace {
 // named after the application, in $XDG_CONFIG_HOME/autostart.
 QString autostartFile()
 {
-    QString configHome = QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME"));
+    QString configHome = PathCodec::decode(qgetenv("XDG_CONFIG_HOME"));
     if (configHome.isEmpty())
         configHome = QDir::homePath() + QStringLiteral("/.config");
     return configHome + QStringLiteral("/autostart/nomen.desktop");

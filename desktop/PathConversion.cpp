@@ -31,7 +31,7 @@ QString rootFileSystemLabel()
 
 QString userName()
 {
-    const QString user = QString::fromLocal8Bit(qgetenv("USER"));
+    const QString user = PathCodec::decode(qgetenv("USER"));
     return user.isEmpty() ? QStringLiteral("root") : user;
 }
 

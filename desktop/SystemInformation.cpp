@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "PathCodec.h"
 
 #include "StringAdditions.h"
 
@@ -67,13 +68,13 @@ QString ROZ_MiscMethods::returnHostName()
     char name[256] = {};
     if (gethostname(name, sizeof name - 1) != 0)
         return QString();
-    return QString::fromLocal8Bit(name);
+    return PathCodec::decode(name);
 }
 
 QString ROZ_MiscMethods::returnShortUserName()
 {
     const passwd *user = currentUser();
-    return user ? QString::fromLocal8Bit(user->pw_name) : QString::fromLocal8Bit(qgetenv("USER"));
+    return PathCodec::decode(user ? QByteArray(user->pw_name) : qgetenv("USER"));
 }
 
 QString ROZ_MiscMethods::returnFullUserName()
