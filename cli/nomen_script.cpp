@@ -1,6 +1,7 @@
 // nomen-script: runs JavaScript with the native bridge and prints the
 // completion value, so every script-callable method can be tried from a shell.
 
+#include "Alerts.h"
 #include "DeferredCalls.h"
 #include "FileBytes.h"
 #include "LocalTimeZone.h"
@@ -51,6 +52,8 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
         && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Nobody sees an offscreen window, so nobody could answer an alert.
+    Alerts::setUnattended(qgetenv("QT_QPA_PLATFORM") == "offscreen");
     ensureRuntimeDirectory();
     pinLocalTimeZone();
     RZApplication application(argc, argv);

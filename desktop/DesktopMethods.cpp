@@ -54,5 +54,6 @@ void registerDesktopMethods(MethodRegistry &registry)
     registerFileItemMethods(registry);
     registerTextShapingMethods(registry);
     registerFontMethods(registry);
+    registerAlertAndFileMethods(registry);
     installKeyEventTracking();
 }

@@ -11,3 +11,5 @@ void registerFileItemMethods(MethodRegistry &registry);
 void registerTextShapingMethods(MethodRegistry &registry);
 // The fonts of interface objects and the font database's families.
 void registerFontMethods(MethodRegistry &registry);
+// Alerts, dialogs, logging and small utilities, and file operations.
+void registerAlertAndFileMethods(MethodRegistry &registry);

@@ -37,6 +37,14 @@ Result move(const QString &from, const QString &to, const Options &options = {})
 // The same for paths already in the file system's bytes.
 Result move(const QByteArray &from, const QByteArray &to, const Options &options = {});
 
+// Copies an item with everything in it (modes, times, extended attributes;
+// file contents shared or copied in the kernel where the file systems
+// allow) to a destination that must not exist. A copy that fails part way
+// is removed again.
+Result copy(const QByteArray &from, const QByteArray &to);
+// Removes an item with everything in it; a link goes, not what it names.
+Result remove(const QByteArray &path);
+
 // The move as a bare errno value, 0 on success.
 int moveWithoutReplacing(const QString &from, const QString &to);
 

@@ -7,8 +7,10 @@
 #include <QVariant>
 #include <optional>
 
+class MethodRegistry;
 class QColor;
 class QTreeView;
+class QWidget;
 
 // The desktop services scripts reach as class methods of ROZ_MiscMethods.
 // The implementation is split by concern: tasks, system information,
@@ -22,6 +24,51 @@ public:
     // that cannot start gives "runTask Error: <name>: <reason>".
     static QString runTask(const QString &launchPath, const std::optional<QStringList> &arguments,
                            const std::optional<QString> &data, const QString &workingDirectory);
+
+    // Alerts: each answers the alert's return code (1 default, 0 alternate,
+    // -1 other button). The message forms answer the chosen button's
+    // title, "" when a dialog gave up, or nil. The dialog forms run as
+    // script text, so they take the methods that text reaches.
+    static int displayAlert(const QString &title, const QString &message);
+    static int displayAlert(const QString &title, const QString &message, const QStringList &buttons);
+    static void displayError(const QString &title, const QString &message, QWidget *window);
+    static int displayInformational(const QString &title, const QString &message, const QString &defaultButton);
+    static QVariant displayWarning(const QString &message, const QStringList &buttons, const QString &defaultButton,
+                                   bool shouldBeep);
+    static QVariant displayMessage(const QString &message, const QStringList &buttons, const QString &defaultButton,
+                                   int style, bool asSheet);
+    static QString dialogScript(const QString &message, const std::optional<QString> &title,
+                                const QStringList &buttons, const QString &defaultButton, int icon, int givingUpAfter);
+    static QVariant displayMessage(const MethodRegistry &methods, const QString &message, const QStringList &buttons,
+                                   const QString &defaultButton, int icon, int givingUpAfter);
+    static QVariant displayMessageWithTitle(const MethodRegistry &methods, const QString &title,
+                                            const QString &message, const QStringList &buttons,
+                                            const QString &defaultButton, int icon, bool shouldGiveUp);
+
+    // Logging and small utilities.
+    static void updateStatus(const QString &status);
+    static void setLogOutputFile(const QString &path);
+    static void activate();
+    static int idleTimeInSeconds();
+    static bool wait(double seconds);
+    static int extendPowerOffBy(int milliseconds);
+    static void toggleScreenUpdates(bool enable);
+    static QString leadingZeros(int number, int width);
+    static void clearSudo(const MethodRegistry &methods);
+
+    // File operations: YES when done. A move keeps the item's name; a copy
+    // may take a new one. Replacing removes the old item only once the new
+    // one is in its place; the root and the home folder (and what holds it)
+    // are never removed.
+    static bool moveItem(const QString &source, const QString &destination, bool replace);
+    static bool copyItem(const QString &source, const QString &destination, bool replace);
+    static bool deleteItem(const QString &path);
+    static bool writeToFile(const QString &path, const QString &content, bool append, const QString &creatorCode,
+                            const QString &fileType, bool randomize);
+    static QVariant makeTargetFolder(const QString &path); // the folder's alias, or NO
+    static QString returnUniquePath(const QString &path);  // "report 1.txt" where "report.txt" is taken
+    static QString returnAppPath(const QString &creatorCode);
+    static QString returnAppPathFromBundleID(const QString &identifier);
 
     // System information.
     static QString returnOSVersion();

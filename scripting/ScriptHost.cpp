@@ -28,6 +28,21 @@ ScriptHost::ScriptHost(const MethodRegistry &registry) : m_bridge(new ScriptBrid
             };
         })
     )JS"));
+    // A dialog answers the chosen button's title, or "" when it gave up; a
+    // cancelled one throws, as a cancelled dialog stops the script.
+    install(QStringLiteral("dialog"), QStringLiteral(R"JS(
+        (function (host) {
+            return function dialog(options) {
+                var chosen = callClassMethod("NomenDialog", "display:", [options]);
+                if (chosen === null || chosen === undefined) {
+                    var cancelled = new Error("User canceled.");
+                    cancelled.number = -128;
+                    throw cancelled;
+                }
+                return chosen;
+            };
+        })
+    )JS"));
     QJSEngine::setObjectOwnership(this, QJSEngine::CppOwnership);
     // A function's call reports a thrown value only as its result, so calls
     // go through a guard that tells the two apart.

@@ -7,9 +7,12 @@
 #include <optional>
 
 // A script engine with the bridge installed, a print() that writes one
-// line to standard output, and a date(text) that reads a date the way the
-// user's locale writes it (LocaleDates) and throws when the text is none. Runs program text and reports its completion
-// value or its error.
+// line to standard output, a date(text) that reads a date the way the
+// user's locale writes it (LocaleDates) and throws when the text is none,
+// and a dialog({message, title, buttons, defaultButton, icon,
+// givingUpAfter}) that answers the chosen button's title ("" when it gave
+// up) and throws when cancelled. Runs program text and reports its
+// completion value or its error.
 class ScriptHost : public QObject {
     Q_OBJECT
 public:

@@ -2,7 +2,9 @@
 
 #include "PathCodec.h"
 
+#include <QRandomGenerator>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,7 +20,82 @@ Contents failure(const QString &path, int error)
     return {std::nullopt, reason, QStringLiteral("%1: %2").arg(path, reason)};
 }
 
+QString failed(const QByteArray &path, int error)
+{
+    return QStringLiteral("%1: %2").arg(PathCodec::decode(path), QString::fromLocal8Bit(std::strerror(error)));
+}
+
+QByteArray folderOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+QString writeAll(int fd, const QByteArray &bytes, const QByteArray &name)
+{
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t written = ::write(fd, bytes.constData() + done, size_t(bytes.size() - done));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return failed(name, written < 0 ? errno : EIO);
+        done += written;
+    }
+    return ::fsync(fd) == 0 ? QString() : failed(name, errno);
+}
+
 } // namespace
+
+QString replaceContents(const QString &path, const QByteArray &bytes)
+{
+    QByteArray target = PathCodec::encode(path);
+    if (target.isEmpty())
+        return failed(target, ENOENT);
+    struct stat info {};
+    const bool existed = ::stat(target.constData(), &info) == 0;
+    if (!existed && errno != ENOENT)
+        return failed(target, errno);
+    if (existed && S_ISDIR(info.st_mode))
+        return failed(target, EISDIR);
+    if (existed) {
+        // The file a link names is the one replaced; the link stays.
+        char *resolved = ::realpath(target.constData(), nullptr);
+        if (!resolved)
+            return failed(target, errno);
+        target = resolved;
+        ::free(resolved);
+    }
+    // A new file gets the permissions the user's umask gives; a replaced one
+    // keeps its own.
+    QByteArray temporary;
+    int fd = -1;
+    for (int attempt = 0; fd < 0 && attempt < 100; ++attempt) {
+        temporary = folderOf(target) + "/.nomen-write-" + QByteArray::number(::getpid()) + '-'
+                    + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+        fd = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, existed ? 0600 : 0666);
+        if (fd < 0 && errno != EEXIST)
+            return failed(folderOf(target), errno);
+    }
+    if (fd < 0)
+        return failed(folderOf(target), EEXIST);
+    QString error = !existed || ::fchmod(fd, info.st_mode & 07777) == 0 ? writeAll(fd, bytes, target) : failed(target, errno);
+    if (::close(fd) != 0 && error.isEmpty() && errno != EINTR)
+        error = failed(target, errno);
+    if (error.isEmpty() && ::rename(temporary.constData(), target.constData()) != 0)
+        error = failed(target, errno);
+    if (!error.isEmpty()) {
+        ::unlink(temporary.constData());
+        return error;
+    }
+    // The new name is on disk only once its folder is; a folder that cannot
+    // be opened for reading cannot be flushed, and the rename stands.
+    const int folder = ::open(folderOf(target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return QString();
+    const int flushError = ::fsync(folder) == 0 ? 0 : errno;
+    ::close(folder);
+    return flushError ? failed(folderOf(target), flushError) : QString();
+}
 
 Contents read(const QString &path)
 {

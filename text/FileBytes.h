@@ -16,4 +16,11 @@ struct Contents {
 
 Contents read(const QString &path);
 
+// Replaces the file's contents as one step: the bytes go to a new file
+// beside it, which is flushed and then renamed over the old one, so a
+// reader sees the old contents or the new, never a part. An existing file
+// keeps its permissions; a link is followed to the file it names. Answers
+// "" on success, else "PATH: reason".
+QString replaceContents(const QString &path, const QByteArray &bytes);
+
 } // namespace FileBytes

@@ -1,0 +1,268 @@
+#include "MiscMethods.h"
+
+#include "DesktopEntries.h"
+#include "FileBytes.h"
+#include "FileMoves.h"
+#include "FileStatus.h"
+#include "PathCodec.h"
+#include "PathConversion.h"
+#include "PathNames.h"
+#include "StringAdditions.h"
+
+#include <QRandomGenerator>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using ROZ_PathConversion::pathPOSIX;
+
+namespace {
+
+enum class Transfer { Move, Copy };
+
+QByteArray folderOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+QByteArray withoutTrailingSlashes(QByteArray path)
+{
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    return path;
+}
+
+std::optional<QByteArray> resolved(const QByteArray &path)
+{
+    char *real = ::realpath(path.constData(), nullptr);
+    if (!real)
+        return std::nullopt;
+    QByteArray answer(real);
+    ::free(real);
+    return answer;
+}
+
+// The canonical form of the item a path names, a link in its last component
+// left unfollowed (a trailing slash does not make it followed).
+std::optional<QByteArray> canonicalItem(const QByteArray &path)
+{
+    const QByteArray trimmed = withoutTrailingSlashes(path);
+    const QByteArray name = trimmed.mid(trimmed.lastIndexOf('/') + 1);
+    if (name.isEmpty() || name == "." || name == ".." || trimmed == "/")
+        return resolved(trimmed);
+    const auto folder = resolved(folderOf(trimmed));
+    if (!folder)
+        return std::nullopt;
+    return (*folder == "/" ? QByteArray() : *folder) + '/' + name;
+}
+
+// The root, the home folder and every folder holding it are never removed
+// or replaced: a slip there would lose everything.
+bool isProtected(const QByteArray &canonical)
+{
+    if (canonical == "/")
+        return true;
+    QList<QByteArray> homes;
+    if (const QByteArray home = qgetenv("HOME"); !home.isEmpty())
+        homes.append(home);
+    if (const passwd *entry = ::getpwuid(::getuid()); entry && entry->pw_dir)
+        homes.append(QByteArray(entry->pw_dir));
+    for (const QByteArray &home : homes) {
+        const QByteArray real = resolved(home).value_or(withoutTrailingSlashes(home));
+        if (real == canonical || real.startsWith(canonical + '/'))
+            return true;
+    }
+    return false;
+}
+
+// Where the item goes. A move keeps its name; a copy may take a new one.
+QString newPathFor(const QString &source, const QString &destination, Transfer kind)
+{
+    const QString name = PathNames::lastComponent(source);
+    if (destination.endsWith(name))
+        return destination;
+    if (destination.endsWith(u'/'))
+        return destination + name;
+    if (kind == Transfer::Move || destination == ROZ_NSStringAdditions::desuffix(source, name))
+        return destination + u'/' + name;
+    return destination;
+}
+
+bool put(const QByteArray &from, const QByteArray &to, Transfer kind)
+{
+    return (kind == Transfer::Move ? FileMoves::move(from, to) : FileMoves::copy(from, to)).error == 0;
+}
+
+// The new item is made beside the old one under a free hidden name, then
+// the two change places in one step, and only then is the old one removed.
+bool replaceWith(const QByteArray &from, const QByteArray &to, Transfer kind)
+{
+    QByteArray staging;
+    for (int attempt = 0;; ++attempt) {
+        staging = folderOf(to) + "/.nomen-replacing-" + QByteArray::number(::getpid()) + '-'
+                  + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+        struct stat taken;
+        if (::lstat(staging.constData(), &taken) != 0 && errno == ENOENT)
+            break;
+        if (attempt == 100)
+            return false;
+    }
+    if (!put(from, staging, kind))
+        return false;
+    if (::renameat2(AT_FDCWD, staging.constData(), AT_FDCWD, to.constData(), RENAME_EXCHANGE) == 0)
+        return FileMoves::remove(staging).error == 0;
+    // Without an exchange: the old item goes first. If it cannot, the new
+    // one is taken back (a moved item to where it was).
+    if (FileMoves::remove(to).error == 0 && ::rename(staging.constData(), to.constData()) == 0)
+        return true;
+    if (kind == Transfer::Move)
+        FileMoves::move(staging, from);
+    else
+        FileMoves::remove(staging);
+    return false;
+}
+
+bool isInside(const QByteArray &path, const QByteArray &folder)
+{
+    const auto real = resolved(folder);
+    const auto container = resolved(folderOf(path));
+    return real && container && (*container == *real || container->startsWith(*real + '/'));
+}
+
+bool transfer(const QString &sourcePath, const QString &destinationPath, bool replace, Transfer kind)
+{
+    const QString source = pathPOSIX(sourcePath);
+    const QByteArray from = PathCodec::encode(source);
+    struct stat sourceInfo;
+    if (from.isEmpty() || ::lstat(from.constData(), &sourceInfo) != 0)
+        return false;
+    const QByteArray to = PathCodec::encode(newPathFor(source, pathPOSIX(destinationPath), kind));
+    if (to.isEmpty())
+        return false;
+    // A folder copied into itself would never be done.
+    if (kind == Transfer::Copy && S_ISDIR(sourceInfo.st_mode) && isInside(to, from))
+        return false;
+    struct stat targetInfo;
+    if (::lstat(to.constData(), &targetInfo) != 0)
+        return errno == ENOENT && put(from, to, kind);
+    if (!replace)
+        return false;
+    // Replacing an item by itself would only remove it.
+    if (targetInfo.st_dev == sourceInfo.st_dev && targetInfo.st_ino == sourceInfo.st_ino)
+        return false;
+    const auto canonical = canonicalItem(to);
+    if (!canonical || isProtected(*canonical))
+        return false;
+    return replaceWith(from, *canonical, kind);
+}
+
+// The extension the name of the last component carries: text after its
+// last dot, unless the dot begins or ends the name.
+qsizetype extensionDot(const QString &path)
+{
+    const qsizetype dot = path.lastIndexOf(u'.');
+    const qsizetype nameStart = path.lastIndexOf(u'/') + 1;
+    return dot > nameStart && dot < path.size() - 1 ? dot : -1;
+}
+
+} // namespace
+
+bool ROZ_MiscMethods::moveItem(const QString &source, const QString &destination, bool replace)
+{
+    return transfer(source, destination, replace, Transfer::Move);
+}
+
+bool ROZ_MiscMethods::copyItem(const QString &source, const QString &destination, bool replace)
+{
+    return transfer(source, destination, replace, Transfer::Copy);
+}
+
+bool ROZ_MiscMethods::deleteItem(const QString &path)
+{
+    const QByteArray bytes = PathCodec::encode(pathPOSIX(path));
+    if (bytes.isEmpty())
+        return false;
+    const auto canonical = canonicalItem(bytes);
+    if (!canonical || isProtected(*canonical))
+        return false;
+    return FileMoves::remove(*canonical).error == 0;
+}
+
+bool ROZ_MiscMethods::writeToFile(const QString &path, const QString &content, bool append, const QString &creatorCode,
+                                  const QString &fileType, bool randomize)
+{
+    const QString posix = pathPOSIX(path);
+    QByteArray bytes = content.toUtf8();
+    if (append && itemExists(posix)) {
+        // What is there stays byte for byte, whatever its encoding.
+        const auto existing = FileBytes::read(posix);
+        if (!existing.bytes)
+            return false;
+        bytes.prepend(*existing.bytes);
+    }
+    if (!FileBytes::replaceContents(posix, bytes).isEmpty())
+        return false;
+    if (!ROZ_NSStringAdditions::isBlankString(creatorCode))
+        setCreatorCode(posix, creatorCode);
+    if (!ROZ_NSStringAdditions::isBlankString(fileType))
+        setFileType(posix, fileType);
+    if (randomize)
+        randomizeDate(posix);
+    return itemExists(posix);
+}
+
+QVariant ROZ_MiscMethods::makeTargetFolder(const QString &path)
+{
+    const QString posix = pathPOSIX(path);
+    const QByteArray bytes = PathCodec::encode(posix);
+    if (bytes.isEmpty())
+        return QVariant(false);
+    QByteArray partial = bytes.startsWith('/') ? QByteArray("/") : QByteArray();
+    for (const QByteArray &component : bytes.split('/')) {
+        if (component.isEmpty())
+            continue;
+        if (!partial.isEmpty() && !partial.endsWith('/'))
+            partial += '/';
+        partial += component;
+        struct stat info;
+        if (::stat(partial.constData(), &info) == 0)
+            continue;
+        // Another run may have made it meanwhile; that is as good.
+        if (::mkdir(partial.constData(), 0777) != 0 && errno != EEXIST)
+            return QVariant(false);
+    }
+    const auto alias = ROZ_PathConversion::alias(posix);
+    return alias ? QVariant::fromValue(*alias) : QVariant(false);
+}
+
+QString ROZ_MiscMethods::returnUniquePath(const QString &path)
+{
+    QString posix = pathPOSIX(path);
+    while (posix.size() > 1 && posix.endsWith(u'/'))
+        posix.chop(1);
+    if (!FileStatus::of(posix, false))
+        return posix;
+    const qsizetype dot = extensionDot(posix);
+    const QString base = dot < 0 ? posix : posix.left(dot);
+    const QString extension = dot < 0 ? QString() : posix.mid(dot);
+    for (qlonglong n = 1;; ++n) {
+        const QString candidate = base + u' ' + QString::number(n) + extension;
+        if (!FileStatus::of(candidate, false))
+            return candidate;
+    }
+}
+
+QString ROZ_MiscMethods::returnAppPath(const QString &)
+{
+    // Linux keeps no creator codes, so no application is known by one.
+    return QString();
+}
+
+QString ROZ_MiscMethods::returnAppPathFromBundleID(const QString &identifier)
+{
+    return DesktopEntries::programOf(identifier);
+}
