@@ -335,12 +335,12 @@ void registerApplicationMethods(MethodRegistry &registry)
         app.fileTableDataSource().setConflicts(convert<QStringList>(args[0], 0));
         return QVariant();
     });
-    add(registry, "showMessage:informativeText:", [](RZApplication &app, const QVariantList &args) {
-        Dialogs::showMessage(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1));
+    add(registry, "showMessage:informativeText:", [](RZApplication &, const QVariantList &args) {
+        Dialogs::showMessage(convert<QString>(args[0], 0), convert<QString>(args[1], 1));
         return QVariant();
     });
-    add(registry, "showError:informativeText:", [](RZApplication &app, const QVariantList &args) {
-        Dialogs::showError(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1));
+    add(registry, "showError:informativeText:", [](RZApplication &, const QVariantList &args) {
+        Dialogs::showError(convert<QString>(args[0], 0), convert<QString>(args[1], 1));
         return QVariant();
     });
     add(registry, "askQuestion:informativeText:buttons:", [](RZApplication &app, const QVariantList &args) {

@@ -1,5 +1,8 @@
 #include "Dialogs.h"
 
+#include "Alerts.h"
+#include "MiscMethods.h"
+
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -7,41 +10,14 @@
 
 namespace Dialogs {
 
-namespace {
-
-// As wide as the longest line asks, up to about 70 characters, so a short
-// message stays on one line and a long one wraps at a readable width.
-void fitToText(QMessageBox &box, const QString &title, const QString &text)
+void showMessage(const QString &title, const QString &text)
 {
-    const QFontMetrics metrics(box.font());
-    int widest = metrics.horizontalAdvance(title) * 5 / 4; // the title is set larger
-    for (const QString &line : text.split(u'\n'))
-        widest = std::max(widest, metrics.horizontalAdvance(line));
-    const int width = std::min(widest, metrics.averageCharWidth() * 70);
-    for (QLabel *label : box.findChildren<QLabel *>())
-        if (label->objectName() == QLatin1String("qt_msgbox_informativelabel"))
-            label->setMinimumWidth(width + 2 * metrics.averageCharWidth());
+    ROZ_MiscMethods::displayInformational(title, Alerts::literal(text), Alerts::localized("OK"));
 }
 
-void show(QWidget *window, QMessageBox::Icon icon, const QString &title, const QString &text)
+void showError(const QString &title, const QString &text)
 {
-    QMessageBox box(icon, title, title, QMessageBox::Ok, window);
-    box.setObjectName(QStringLiteral("message"));
-    box.setInformativeText(text);
-    fitToText(box, title, text);
-    box.exec();
-}
-
-} // namespace
-
-void showMessage(QWidget *window, const QString &title, const QString &text)
-{
-    show(window, QMessageBox::Information, title, text);
-}
-
-void showError(QWidget *window, const QString &title, const QString &text)
-{
-    show(window, QMessageBox::Critical, title, text);
+    ROZ_MiscMethods::displayError(title, Alerts::literal(text), nullptr);
 }
 
 QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons)
@@ -51,7 +27,7 @@ QString askQuestion(QWidget *window, const QString &title, const QString &text, 
     QMessageBox box(QMessageBox::Question, title, title, QMessageBox::NoButton, window);
     box.setObjectName(QStringLiteral("question"));
     box.setInformativeText(text);
-    fitToText(box, title, text);
+    Alerts::fitToText(box);
     QList<QPushButton *> added;
     for (qsizetype i = 0; i < buttons.size(); ++i) {
         const bool last = i == buttons.size() - 1 && buttons.size() > 1;

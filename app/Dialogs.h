@@ -5,12 +5,13 @@
 class QWidget;
 
 // The plain dialogs the main script shows: a message, a question with
-// buttons, a folder chooser. Each is modal on the main window.
+// buttons, a folder chooser. Each is modal. Messages and failures are the
+// informational and error alerts, their texts shown as they are.
 namespace Dialogs {
 
-void showMessage(QWidget *window, const QString &title, const QString &text);
-// A failure: the same message with the critical icon.
-void showError(QWidget *window, const QString &title, const QString &text);
+void showMessage(const QString &title, const QString &text);
+// A failure: the error alert, which also logs it.
+void showError(const QString &title, const QString &text);
 // The title of the button chosen; the last button (the cancelling one)
 // when the dialog is closed another way.
 QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons);

@@ -1,13 +1,13 @@
 // nomen: the window. Native code loads the interface and the engine; the
 // main script decides what each control does.
 
+#include "Dialogs.h"
 #include "MainScript.h"
 #include "LocalTimeZone.h"
 #include "MethodTable.h"
 #include "NamedException.h"
 #include "RZApplication.h"
 
-#include <QMessageBox>
 
 int main(int argc, char **argv)
 {
@@ -17,12 +17,12 @@ int main(int argc, char **argv)
     try {
         application.init(methods);
     } catch (const NamedException &failure) {
-        QMessageBox::critical(nullptr, QStringLiteral("Nomen"), QStringLiteral("%1: %2").arg(failure.name(), failure.reason()));
+        Dialogs::showError(QStringLiteral("Nomen cannot start"), QStringLiteral("%1: %2").arg(failure.name(), failure.reason()));
         return 1;
     }
     MainScript script(application, methods);
     if (!script.load(RZApplication::resourceDirectory() + QStringLiteral("/main.js"))) {
-        QMessageBox::critical(nullptr, QStringLiteral("Nomen"), script.errors().join(u'\n'));
+        Dialogs::showError(QStringLiteral("Nomen cannot start"), script.errors().join(u'\n'));
         return 1;
     }
     script.start(application.arguments().mid(1));

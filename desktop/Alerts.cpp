@@ -76,6 +76,7 @@ QMessageBox *makeAlert(const Alert &alert, QWidget *parent)
     box->setIcon(alertIcon(alert.style));
     box->setWindowTitle(QGuiApplication::applicationDisplayName());
     setTexts(*box, alert.messageText, SystemLog::formatWithoutArguments(alert.informativeText));
+    fitToText(*box);
     const auto add = [box](const QString &title, QMessageBox::ButtonRole role, int code) {
         QPushButton *button = addButton(*box, title, role);
         button->setProperty(ReturnCodeProperty, code);
@@ -106,6 +107,22 @@ bool canShow()
 }
 
 } // namespace
+
+void fitToText(QMessageBox &box)
+{
+    const QFontMetrics metrics(box.font());
+    int widest = metrics.horizontalAdvance(box.text()) * 5 / 4; // the message text is set larger
+    for (const QString &line : box.informativeText().split(u'\n'))
+        widest = std::max(widest, metrics.horizontalAdvance(line));
+    const int width = std::min(widest, metrics.averageCharWidth() * 70);
+    if (auto *label = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_informativelabel")))
+        label->setMinimumWidth(width + 2 * metrics.averageCharWidth());
+}
+
+QString literal(const QString &text)
+{
+    return QString(text).replace(u'%', QStringLiteral("%%"));
+}
 
 QString localized(const char *key)
 {

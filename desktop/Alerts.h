@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <optional>
 
+class QMessageBox;
 class QWidget;
 
 // Alert panels and dialogs, shown as message boxes. An alert has up to
@@ -51,6 +52,14 @@ std::optional<QString> runDialog(const Dialog &dialog);
 void setUnattended(bool unattended);
 
 void beep();
+
+// Sizes the box as wide as its longest line asks, up to about 70
+// characters, so a short message stays on one line and a long one wraps at
+// a readable width.
+void fitToText(QMessageBox &box);
+
+// Text that an alert shows as it is: its "%" doubled.
+QString literal(const QString &text);
 
 // The "ui" string table's text for a key; the key itself when untranslated.
 QString localized(const char *key);

@@ -25,14 +25,10 @@ function setEnabled(outlet, enabled) {
     call("setEnabled:ofOutlet:", [enabled, outlet]);
 }
 
-// Errors through the alert methods where the toolkit has them, else a
-// plain message box.
+// Errors go to the error alert, which logs them too. Its message is read
+// as a format, so a "%" in a file name is doubled to be shown as it is.
 function showError(title, text) {
-    try {
-        callClassMethod("ROZ_MiscMethods", "displayError:withError:", [title, text]);
-    } catch (noAlerts) {
-        call("showError:informativeText:", [title, text]);
-    }
+    callClassMethod("ROZ_MiscMethods", "displayError:withError:", [title, String(text).replace(/%/g, "%%")]);
 }
 
 function ask(title, text, buttons) {
