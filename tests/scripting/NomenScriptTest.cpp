@@ -106,6 +106,19 @@ const QList<ClassSelectors> scriptSelectors = {
       "returnHostName", "returnShortUserName", "returnFullUserName", "returnFullUserNameInits",
       "returnClipboardString", "returnClipboard", "setClipboard:", "resetClipboard:", "pasteAndRestore:",
       "returnStartupItem", "setStartupItem:"}},
+    {"alerts", MethodKind::Class, "ROZ_MiscMethods",
+     {"displayAlert:withMessage:", "displayAlert:withMessage:withButtons:", "displayError:withError:",
+      "displayError:withError:attachedToWindow:", "displayInformational:withMessage:",
+      "displayInformational:withMessage:withDefaultButton:", "displayWarning:withButtons:withDefaultButton:shouldBeep:",
+      "displayMessage:withButtons:withDefaultButton:withIcon:attachedToWindow:",
+      "displayMessage:withButtons:withDefaultButton:withIcon:giveUpAfter:",
+      "displayMessage:withButtons:withDefaultButton:withIcon:shouldGiveUp:",
+      "displayMessageWithTitle:withMessage:withButtons:withDefaultButton:withIcon:shouldGiveUp:", "updateStatus:",
+      "activate", "toggleShowInDock", "idleTimeInSeconds", "wait:", "extendPowerOffBy:", "toggleScreenUpdates:",
+      "leadingZeros:minimumNumber:", "clearSudo", "makeTargetFolder:",
+      "writeToFile:withContent:shouldAppend:withCreatorCode:withFileType:shouldRandmize:",
+      "copyItem:toPath:withReplacing:", "moveItem:toPath:withReplacing:", "returnUniquePath:", "deleteItem:",
+      "returnAppPath:", "returnAppPathFromBundleID:"}},
     {"files", MethodKind::Instance, "NSString", {"pathHFS", "pathPOSIX", "alias", "aliasData", "fsRef", "stringAsNumberSort:"}},
     {"files", MethodKind::Class, "NSString", {"stringWithFSRef:"}},
     {"text", MethodKind::Instance, "NSString",
@@ -164,6 +177,32 @@ TEST(NomenScript, AnswersEverySelectorByName)
         EXPECT_TRUE(run.out.contains(u'\n' + selector + u' ') || run.out.startsWith(selector + u' '))
             << selector.toStdString();
     EXPECT_TRUE(run.err.contains(QStringLiteral("] a (null) b\n"))) << "log writes to the system log";
+}
+
+// Without a display nobody can answer: each alert and dialog is written to
+// standard error, answered with its default button, and the texts arrive
+// unchanged through the dialog script.
+TEST(NomenScript, AnswersEveryAlertUtilityAndFileOperationSelectorByName)
+{
+    QTemporaryDir folder;
+    const QString script = readFile(QStringLiteral(NOMEN_TEST_DATA "/alerts_and_files.js"));
+    const ScriptRun run =
+        nomenScript({QStringLiteral("-e"), QStringLiteral("var DIR = %1;\n").arg(JsonString::quoted(folder.path())) + script});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(QString(run.out).replace(folder.path(), QStringLiteral("DIR")),
+              readFile(QStringLiteral(NOMEN_TEST_DATA "/alerts_and_files.expected")));
+    for (const ClassSelectors &group : scriptSelectors) {
+        if (QLatin1String(group.subsystem) != QLatin1String("alerts"))
+            continue;
+        for (const QString &selector : group.selectors)
+            EXPECT_TRUE(run.out.contains(selector + u' ')) << selector.toStdString();
+    }
+    for (const char *line : {"alert: Save?: 100% sure [Save, Cancel, Discard] -> Save\n",
+                             "] Disk: Nomen will now quit\nalert: Disk: Nomen will now quit [Quit] -> Quit\n",
+                             "dialog: : He said \"hi\"\n${x} \\ </b> [A \"quoted\" one, Cancel] -> A \"quoted\" one\n",
+                             "dialog: Titled: Gives up [OK] -> (gave up)\n", "] status line\n"})
+        EXPECT_TRUE(run.err.contains(QString::fromUtf8(line))) << line << run.err.toStdString();
+    EXPECT_FALSE(run.err.contains(QStringLiteral("] Rename failed"))) << "a retry prompt is not logged";
 }
 
 TEST(NomenScript, AnswersEveryCollectionDateAndDefaultsSelectorByName)
