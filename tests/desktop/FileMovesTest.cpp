@@ -46,9 +46,10 @@ protected:
     QTemporaryDir there{QStringLiteral("/dev/shm/nomen-moves-XXXXXX")};
 };
 
-TEST_F(AcrossFileSystems, TheCopyKeepsContentsPermissionsTimesAttributesAndLinks)
+// A folder with a file that has its own permissions, time and extended
+// attribute, and a link.
+void makeAlbum(const QString &album)
 {
-    const QString album = here.filePath("Album");
     ASSERT_TRUE(QDir().mkpath(album));
     QFile photo(album + "/one.jpg");
     ASSERT_TRUE(photo.open(QIODevice::WriteOnly));
@@ -61,25 +62,58 @@ TEST_F(AcrossFileSystems, TheCopyKeepsContentsPermissionsTimesAttributesAndLinks
     setTimes(album + "/link", 981158401);
     ASSERT_EQ(chmod(bytes(album).constData(), 0750), 0);
     setTimes(album, 981158402);
+}
 
+void expectAlbum(const QString &album)
+{
+    QFile copy(album + "/one.jpg");
+    ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
+    EXPECT_EQ(copy.readAll(), "pixels");
+    EXPECT_EQ(statusOf(album + "/one.jpg").st_mode & 07777, 0640u);
+    EXPECT_EQ(statusOf(album + "/one.jpg").st_mtime, 981158400);
+    char value[16] = {};
+    EXPECT_EQ(getxattr(bytes(album + "/one.jpg").constData(), "user.comment", value, sizeof value), 4);
+    EXPECT_STREQ(value, "kept");
+    char target[16] = {};
+    EXPECT_EQ(readlink(bytes(album + "/link").constData(), target, sizeof target), 7);
+    EXPECT_STREQ(target, "one.jpg");
+    EXPECT_EQ(statusOf(album + "/link").st_mtime, 981158401);
+    EXPECT_EQ(statusOf(album).st_mode & 07777, 0750u);
+    EXPECT_EQ(statusOf(album).st_mtime, 981158402);
+}
+
+TEST_F(AcrossFileSystems, TheCopyKeepsContentsPermissionsTimesAttributesAndLinks)
+{
+    const QString album = here.filePath("Album");
+    makeAlbum(album);
     const QString moved = there.filePath("Album");
     const FileMoves::Result result = FileMoves::move(album, moved);
     EXPECT_EQ(result.error, 0) << result.detail.toStdString();
     EXPECT_FALSE(QFileInfo::exists(album)) << "the original goes once the copy is whole";
-    QFile copy(moved + "/one.jpg");
-    ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
-    EXPECT_EQ(copy.readAll(), "pixels");
-    EXPECT_EQ(statusOf(moved + "/one.jpg").st_mode & 07777, 0640u);
-    EXPECT_EQ(statusOf(moved + "/one.jpg").st_mtime, 981158400);
-    char value[16] = {};
-    EXPECT_EQ(getxattr(bytes(moved + "/one.jpg").constData(), "user.comment", value, sizeof value), 4);
-    EXPECT_STREQ(value, "kept");
-    char target[16] = {};
-    EXPECT_EQ(readlink(bytes(moved + "/link").constData(), target, sizeof target), 7);
-    EXPECT_STREQ(target, "one.jpg");
-    EXPECT_EQ(statusOf(moved + "/link").st_mtime, 981158401);
-    EXPECT_EQ(statusOf(moved).st_mode & 07777, 0750u);
-    EXPECT_EQ(statusOf(moved).st_mtime, 981158402);
+    expectAlbum(moved);
+
+    // Copies, on one file system and across, keep the same and leave the original.
+    for (const QString &copy : {there.filePath("Same"), here.filePath("Back")}) {
+        EXPECT_EQ(FileMoves::copy(bytes(moved), bytes(copy)).error, 0);
+        expectAlbum(copy);
+        expectAlbum(moved);
+    }
+    EXPECT_EQ(FileMoves::copy(bytes(moved), bytes(here.filePath("Back"))).error, EEXIST) << "never over an item";
+}
+
+// A copy that meets an item it cannot copy stops, and what it made goes.
+TEST(Copies, AFailedCopyLeavesNothingBehind)
+{
+    QTemporaryDir folder;
+    const QString source = folder.filePath("source");
+    makeAlbum(source);
+    ASSERT_EQ(mkfifo(bytes(source + "/z-pipe").constData(), 0600), 0);
+    setTimes(source, 981158402);
+    const FileMoves::Result result = FileMoves::copy(bytes(source), bytes(folder.filePath("copy")));
+    EXPECT_EQ(result.error, ENOTSUP);
+    EXPECT_TRUE(result.detail.contains("z-pipe")) << result.detail.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(folder.filePath("copy")));
+    expectAlbum(source);
 }
 
 TEST_F(AcrossFileSystems, NothingIsReplacedAndAGivenUpCopyGoesAgain)

@@ -1,0 +1,222 @@
+#include "Descriptor.h"
+#include "MiscMethods.h"
+#include "FileBytes.h"
+#include "PathCodec.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using M = ROZ_MiscMethods;
+
+QByteArray bytes(const QString &path)
+{
+    return PathCodec::encode(path);
+}
+
+void write(const QString &path, const QByteArray &contents)
+{
+    const int fd = open(bytes(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    ASSERT_GE(fd, 0) << path.toStdString();
+    ASSERT_EQ(::write(fd, contents.constData(), size_t(contents.size())), contents.size());
+    close(fd);
+}
+
+QByteArray contentsOf(const QString &path)
+{
+    return FileBytes::read(path).bytes.value_or("(missing)");
+}
+
+bool exists(const QString &path)
+{
+    struct stat info;
+    return lstat(bytes(path).constData(), &info) == 0;
+}
+
+class FileOperations : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(folder.isValid());
+        for (const char *name : {"a", "b", "c"})
+            ASSERT_TRUE(QDir(folder.path()).mkdir(QString::fromLatin1(name)));
+        write(path("a/x.txt"), "x");
+    }
+    QString path(const QString &relative) const { return folder.filePath(relative); }
+    // The folder's entries, hidden ones too, so nothing left behind escapes.
+    QStringList entries(const QString &relative) const
+    {
+        return QDir(path(relative)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+    QTemporaryDir folder;
+};
+
+// A move keeps the item's name; a copy may give it a new one. The
+// destination is the full new path when it ends with the item's name, as
+// plain text.
+TEST_F(FileOperations, AMoveKeepsTheNameWhileACopyMayTakeANewOne)
+{
+    EXPECT_TRUE(M::moveItem(path("a/x.txt"), path("b"), false));
+    EXPECT_TRUE(M::moveItem(path("b/x.txt"), path("a/"), false));
+    EXPECT_TRUE(M::moveItem(path("a/x.txt"), path("b/x.txt"), false));
+    EXPECT_EQ(entries("b"), QStringList{"x.txt"});
+
+    EXPECT_TRUE(M::copyItem(path("b/x.txt"), path("c/y.txt"), false));
+    EXPECT_EQ(contentsOf(path("c/y.txt")), "x");
+    EXPECT_FALSE(M::moveItem(path("b/x.txt"), path("c/z.txt"), false)) << "a move into a folder c/z.txt, missing";
+    ASSERT_TRUE(QDir(path("c")).mkdir("z.txt"));
+    EXPECT_TRUE(M::moveItem(path("b/x.txt"), path("c/z.txt"), false));
+    EXPECT_EQ(entries("c/z.txt"), QStringList{"x.txt"});
+    EXPECT_TRUE(M::moveItem(path("c/z.txt/x.txt"), path("b/box.txt"), false)) << "box.txt ends with x.txt";
+    EXPECT_EQ(entries("b"), QStringList{"box.txt"});
+    EXPECT_FALSE(M::moveItem(path("b/missing.txt"), path("c"), false));
+
+    // Names in bytes that are not UTF-8 arrive as they were.
+    const QString odd = PathCodec::decode(bytes(path("a")) + "/caf\xe9.txt");
+    write(odd, "odd");
+    EXPECT_TRUE(M::copyItem(odd, path("c/"), false));
+    EXPECT_TRUE(M::moveItem(odd, path("b"), false));
+    EXPECT_EQ(contentsOf(PathCodec::decode(bytes(path("b")) + "/caf\xe9.txt")), "odd");
+    EXPECT_EQ(contentsOf(PathCodec::decode(bytes(path("c")) + "/caf\xe9.txt")), "odd");
+    EXPECT_FALSE(exists(odd));
+}
+
+// Replacing removes the old item only once the new one stands in its
+// place; nothing else is lost, whatever the kinds and however they nest.
+TEST_F(FileOperations, ReplacingLosesOnlyTheReplacedItem)
+{
+    write(path("b/x.txt"), "old");
+    EXPECT_FALSE(M::moveItem(path("a/x.txt"), path("b"), false));
+    EXPECT_EQ(contentsOf(path("b/x.txt")), "old");
+    EXPECT_TRUE(M::copyItem(path("a/x.txt"), path("b/x.txt"), true));
+    EXPECT_EQ(contentsOf(path("b/x.txt")), "x");
+    EXPECT_TRUE(exists(path("a/x.txt"))) << "a copy leaves its source";
+
+    // A file over a folder full of things, and a folder over a file.
+    ASSERT_TRUE(QDir(path("c")).mkpath("x.txt/deep"));
+    write(path("c/x.txt/deep/f"), "f");
+    EXPECT_TRUE(M::moveItem(path("a/x.txt"), path("c"), true));
+    EXPECT_EQ(contentsOf(path("c/x.txt")), "x");
+    EXPECT_FALSE(M::moveItem(path("c"), path("b/x.txt"), true)) << "a move keeps the name: into b/x.txt, a file";
+    EXPECT_TRUE(M::copyItem(path("c"), path("b/x.txt"), true));
+    EXPECT_EQ(contentsOf(path("b/x.txt/x.txt")), "x");
+
+    // An item onto itself is refused rather than removed.
+    EXPECT_FALSE(M::moveItem(path("c/x.txt"), path("c/x.txt"), true));
+    EXPECT_FALSE(M::copyItem(path("c/x.txt"), path("c/x.txt"), true));
+    EXPECT_EQ(contentsOf(path("c/x.txt")), "x");
+
+    // A file replacing the folder that holds it: the file survives.
+    ASSERT_TRUE(QDir(path("a")).mkdir("x"));
+    write(path("a/x/x"), "inner");
+    EXPECT_TRUE(M::moveItem(path("a/x/x"), path("a/x"), true));
+    EXPECT_EQ(contentsOf(path("a/x")), "inner");
+
+    // A folder is never copied into itself.
+    EXPECT_FALSE(M::copyItem(path("b"), path("b/x.txt/b"), false));
+    for (const char *name : {"a", "b", "c", "b/x.txt"})
+        for (const QString &entry : entries(QString::fromLatin1(name)))
+            EXPECT_FALSE(entry.startsWith(".nomen")) << "left behind: " << entry.toStdString();
+}
+
+// The root, the home folder and what holds it are never removed or
+// replaced, however the path reaches them. The home folder here is a
+// stand-in, so a fault cannot cost the real one.
+TEST_F(FileOperations, DeletesRefuseTheHomeFolderAndWhatHoldsIt)
+{
+    const QByteArray savedHome = qgetenv("HOME");
+    const QString home = path("home/me");
+    ASSERT_TRUE(QDir().mkpath(home));
+    write(home + "/keep.txt", "mine");
+    qputenv("HOME", bytes(home));
+    ASSERT_EQ(symlink(bytes(home).constData(), bytes(path("b/link")).constData()), 0);
+
+    for (const QString &dangerous : {QString(), home, home + "/", path("home"), path("home/me/../../home/me/."),
+                                     path("b/../home"), folder.path()})
+        EXPECT_FALSE(M::deleteItem(dangerous)) << dangerous.toStdString();
+    EXPECT_FALSE(M::copyItem(path("a/x.txt"), home, true)) << "replacing the home folder";
+    EXPECT_TRUE(M::deleteItem(path("b/link/"))) << "a link goes, not the folder it names";
+    EXPECT_FALSE(exists(path("b/link")));
+    EXPECT_TRUE(M::deleteItem(path("a")));
+    EXPECT_FALSE(exists(path("a")));
+    qputenv("HOME", savedHome);
+    EXPECT_EQ(contentsOf(home + "/keep.txt"), "mine");
+}
+
+// Writes replace the file in one step, keep its permissions and the link
+// that names it, and appends keep the earlier bytes whatever they are.
+TEST_F(FileOperations, WritesAreWholeAndAppendsKeepEveryEarlierByte)
+{
+    const QString notes = path("b/notes.txt");
+    write(notes, "\xff\xfe old\n");
+    ASSERT_EQ(chmod(bytes(notes).constData(), 0640), 0);
+    ASSERT_EQ(symlink("notes.txt", bytes(path("b/shortcut")).constData()), 0);
+
+    EXPECT_TRUE(M::writeToFile(path("b/shortcut"), QStringLiteral("neu \u00fc\n"), true, "ttxt", " ", false));
+    EXPECT_EQ(contentsOf(notes), QByteArray("\xff\xfe old\nneu \xc3\xbc\n"));
+    struct stat info;
+    ASSERT_EQ(lstat(bytes(notes).constData(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0640u);
+    ASSERT_EQ(lstat(bytes(path("b/shortcut")).constData(), &info), 0);
+    EXPECT_TRUE(S_ISLNK(info.st_mode));
+    EXPECT_EQ(M::returnCreatorCode(notes), QStringLiteral("ttxt"));
+    EXPECT_EQ(M::returnFileType(notes), QString()) << "a blank type is not set";
+
+    EXPECT_TRUE(M::writeToFile(notes, QStringLiteral("new"), false, QString(), QString(), true));
+    EXPECT_EQ(contentsOf(notes), "new");
+    EXPECT_TRUE(M::writeToFile(path("c/fresh.txt"), QStringLiteral("fresh"), true, QString(), QString(), false));
+    EXPECT_EQ(contentsOf(path("c/fresh.txt")), "fresh");
+
+    EXPECT_FALSE(M::writeToFile(path("a/x.txt/inside"), QStringLiteral("no"), false, QString(), QString(), false));
+    EXPECT_FALSE(M::writeToFile(path("b"), QStringLiteral("no"), false, QString(), QString(), false)) << "a folder";
+    EXPECT_EQ(entries("b"), (QStringList{"notes.txt", "shortcut"})) << "no temporary file is left";
+}
+
+TEST_F(FileOperations, FolderChainsAndFreeNames)
+{
+    EXPECT_TRUE(M::makeTargetFolder(path("c/d/e/")).canConvert<Descriptor>());
+    EXPECT_TRUE(QFileInfo(path("c/d/e")).isDir());
+    EXPECT_EQ(M::makeTargetFolder(path("m1/m2/") + QString(300, u'n') + "/m3"), QVariant(false)) << "a name too long";
+    EXPECT_TRUE(QFileInfo(path("m1/m2")).isDir()) << "what was made stays";
+
+    write(path("b/report.txt"), "");
+    EXPECT_EQ(M::returnUniquePath(path("b/report.txt")), path("b/report 1.txt"));
+    write(path("b/report 1.txt"), "");
+    EXPECT_EQ(M::returnUniquePath(path("b/report.txt")), path("b/report 2.txt"));
+    for (const char *name : {"README", ".bashrc", "a.tar.gz", "dots."})
+        write(path("b/") + QString::fromLatin1(name), "");
+    EXPECT_EQ(M::returnUniquePath(path("b/README")), path("b/README 1"));
+    EXPECT_EQ(M::returnUniquePath(path("b/.bashrc")), path("b/.bashrc 1"));
+    EXPECT_EQ(M::returnUniquePath(path("b/a.tar.gz")), path("b/a.tar 1.gz"));
+    EXPECT_EQ(M::returnUniquePath(path("b/dots.")), path("b/dots. 1"));
+    EXPECT_EQ(M::returnUniquePath(path("c/")), path("c 1"));
+    EXPECT_EQ(M::returnUniquePath(path("b/free.txt")), path("b/free.txt"));
+}
+
+// Applications are desktop entries found by their identifier.
+TEST(Applications, AreFoundByTheirDesktopEntry)
+{
+    QTemporaryDir data;
+    ASSERT_TRUE(QDir(data.path()).mkpath("applications"));
+    write(data.filePath("applications/org.example.Shell.desktop"),
+          "[Desktop Entry]\nType=Application\nName=Shell\nExec=sh -c true %F\n");
+    write(data.filePath("applications/org.example.Gone.desktop"),
+          "[Desktop Entry]\nType=Application\nName=Gone\nExec=no-such-program-here\n");
+    qputenv("XDG_DATA_HOME", bytes(data.path()));
+    qputenv("XDG_DATA_DIRS", bytes(data.path()));
+    const QString shell = QStandardPaths::findExecutable("sh");
+    EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Shell"), shell);
+    EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Shell.desktop"), shell);
+    EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Gone"), QString());
+    EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Missing"), QString());
+    EXPECT_EQ(M::returnAppPath("ttxt"), QString()) << "Linux keeps no creator codes";
+}
+
+} // namespace
