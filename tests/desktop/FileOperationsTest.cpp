@@ -126,6 +126,30 @@ TEST_F(FileOperations, ReplacingLosesOnlyTheReplacedItem)
             EXPECT_FALSE(entry.startsWith(".nomen")) << "left behind: " << entry.toStdString();
 }
 
+// Across file systems the new item is copied in whole beside the old one
+// before anything is replaced, and the original goes last.
+TEST_F(FileOperations, ReplacingAcrossFileSystemsLosesOnlyTheReplacedItem)
+{
+    QTemporaryDir there(QStringLiteral("/dev/shm/nomen-operations-XXXXXX"));
+    struct stat here, away;
+    if (!there.isValid() || stat(bytes(there.path()).constData(), &away) != 0
+        || stat(bytes(folder.path()).constData(), &here) != 0 || here.st_dev == away.st_dev)
+        GTEST_SKIP() << "no second file system at /dev/shm";
+    write(there.filePath("x.txt"), "old");
+    ASSERT_TRUE(QDir(path("a")).mkpath("album/inner"));
+    write(path("a/album/inner/photo.jpg"), "pixels");
+    ASSERT_TRUE(QDir(there.path()).mkpath("album/stale"));
+
+    EXPECT_TRUE(M::moveItem(path("a/x.txt"), there.path(), true));
+    EXPECT_EQ(contentsOf(there.filePath("x.txt")), "x");
+    EXPECT_TRUE(M::copyItem(path("a/album"), there.filePath("album"), true));
+    EXPECT_EQ(contentsOf(there.filePath("album/inner/photo.jpg")), "pixels");
+    EXPECT_FALSE(exists(there.filePath("album/stale")));
+    EXPECT_EQ(entries("a"), QStringList{"album"}) << "the copy's source stays, the moved file went";
+    EXPECT_EQ(QDir(there.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              (QStringList{"album", "x.txt"}));
+}
+
 // The root, the home folder and what holds it are never removed or
 // replaced, however the path reaches them. The home folder here is a
 // stand-in, so a fault cannot cost the real one.
