@@ -3,6 +3,7 @@
 #include "PathCodec.h"
 
 #include <QList>
+#include <QRandomGenerator>
 #include <cerrno>
 #include <memory>
 #include <cstdio>
@@ -331,6 +332,9 @@ Result move(const QByteArray &source, const QByteArray &destination, const Optio
     return {error, {}, false};
 }
 
+// The copy is made under a hidden name beside its destination and takes
+// the destination's name only when whole, so an interrupted copy is never
+// mistaken for a complete one.
 Result copy(const QByteArray &from, const QByteArray &to)
 {
     if (from.isEmpty() || to.isEmpty())
@@ -338,10 +342,20 @@ Result copy(const QByteArray &from, const QByteArray &to)
     struct stat existing;
     if (lstat(to.constData(), &existing) == 0)
         return {EEXIST, {}, false};
-    const Failure failure = copyTree(from, to, false);
-    // A copy that is not whole goes; one we did not make stays.
-    if (failure && failure.error != EEXIST)
-        removeTree(to);
+    QByteArray staging;
+    do {
+        staging = folderOf(to) + "/.nomen-copying-" + QByteArray::number(getpid()) + '-'
+                  + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+    } while (lstat(staging.constData(), &existing) == 0);
+    Failure failure = copyTree(from, staging, false);
+    if (!failure) {
+        const Result placed = move(staging, to);
+        if (placed.error)
+            failure = failed(placed.error, QStringLiteral("cannot give the copy its name"), to);
+    }
+    if (failure)
+        removeTree(staging); // ours: its name was free
+
     return {failure.error, failure.detail, false};
 }
 

@@ -39,8 +39,9 @@ Result move(const QByteArray &from, const QByteArray &to, const Options &options
 
 // Copies an item with everything in it (modes, times, extended attributes;
 // file contents shared or copied in the kernel where the file systems
-// allow) to a destination that must not exist. A copy that fails part way
-// is removed again.
+// allow) to a destination that must not exist. The copy is made under a
+// hidden name beside the destination and renamed when whole; one that fails
+// part way is removed again.
 Result copy(const QByteArray &from, const QByteArray &to);
 // Removes an item with everything in it; a link goes, not what it names.
 Result remove(const QByteArray &path);

@@ -233,14 +233,20 @@ TEST(Applications, AreFoundByTheirDesktopEntry)
           "[Desktop Entry]\nType=Application\nName=Shell\nExec=sh -c true %F\n");
     write(data.filePath("applications/org.example.Gone.desktop"),
           "[Desktop Entry]\nType=Application\nName=Gone\nExec=no-such-program-here\n");
+    // Our folder first; the system's stay, as other tests read the MIME
+    // database from them.
+    const QByteArray savedHome = qgetenv("XDG_DATA_HOME");
     qputenv("XDG_DATA_HOME", bytes(data.path()));
-    qputenv("XDG_DATA_DIRS", bytes(data.path()));
     const QString shell = QStandardPaths::findExecutable("sh");
     EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Shell"), shell);
     EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Shell.desktop"), shell);
     EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Gone"), QString());
     EXPECT_EQ(M::returnAppPathFromBundleID("org.example.Missing"), QString());
     EXPECT_EQ(M::returnAppPath("ttxt"), QString()) << "Linux keeps no creator codes";
+    if (savedHome.isNull())
+        qunsetenv("XDG_DATA_HOME");
+    else
+        qputenv("XDG_DATA_HOME", savedHome);
 }
 
 } // namespace
