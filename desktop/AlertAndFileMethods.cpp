@@ -1,6 +1,7 @@
 #include "DesktopMethods.h"
 
 #include "Alerts.h"
+#include "DictionaryAdditions.h"
 #include "MiscMethods.h"
 #include "NativeBinding.h"
 
@@ -108,6 +109,7 @@ void registerFileOperations(MethodRegistry &registry)
     addClassMethod(registry, C, QStringLiteral("returnUniquePath:"), &M::returnUniquePath);
     addClassMethod(registry, C, QStringLiteral("returnAppPath:"), &M::returnAppPath);
     addClassMethod(registry, C, QStringLiteral("returnAppPathFromBundleID:"), &M::returnAppPathFromBundleID);
+    addClassMethod(registry, C, QStringLiteral("osType:"), &ROZ_NSDictionaryAdditions::osType);
 }
 
 } // namespace

@@ -248,4 +248,24 @@ TEST(Utilities, ScreenUpdatesNestAndResumeAfterTheLastYes)
     EXPECT_TRUE(window.updatesEnabled());
 }
 
+// Cached administrator credentials are forgotten through the shell's sudo,
+// wherever the search path finds one.
+TEST(Utilities, ClearSudoRunsSudoMinusK)
+{
+    QTemporaryDir bin;
+    const QString record = bin.filePath(QStringLiteral("called"));
+    QFile sudo(bin.filePath(QStringLiteral("sudo")));
+    ASSERT_TRUE(sudo.open(QIODevice::WriteOnly));
+    sudo.write("#!/bin/sh\necho \"$@\" > \"$(dirname \"$0\")/called\"\n");
+    sudo.close();
+    ASSERT_TRUE(sudo.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    const QByteArray savedPath = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(bin.path()) + ':' + savedPath);
+    M::clearSudo(buildMethodTable());
+    qputenv("PATH", savedPath);
+    QFile called(record);
+    ASSERT_TRUE(called.open(QIODevice::ReadOnly)) << "sudo was not run";
+    EXPECT_EQ(called.readAll(), "-k\n");
+}
+
 } // namespace

@@ -118,7 +118,7 @@ const QList<ClassSelectors> scriptSelectors = {
       "leadingZeros:minimumNumber:", "clearSudo", "makeTargetFolder:",
       "writeToFile:withContent:shouldAppend:withCreatorCode:withFileType:shouldRandmize:",
       "copyItem:toPath:withReplacing:", "moveItem:toPath:withReplacing:", "returnUniquePath:", "deleteItem:",
-      "returnAppPath:", "returnAppPathFromBundleID:"}},
+      "returnAppPath:", "returnAppPathFromBundleID:", "osType:"}},
     {"files", MethodKind::Instance, "NSString", {"pathHFS", "pathPOSIX", "alias", "aliasData", "fsRef", "stringAsNumberSort:"}},
     {"files", MethodKind::Class, "NSString", {"stringWithFSRef:"}},
     {"text", MethodKind::Instance, "NSString",

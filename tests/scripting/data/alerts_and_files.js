@@ -46,3 +46,4 @@ misc("deleteItem:", [DIR + "/a"]);
 print("gone", !exists(DIR + "/a"));
 misc("returnAppPath:", ["ttxt"]);
 misc("returnAppPathFromBundleID:", ["no.such.application"]);
+misc("osType:", ["TEXT"]);
