@@ -70,6 +70,12 @@ void writeUnattended(const QString &kind, const QString &title, const QString &t
     std::fflush(stderr);
 }
 
+// Without a title of its own the default button is the panel's "OK".
+QString defaultTitle(const Alert &alert)
+{
+    return alert.defaultButton.isEmpty() ? localized("OK") : alert.defaultButton;
+}
+
 QMessageBox *makeAlert(const Alert &alert, QWidget *parent)
 {
     auto *box = new QMessageBox(parent);
@@ -82,8 +88,7 @@ QMessageBox *makeAlert(const Alert &alert, QWidget *parent)
         button->setProperty(ReturnCodeProperty, code);
         return button;
     };
-    box->setDefaultButton(add(alert.defaultButton.isEmpty() ? localized("OK") : alert.defaultButton,
-                              QMessageBox::AcceptRole, DefaultReturn));
+    box->setDefaultButton(add(defaultTitle(alert), QMessageBox::AcceptRole, DefaultReturn));
     if (alert.alternateButton)
         add(*alert.alternateButton, QMessageBox::RejectRole, AlternateReturn);
     if (alert.otherButton)
@@ -93,7 +98,7 @@ QMessageBox *makeAlert(const Alert &alert, QWidget *parent)
 
 QStringList buttonsOf(const Alert &alert)
 {
-    QStringList titles{alert.defaultButton.isEmpty() ? localized("OK") : alert.defaultButton};
+    QStringList titles{defaultTitle(alert)};
     if (alert.alternateButton)
         titles.append(*alert.alternateButton);
     if (alert.otherButton)

@@ -21,7 +21,8 @@ QString programOf(const QString &identifier)
 {
     if (identifier.isEmpty())
         return QString();
-    QByteArray name = identifier.toUtf8();
+    // The identifier is the entry's file name, so it is bytes like any name.
+    QByteArray name = PathCodec::encode(identifier);
     if (!name.endsWith(".desktop"))
         name += ".desktop";
     const std::unique_ptr<GDesktopAppInfo, Unref<GDesktopAppInfo>> entry(g_desktop_app_info_new(name.constData()));

@@ -1,9 +1,9 @@
 #include "FileMoves.h"
 
 #include "PathCodec.h"
+#include "PathNames.h"
 
 #include <QList>
-#include <QRandomGenerator>
 #include <cerrno>
 #include <memory>
 #include <cstdio>
@@ -50,12 +50,6 @@ Failure flushFolder(const QByteArray &folder)
     const int error = fsync(descriptor) == 0 ? 0 : errno;
     close(descriptor);
     return error ? failed(error, QStringLiteral("cannot flush the folder"), folder) : Failure{};
-}
-
-QByteArray folderOf(const QByteArray &path)
-{
-    const qsizetype slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
 }
 
 // Extended attributes go with the copy. Those of the user must arrive, or
@@ -293,7 +287,7 @@ Result moveAcross(const QByteArray &from, const QByteArray &to, const Options &o
         return {EEXIST, {}, false};
     Failure failure = copyTree(from, to, true);
     if (!failure)
-        failure = flushFolder(folderOf(to));
+        failure = flushFolder(PathNames::folderOf(to));
     if (!failure && options.copied)
         if (const int error = options.copied(to))
             failure = failed(error, QStringLiteral("the copy was not recorded, so it was removed again:"), to);
@@ -332,6 +326,17 @@ Result move(const QByteArray &source, const QByteArray &destination, const Optio
     return {error, {}, false};
 }
 
+QByteArray freeNameBeside(const QByteArray &path, const char *purpose)
+{
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const QByteArray name = PathNames::hiddenNameBeside(path, purpose);
+        struct stat taken;
+        if (lstat(name.constData(), &taken) != 0 && errno == ENOENT)
+            return name;
+    }
+    return QByteArray();
+}
+
 // The copy is made under a hidden name beside its destination and takes
 // the destination's name only when whole, so an interrupted copy is never
 // mistaken for a complete one.
@@ -342,11 +347,9 @@ Result copy(const QByteArray &from, const QByteArray &to)
     struct stat existing;
     if (lstat(to.constData(), &existing) == 0)
         return {EEXIST, {}, false};
-    QByteArray staging;
-    do {
-        staging = folderOf(to) + "/.nomen-copying-" + QByteArray::number(getpid()) + '-'
-                  + QByteArray::number(QRandomGenerator::global()->generate(), 36);
-    } while (lstat(staging.constData(), &existing) == 0);
+    const QByteArray staging = freeNameBeside(to, "copying");
+    if (staging.isEmpty())
+        return {EEXIST, {}, false};
     Failure failure = copyTree(from, staging, false);
     if (!failure) {
         const Result placed = move(staging, to);

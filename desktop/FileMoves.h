@@ -43,6 +43,9 @@ Result move(const QByteArray &from, const QByteArray &to, const Options &options
 // hidden name beside the destination and renamed when whole; one that fails
 // part way is removed again.
 Result copy(const QByteArray &from, const QByteArray &to);
+// A hidden name beside `path` that nothing has yet, for an item while it is
+// made; "" when none is found.
+QByteArray freeNameBeside(const QByteArray &path, const char *purpose);
 // Removes an item with everything in it; a link goes, not what it names.
 Result remove(const QByteArray &path);
 

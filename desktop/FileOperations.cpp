@@ -9,7 +9,6 @@
 #include "PathNames.h"
 #include "StringAdditions.h"
 
-#include <QRandomGenerator>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -22,12 +21,6 @@ using ROZ_PathConversion::pathPOSIX;
 namespace {
 
 enum class Transfer { Move, Copy };
-
-QByteArray folderOf(const QByteArray &path)
-{
-    const qsizetype slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
-}
 
 QByteArray withoutTrailingSlashes(QByteArray path)
 {
@@ -54,7 +47,7 @@ std::optional<QByteArray> canonicalItem(const QByteArray &path)
     const QByteArray name = trimmed.mid(trimmed.lastIndexOf('/') + 1);
     if (name.isEmpty() || name == "." || name == ".." || trimmed == "/")
         return resolved(trimmed);
-    const auto folder = resolved(folderOf(trimmed));
+    const auto folder = resolved(PathNames::folderOf(trimmed));
     if (!folder)
         return std::nullopt;
     return (*folder == "/" ? QByteArray() : *folder) + '/' + name;
@@ -101,17 +94,8 @@ bool put(const QByteArray &from, const QByteArray &to, Transfer kind)
 // the two change places in one step, and only then is the old one removed.
 bool replaceWith(const QByteArray &from, const QByteArray &to, Transfer kind)
 {
-    QByteArray staging;
-    for (int attempt = 0;; ++attempt) {
-        staging = folderOf(to) + "/.nomen-replacing-" + QByteArray::number(::getpid()) + '-'
-                  + QByteArray::number(QRandomGenerator::global()->generate(), 36);
-        struct stat taken;
-        if (::lstat(staging.constData(), &taken) != 0 && errno == ENOENT)
-            break;
-        if (attempt == 100)
-            return false;
-    }
-    if (!put(from, staging, kind))
+    const QByteArray staging = FileMoves::freeNameBeside(to, "replacing");
+    if (staging.isEmpty() || !put(from, staging, kind))
         return false;
     if (::renameat2(AT_FDCWD, staging.constData(), AT_FDCWD, to.constData(), RENAME_EXCHANGE) == 0)
         return FileMoves::remove(staging).error == 0;
@@ -129,7 +113,7 @@ bool replaceWith(const QByteArray &from, const QByteArray &to, Transfer kind)
 bool isInside(const QByteArray &path, const QByteArray &folder)
 {
     const auto real = resolved(folder);
-    const auto container = resolved(folderOf(path));
+    const auto container = resolved(PathNames::folderOf(path));
     return real && container && (*container == *real || container->startsWith(*real + '/'));
 }
 

@@ -1,8 +1,8 @@
 #include "FileBytes.h"
 
 #include "PathCodec.h"
+#include "PathNames.h"
 
-#include <QRandomGenerator>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -23,12 +23,6 @@ Contents failure(const QString &path, int error)
 QString failed(const QByteArray &path, int error)
 {
     return QStringLiteral("%1: %2").arg(PathCodec::decode(path), QString::fromLocal8Bit(std::strerror(error)));
-}
-
-QByteArray folderOf(const QByteArray &path)
-{
-    const qsizetype slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
 }
 
 QString writeAll(int fd, const QByteArray &bytes, const QByteArray &name)
@@ -70,14 +64,13 @@ QString replaceContents(const QString &path, const QByteArray &bytes)
     QByteArray temporary;
     int fd = -1;
     for (int attempt = 0; fd < 0 && attempt < 100; ++attempt) {
-        temporary = folderOf(target) + "/.nomen-write-" + QByteArray::number(::getpid()) + '-'
-                    + QByteArray::number(QRandomGenerator::global()->generate(), 36);
+        temporary = PathNames::hiddenNameBeside(target, "write");
         fd = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, existed ? 0600 : 0666);
         if (fd < 0 && errno != EEXIST)
-            return failed(folderOf(target), errno);
+            return failed(PathNames::folderOf(target), errno);
     }
     if (fd < 0)
-        return failed(folderOf(target), EEXIST);
+        return failed(PathNames::folderOf(target), EEXIST);
     QString error = !existed || ::fchmod(fd, info.st_mode & 07777) == 0 ? writeAll(fd, bytes, target) : failed(target, errno);
     if (::close(fd) != 0 && error.isEmpty() && errno != EINTR)
         error = failed(target, errno);
@@ -89,12 +82,12 @@ QString replaceContents(const QString &path, const QByteArray &bytes)
     }
     // The new name is on disk only once its folder is; a folder that cannot
     // be opened for reading cannot be flushed, and the rename stands.
-    const int folder = ::open(folderOf(target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int folder = ::open(PathNames::folderOf(target).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0)
         return QString();
     const int flushError = ::fsync(folder) == 0 ? 0 : errno;
     ::close(folder);
-    return flushError ? failed(folderOf(target), flushError) : QString();
+    return flushError ? failed(PathNames::folderOf(target), flushError) : QString();
 }
 
 Contents read(const QString &path)

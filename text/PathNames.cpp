@@ -1,5 +1,8 @@
 #include "PathNames.h"
 
+#include <QRandomGenerator>
+#include <unistd.h>
+
 namespace PathNames {
 
 QString lastComponent(const QString &path)
@@ -10,6 +13,18 @@ QString lastComponent(const QString &path)
     if (trimmed == QLatin1String("/"))
         return trimmed;
     return trimmed.section(u'/', -1);
+}
+
+QByteArray folderOf(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray(".") : slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+QByteArray hiddenNameBeside(const QByteArray &path, const char *purpose)
+{
+    return folderOf(path) + "/.nomen-" + purpose + '-' + QByteArray::number(::getpid()) + '-'
+           + QByteArray::number(QRandomGenerator::global()->generate(), 36);
 }
 
 } // namespace PathNames

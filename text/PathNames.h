@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 namespace PathNames {
@@ -7,5 +8,13 @@ namespace PathNames {
 // The last component of a path: trailing slashes do not count, and the root
 // is itself.
 QString lastComponent(const QString &path);
+
+// The folder that holds the item a path in the file system's bytes names:
+// "." for a bare name, "/" for an item at the root.
+QByteArray folderOf(const QByteArray &path);
+
+// A hidden name in the same folder as `path` for work in progress
+// (".nomen-PURPOSE-PID-RANDOM"); whether it is free is for the caller to see.
+QByteArray hiddenNameBeside(const QByteArray &path, const char *purpose);
 
 } // namespace PathNames

@@ -16,11 +16,19 @@ struct ScriptRun {
     QString err;
 };
 
-ScriptRun nomenScript(const QStringList &arguments, const QString &timeZone = QStringLiteral("UTC"))
+// Runs nomen-script in UTC, with these variables set (an empty value
+// removes one).
+ScriptRun nomenScript(const QStringList &arguments, const QMap<QString, QString> &variables = {})
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("TZ"), timeZone);
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
+    for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable) {
+        if (variable.value().isEmpty())
+            environment.remove(variable.key());
+        else
+            environment.insert(variable.key(), variable.value());
+    }
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(NOMEN_SCRIPT_PATH), arguments);
     process.closeWriteChannel();
@@ -28,6 +36,13 @@ ScriptRun nomenScript(const QStringList &arguments, const QString &timeZone = QS
         return {-1, QString(), QStringLiteral("timed out")};
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+void writeFile(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(contents);
 }
 
 QString readFile(const QString &path)
@@ -209,23 +224,14 @@ TEST(NomenScript, AnswersEveryCollectionDateAndDefaultsSelectorByName)
 {
     QTemporaryDir folder;
     const QString table = folder.filePath(QStringLiteral("people.tsv"));
-    QFile file(table);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("# who\r\nname\tage\r\nAnn\t31\r\n\r\nBo\n");
-    file.close();
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), folder.path());
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("en_US.UTF-8"));
-    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
-    process.setProcessEnvironment(environment);
+    writeFile(table, "# who\r\nname\tage\r\nAnn\t31\r\n\r\nBo\n");
     const QString script = readFile(QStringLiteral(NOMEN_TEST_DATA "/collections_and_defaults.js"));
-    process.start(QStringLiteral(NOMEN_SCRIPT_PATH),
-                  {QStringLiteral("-e"), QStringLiteral("var TSV_FILE = %1;\n").arg(JsonString::quoted(table)) + script});
-    ASSERT_TRUE(process.waitForFinished(30000));
-    const QString out = QString::fromUtf8(process.readAllStandardOutput());
-    const QString err = QString::fromUtf8(process.readAllStandardError());
-    ASSERT_EQ(process.exitCode(), 0) << err.toStdString();
+    const ScriptRun run =
+        nomenScript({QStringLiteral("-e"), QStringLiteral("var TSV_FILE = %1;\n").arg(JsonString::quoted(table)) + script},
+                    {{"XDG_CONFIG_HOME", folder.path()}, {"LC_ALL", "en_US.UTF-8"}});
+    const QString &out = run.out;
+    const QString &err = run.err;
+    ASSERT_EQ(run.exitCode, 0) << err.toStdString();
     EXPECT_EQ(out, readFile(QStringLiteral(NOMEN_TEST_DATA "/collections_and_defaults.expected")));
     for (const ClassSelectors &group : scriptSelectors) {
         if (QLatin1String(group.subsystem) != QLatin1String("collections"))
@@ -282,17 +288,10 @@ TEST(NomenScript, AnswersEveryDesktopSelectorByName)
         [r.task, /^\d+\.\d+\.\d+ \((Intel|PPC)\)$/.test(r.version), typeof r.plus[0], typeof r.names[0],
          r.set, r.second, r.restored, r.duringPaste, r.startup, r.startupAfter].join("|")
     )JS");
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    environment.remove(QStringLiteral("DISPLAY"));
-    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(NOMEN_SCRIPT_PATH), {QStringLiteral("-e"), script});
-    ASSERT_TRUE(process.waitForFinished(30000));
-    EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()),
-              QStringLiteral("fed|true|boolean|string|true|second|first|pasted|true|false\n"))
-        << process.readAllStandardError().toStdString();
+    const ScriptRun run = nomenScript({QStringLiteral("-e"), script},
+                                      {{"XDG_CONFIG_HOME", config.path()}, {"DISPLAY", ""}, {"QT_QPA_PLATFORM", ""}});
+    EXPECT_EQ(run.out, QStringLiteral("fed|true|boolean|string|true|second|first|pasted|true|false\n"))
+        << run.err.toStdString();
 }
 
 TEST(NomenScript, AnswersEveryFileItemSelectorByName)
@@ -301,10 +300,7 @@ TEST(NomenScript, AnswersEveryFileItemSelectorByName)
     // "selector value" with the folder's path written as DIR.
     QTemporaryDir dir;
     QDir().mkpath(dir.filePath(QStringLiteral("Sub")));
-    QFile file(dir.filePath(QStringLiteral("a.txt")));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("text");
-    file.close();
+    writeFile(dir.filePath(QStringLiteral("a.txt")), "text");
     const QString script = QStringLiteral(R"JS(
         var M = "ROZ_MiscMethods", D = "%1", f = D + "/a.txt", out = [];
         function show(selector, value) { out.push(selector + " " + JSON.stringify(value).split(D).join("DIR")); }
@@ -389,9 +385,9 @@ TEST(NomenScript, PrintsTheCompletionValue)
               QStringLiteral("The Lord of the Rings\n"));
     EXPECT_EQ(nomenScript({"-e", "var x = 1"}).out, QString());
     EXPECT_EQ(nomenScript({"-e", "({a: [1, 'b'], c: null})"}).out, QStringLiteral("{\"a\":[1,\"b\"],\"c\":null}\n"));
-    EXPECT_EQ(nomenScript({"-e", "new Date(2024, 6, 14, 9, 30, 5)"}, QStringLiteral("Europe/Paris")).out,
+    EXPECT_EQ(nomenScript({"-e", "new Date(2024, 6, 14, 9, 30, 5)"}, {{"TZ", "Europe/Paris"}}).out,
               QStringLiteral("\"2024-07-14T09:30:05+02:00\"\n"));
-    EXPECT_EQ(nomenScript({"-e", "new Date(2024, 0, 14, 9, 30, 5, 250)"}, QStringLiteral("America/New_York")).out,
+    EXPECT_EQ(nomenScript({"-e", "new Date(2024, 0, 14, 9, 30, 5, 250)"}, {{"TZ", "America/New_York"}}).out,
               QStringLiteral("\"2024-01-14T09:30:05.250-05:00\"\n"));
     EXPECT_EQ(nomenScript({"-e", "print('a', 1, [true]); 'done'"}).out, QStringLiteral("a 1 [true]\ndone\n"));
 }
@@ -400,10 +396,7 @@ TEST(NomenScript, ReportsErrorsWithFileAndLine)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("broken.js"));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("var a = 1;\n\ncallMethod('x', 'noSuchSelector', []);\n");
-    file.close();
+    writeFile(path, "var a = 1;\n\ncallMethod('x', 'noSuchSelector', []);\n");
     const ScriptRun run = nomenScript({path});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.out, QString());
