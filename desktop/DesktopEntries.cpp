@@ -6,29 +6,39 @@
 
 #include "PathCodec.h"
 
+#include <memory>
+
 namespace DesktopEntries {
 
 namespace {
 
-template <typename T>
 struct Unref {
-    void operator()(T *object) const { g_object_unref(object); }
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+template <typename T>
+using Owned = std::unique_ptr<T, Unref>;
+
+struct FreeList {
+    void operator()(GList *list) const { g_list_free_full(list, g_object_unref); }
 };
 
-} // namespace
+QString text(const char *utf8) { return utf8 ? QString::fromUtf8(utf8) : QString(); }
 
-QString programOf(const QString &identifier)
+// The identifier is the entry's file name, so it is bytes like any name.
+Owned<GDesktopAppInfo> entryNamed(const QString &identifier)
 {
     if (identifier.isEmpty())
-        return QString();
-    // The identifier is the entry's file name, so it is bytes like any name.
+        return nullptr;
     QByteArray name = PathCodec::encode(identifier);
     if (!name.endsWith(".desktop"))
         name += ".desktop";
-    const std::unique_ptr<GDesktopAppInfo, Unref<GDesktopAppInfo>> entry(g_desktop_app_info_new(name.constData()));
-    if (!entry)
-        return QString();
-    const char *executable = g_app_info_get_executable(G_APP_INFO(entry.get()));
+    return Owned<GDesktopAppInfo>(g_desktop_app_info_new(name.constData()));
+}
+
+QString identifierOf(GAppInfo *info) { return info ? PathCodec::decode(QByteArray(g_app_info_get_id(info))) : QString(); }
+
+QString pathOfProgram(const char *executable)
+{
     if (!executable || !*executable)
         return QString();
     gchar *program = g_find_program_in_path(executable);
@@ -37,6 +47,122 @@ QString programOf(const QString &identifier)
     const QString answer = PathCodec::decode(QByteArray(program));
     g_free(program);
     return answer;
+}
+
+// Every installed entry that should be shown, in the order GIO lists them.
+template <typename Match>
+QString firstEntry(Match match)
+{
+    const std::unique_ptr<GList, FreeList> all(g_app_info_get_all());
+    for (GList *item = all.get(); item; item = item->next) {
+        GAppInfo *info = G_APP_INFO(item->data);
+        if (match(info))
+            return identifierOf(info);
+    }
+    return QString();
+}
+
+} // namespace
+
+QString programOf(const QString &identifier)
+{
+    const auto entry = entryNamed(identifier);
+    return entry ? pathOfProgram(g_app_info_get_executable(G_APP_INFO(entry.get()))) : QString();
+}
+
+QString nameOf(const QString &identifier)
+{
+    const auto entry = entryNamed(identifier);
+    return entry ? text(g_app_info_get_name(G_APP_INFO(entry.get()))) : QString();
+}
+
+QString find(const QString &nameOrIdentifier)
+{
+    if (const auto entry = entryNamed(nameOrIdentifier))
+        return identifierOf(G_APP_INFO(entry.get()));
+    return firstEntry([&](GAppInfo *info) {
+        return nameOrIdentifier.compare(text(g_app_info_get_name(info)), Qt::CaseInsensitive) == 0 ||
+               nameOrIdentifier.compare(text(g_app_info_get_display_name(info)), Qt::CaseInsensitive) == 0;
+    });
+}
+
+QString findRunning(const QString &windowClass, const QString &program)
+{
+    if (!windowClass.isEmpty()) {
+        if (const auto entry = entryNamed(windowClass.toLower()))
+            return identifierOf(G_APP_INFO(entry.get()));
+        const QString claimed = firstEntry([&](GAppInfo *info) {
+            const char *wmClass = G_IS_DESKTOP_APP_INFO(info)
+                                      ? g_desktop_app_info_get_startup_wm_class(G_DESKTOP_APP_INFO(info))
+                                      : nullptr;
+            return wmClass && windowClass.compare(text(wmClass), Qt::CaseInsensitive) == 0;
+        });
+        if (!claimed.isEmpty())
+            return claimed;
+    }
+    if (program.isEmpty())
+        return QString();
+    return firstEntry([&](GAppInfo *info) { return pathOfProgram(g_app_info_get_executable(info)) == program; });
+}
+
+bool launch(const QString &identifier, const QStringList &paths)
+{
+    const auto entry = entryNamed(identifier);
+    if (!entry)
+        return false;
+    // Files go as URIs made from their bytes, so a name that is not UTF-8
+    // reaches the application unchanged.
+    GList *uris = nullptr;
+    for (const QString &path : paths) {
+        gchar *uri = g_filename_to_uri(PathCodec::encode(path).constData(), nullptr, nullptr);
+        if (uri)
+            uris = g_list_append(uris, uri);
+    }
+    const Owned<GAppLaunchContext> context(g_app_launch_context_new());
+    GError *error = nullptr;
+    const bool started = g_app_info_launch_uris(G_APP_INFO(entry.get()), uris, context.get(), &error);
+    g_list_free_full(uris, g_free);
+    g_clear_error(&error);
+    return started;
+}
+
+bool openUri(const QString &uri)
+{
+    if (uri.isEmpty())
+        return false;
+    GError *error = nullptr;
+    const bool opened = g_app_info_launch_default_for_uri(uri.toUtf8().constData(), nullptr, &error);
+    g_clear_error(&error);
+    return opened;
+}
+
+QString contentTypeOf(const QString &path)
+{
+    const Owned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
+    const Owned<GFileInfo> info(g_file_query_info(file.get(), G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
+                                                  G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
+    if (!info)
+        return QString();
+    gchar *mime = g_content_type_get_mime_type(g_file_info_get_content_type(info.get()));
+    const QString answer = text(mime);
+    g_free(mime);
+    return answer;
+}
+
+QString defaultForContentType(const QString &type)
+{
+    if (type.isEmpty())
+        return QString();
+    const Owned<GAppInfo> info(g_app_info_get_default_for_type(type.toUtf8().constData(), false));
+    return identifierOf(info.get());
+}
+
+QString defaultForScheme(const QString &scheme)
+{
+    if (scheme.isEmpty())
+        return QString();
+    const Owned<GAppInfo> info(g_app_info_get_default_for_uri_scheme(scheme.toUtf8().constData()));
+    return identifierOf(info.get());
 }
 
 } // namespace DesktopEntries

@@ -1,13 +1,38 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
-// Applications are desktop entries, found by the freedesktop rules.
+// Applications are desktop entries, found, chosen and started by the
+// freedesktop rules (installed entries, mimeapps.list defaults), never read
+// by hand. An identifier is an entry's file name ("org.gnome.TextEditor",
+// with or without ".desktop").
 namespace DesktopEntries {
 
-// The absolute path of the program the entry with this identifier
-// ("org.gnome.TextEditor", with or without ".desktop") starts; "" when no
-// such entry is installed or its program is not found.
+// The absolute path of the program the entry starts; "" when no such entry
+// is installed or its program is not found.
 QString programOf(const QString &identifier);
+// The entry's display name, or "".
+QString nameOf(const QString &identifier);
+// The identifier (with ".desktop") of the installed entry whose identifier
+// or name, without regard to case, is this; "" when none is.
+QString find(const QString &nameOrIdentifier);
+// The identifier of the entry that starts this program or claims this
+// window class, or "".
+QString findRunning(const QString &windowClass, const QString &program);
+
+// Starts the entry, handing it the files; true when it started.
+bool launch(const QString &identifier, const QStringList &paths);
+// Opens the URI with its default handler; true when one started. The
+// launch carries no startup notification, so whether the handler comes to
+// the front is the window manager's choice.
+bool openUri(const QString &uri);
+
+// The content type of the file ("text/plain"), or "" when it is missing.
+QString contentTypeOf(const QString &path);
+// The identifier of the default entry for a content type or for a URL
+// scheme ("mailto"); "" when there is none.
+QString defaultForContentType(const QString &type);
+QString defaultForScheme(const QString &scheme);
 
 } // namespace DesktopEntries

@@ -55,5 +55,6 @@ void registerDesktopMethods(MethodRegistry &registry)
     registerTextShapingMethods(registry);
     registerFontMethods(registry);
     registerAlertAndFileMethods(registry);
+    registerApplicationAndNetworkMethods(registry);
     installKeyEventTracking();
 }

@@ -13,3 +13,5 @@ void registerTextShapingMethods(MethodRegistry &registry);
 void registerFontMethods(MethodRegistry &registry);
 // Alerts, dialogs, logging and small utilities, and file operations.
 void registerAlertAndFileMethods(MethodRegistry &registry);
+// Processes, applications, the disappearing puff, and the network.
+void registerApplicationAndNetworkMethods(MethodRegistry &registry);

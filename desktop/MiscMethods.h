@@ -70,6 +70,33 @@ public:
     static QString returnAppPath(const QString &creatorCode);
     static QString returnAppPathFromBundleID(const QString &identifier);
 
+    // Processes and applications. Applications are desktop entries; the
+    // running ones are those whose windows the window manager lists, each
+    // a dictionary with the "NSApplication..." keys.
+    static int pidForApplication(const QString &name);
+    static bool killApplication(const QString &name);
+    static QStringList returnLaunchedApplicationsPaths();
+    static bool launchApplication(const QString &name);
+    static void hideOtherApplications();
+    static QVariant returnCurrentApplication();
+    static QVariantList returnLaunchedApplications();
+    static QVariantList returnLaunchedApplicationProperty(const QString &key, bool forHFS);
+    static QString returnDefaultAppForItem(const QString &path);
+    static QString returnDefaultAppForURLScheme(const QString &url);
+    static bool openFile(const QString &path, const std::optional<QString> &application);
+    static void openURL(const QString &url);
+    static void openURLInBackground(const QString &url);
+    static void poof(const QString &point);
+
+    // Network. The gateway and the lookup answer NO and nil without their
+    // address defaults ("SMSGatewayURL", "ReversePhoneLookupURL").
+    static bool sendGoogleSMS(const QString &message, const QString &subject, const QString &phone,
+                              const QString &carrier);
+    static std::optional<QString> returnCarrierForMobileNumber(const QString &phone);
+    static bool isNetworkAvailable(const QString &host);
+    static QVariantMap returnProxyInfoRaw();
+    static QVariantMap returnProxyInfo();
+
     // System information.
     static QString returnOSVersion();
     static bool return104Plus();

@@ -11,10 +11,11 @@ packages=(
   libicu-dev libexiv2-dev perl libplist-dev tzdata
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth libx11-dev libxtst-dev libxss-dev
-  libglib2.0-dev
+  libglib2.0-dev shared-mime-info
   clang libclang-rt-14-dev
   rename
   fonts-dejavu-core libespeak-ng-dev espeak-ng-data
+  procps openbox
 )
 
 missing=()

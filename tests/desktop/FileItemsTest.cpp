@@ -348,18 +348,6 @@ TEST_F(FileItems, ItemInformationUsesFreedesktopSources)
     EXPECT_EQ(info->value("LSItemExtensionIsHidden"), QVariant(false));
     EXPECT_TRUE(M::returnItemIsImage(file)) << "PDF counts as an image";
 
-    // The default application is the one mimeapps.list picks.
-    const QString config = makeFolder(QStringLiteral("config"));
-    const QString data = makeFolder(QStringLiteral("data/applications"));
-    make(QStringLiteral("config/mimeapps.list"), "[Default Applications]\napplication/pdf=missing.desktop;viewer.desktop\n");
-    make(QStringLiteral("data/applications/viewer.desktop"), "[Desktop Entry]\nType=Application\nName=Test Viewer\n");
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(config));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(dir.filePath(QStringLiteral("data"))));
-    qputenv("XDG_DATA_DIRS", "/nonexistent");
-    EXPECT_EQ(M::returnItemDefaultApp(file), QVariant(QStringLiteral("Test Viewer")));
-    qunsetenv("XDG_CONFIG_HOME");
-    qunsetenv("XDG_DATA_HOME");
-    qunsetenv("XDG_DATA_DIRS");
     EXPECT_FALSE(M::returnItemIsImage(make(QStringLiteral("notes.txt"), "hello")));
 }
 
