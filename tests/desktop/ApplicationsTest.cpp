@@ -89,6 +89,36 @@ call("openURLInBackground:", ["nomentest:quiet"]);
     EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("pwned"))));
 }
 
+// On a bare server: no display, no window manager, no service addresses.
+TEST_F(DesktopApplications, EveryOtherSelectorAnswersOnABareServer)
+{
+    const ScriptRun result = nomenScript({QStringLiteral("-e"), QStringLiteral(R"JS(
+var M = "ROZ_MiscMethods";
+function call(s, a) { return callClassMethod(M, s, a || []); }
+// Built here, so that our own command line does not hold the name.
+var absent = ["nomen", "absent", "4711"].join("-");
+print(call("pidForApplication:", [absent]), call("killApplication:", [absent]));
+print(call("returnLaunchedApplicationsPaths").length > 0, JSON.stringify(call("returnLaunchedApplications")),
+      call("returnCurrentApplication"), JSON.stringify(call("returnLaunchedApplicationProperty:forHFS:", ["NSApplicationPath", true])));
+call("hideOtherApplications");
+call("poof:", ["{10, 10}"]);
+print(call("sendGoogleSMS:withSubject:toPhone:forCarrier:", ["hi", "", "5551234567", "ATT"]),
+      call("returnCarrierForMobileNumber:", ["5551234567"]));
+print(call("isNetworkAvailable:", ["localhost"]), JSON.stringify(call("returnProxyInfo")), JSON.stringify(call("returnProxyInfoRaw")));
+)JS")},
+                                         {{QStringLiteral("DISPLAY"), QString()},
+                                          {QStringLiteral("XDG_CONFIG_HOME"), dir.filePath(QStringLiteral("config"))},
+                                          {QStringLiteral("http_proxy"), QString()}, {QStringLiteral("HTTP_PROXY"), QString()},
+                                          {QStringLiteral("https_proxy"), QString()}, {QStringLiteral("HTTPS_PROXY"), QString()},
+                                          {QStringLiteral("no_proxy"), QString()}, {QStringLiteral("NO_PROXY"), QString()},
+                                          {QStringLiteral("GSETTINGS_BACKEND"), QStringLiteral("memory")}});
+    ASSERT_EQ(result.exitCode, 0) << result.err.toStdString();
+    EXPECT_EQ(result.out, QStringLiteral(
+        "0 false\ntrue [] null []\nfalse null\n"
+        "true {\"HTTPEnabled\":false,\"HTTPHost\":\"\",\"HTTPPort\":80,\"HTTPSEnabled\":false,\"HTTPSHost\":\"\",\"HTTPSPort\":443} "
+        "{\"HTTPEnable\":0,\"HTTPSEnable\":0}\n"));
+}
+
 TEST_F(DesktopApplications, OpenAFileWhoseNameIsNotText)
 {
     const QByteArray name = dir.path().toUtf8() + "/caf\xe9.txt";
