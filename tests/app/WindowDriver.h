@@ -3,6 +3,7 @@
 // What the window tests share: the application under test, waiting for
 // the window, dialogs answered as a person would, screenshots.
 
+#include "GuiWaiting.h"
 #include "MainScript.h"
 #include "RZApplication.h"
 
@@ -22,18 +23,6 @@ class QTemporaryDir;
 inline RZApplication *application = nullptr;
 inline MainScript *script = nullptr;
 inline QTemporaryDir *home = nullptr;
-
-inline bool waitFor(const std::function<bool()> &condition, int milliseconds = 5000)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.elapsed() > milliseconds)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
 
 template <typename T>
 T *control(const char *name)
@@ -97,21 +86,18 @@ inline void watchDialogs()
 
 inline void screenshot(const QString &name)
 {
-    const QString shots = QString::fromLocal8Bit(qgetenv("NOMEN_SCREENSHOT_DIR"));
     QCoreApplication::processEvents(); // pending layouts first
-    if (!shots.isEmpty() && QDir().mkpath(shots))
-        application->window()->grab().save(shots + u'/' + name);
+    if (const QString file = screenshotFile(name); !file.isEmpty())
+        application->window()->grab().save(file);
 }
 
 // What the screen shows over the window, menus and popups included.
 inline void screenshotOfScreen(const QString &name)
 {
-    const QString shots = QString::fromLocal8Bit(qgetenv("NOMEN_SCREENSHOT_DIR"));
     QCoreApplication::processEvents();
     const QRect area = application->window()->frameGeometry();
-    if (!shots.isEmpty() && QDir().mkpath(shots))
-        QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height())
-            .save(shots + u'/' + name);
+    if (const QString file = screenshotFile(name); !file.isEmpty())
+        QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height()).save(file);
 }
 
 // "IMG_%1.jpg" for each number from first to last.

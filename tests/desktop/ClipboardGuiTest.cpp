@@ -1,6 +1,7 @@
 // Runs on an X server (the test command starts a private one): the real
 // CLIPBOARD selection, a real window and keystrokes posted through X Test.
 
+#include "GuiWaiting.h"
 #include "MiscMethods.h"
 #include "TestPrinting.h"
 
@@ -20,15 +21,6 @@
 namespace {
 
 using namespace ROZ_GlobalKeys;
-
-bool waitFor(const std::function<bool()> &condition, int timeoutMs = 5000)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < timeoutMs)
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-    return condition();
-}
 
 void putTwoFormats()
 {
@@ -111,9 +103,8 @@ TEST(PasteAndRestore, PastesIntoTheFocusedFieldThenPutsTheOldClipboardBack)
     EXPECT_TRUE(waitFor([&] { return field->text() == QLatin1String("IMG_0042 beach.jpg"); })) << field->text().toStdString();
 
     // A screenshot of what a person would see.
-    const QString shots = QString::fromLocal8Bit(qgetenv("NOMEN_SCREENSHOT_DIR"));
-    if (!shots.isEmpty() && QDir().mkpath(shots))
-        window.grab().save(shots + QStringLiteral("/paste.png"));
+    if (const QString file = screenshotFile(QStringLiteral("paste.png")); !file.isEmpty())
+        window.grab().save(file);
 
     EXPECT_TRUE(waitFor([] { return ROZ_MiscMethods::returnClipboardString() == QStringLiteral("plain words"); }));
     EXPECT_EQ(QApplication::clipboard()->mimeData()->data(QStringLiteral("application/x-nomen-test")),

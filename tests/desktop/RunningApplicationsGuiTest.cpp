@@ -1,6 +1,7 @@
 // Runs on a private X server with a window manager (the test command starts
 // both): applications are the processes behind the managed windows.
 
+#include "GuiWaiting.h"
 #include "MiscMethods.h"
 #include "PathConversion.h"
 #include "TestPrinting.h"
@@ -23,15 +24,6 @@
 using M = ROZ_MiscMethods;
 
 namespace {
-
-bool waitFor(const std::function<bool()> &condition, int timeoutMs = 10000)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < timeoutMs)
-        QApplication::processEvents(QEventLoop::AllEvents, 50);
-    return condition();
-}
 
 // One property of a window as 32-bit items, read on a connection of our own.
 QList<unsigned long> property(unsigned long window, const char *name)
@@ -81,7 +73,7 @@ QVariantMap applicationOf(qint64 pid)
 
 TEST(RunningApplications, AreTheProcessesBehindTheManagedWindows)
 {
-    ASSERT_TRUE(waitFor([] { return !property(0, "_NET_SUPPORTING_WM_CHECK").isEmpty(); }))
+    ASSERT_TRUE(waitFor([] { return !property(0, "_NET_SUPPORTING_WM_CHECK").isEmpty(); }, 10000))
         << "the window manager did not start";
     QWidget own;
     own.setWindowTitle(QStringLiteral("Nomen test"));
@@ -156,10 +148,9 @@ TEST(Poof, PlaysAtTheBottomLeftPointAndCloses)
         << "centred on the point, y counted up from the bottom";
     EXPECT_TRUE(puff->testAttribute(Qt::WA_TransparentForMouseEvents) ||
                 puff->windowFlags().testFlag(Qt::WindowTransparentForInput));
-    const QString shots = QString::fromLocal8Bit(qgetenv("NOMEN_SCREENSHOT_DIR"));
-    if (!shots.isEmpty() && QDir().mkpath(shots)) {
+    if (const QString file = screenshotFile(QStringLiteral("poof.png")); !file.isEmpty()) {
         waitFor([] { return false; }, 60);
-        QGuiApplication::primaryScreen()->grabWindow(0, 0, screenHeight - 300, 300, 300).save(shots + "/poof.png");
+        QGuiApplication::primaryScreen()->grabWindow(0, 0, screenHeight - 300, 300, 300).save(file);
     }
     EXPECT_TRUE(waitFor([&] {
         for (QWidget *widget : QApplication::topLevelWidgets())
