@@ -7,6 +7,7 @@
 #include "PathCodec.h"
 
 #include <memory>
+#include <vector>
 
 namespace DesktopEntries {
 
@@ -111,17 +112,22 @@ bool launch(const QString &identifier, const QStringList &paths)
     if (!entry)
         return false;
     // Files go as URIs made from their bytes, so a name that is not UTF-8
-    // reaches the application unchanged.
-    GList *uris = nullptr;
+    // reaches the application unchanged; a relative name is taken from the
+    // working folder.
+    std::vector<std::unique_ptr<gchar, decltype(&g_free)>> uris;
     for (const QString &path : paths) {
-        gchar *uri = g_filename_to_uri(PathCodec::encode(path).constData(), nullptr, nullptr);
-        if (uri)
-            uris = g_list_append(uris, uri);
+        const Owned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
+        uris.emplace_back(g_file_get_uri(file.get()), &g_free);
+        if (!uris.back())
+            return false;
     }
+    GList *items = nullptr;
+    for (auto it = uris.rbegin(); it != uris.rend(); ++it)
+        items = g_list_prepend(items, it->get());
     const Owned<GAppLaunchContext> context(g_app_launch_context_new());
     GError *error = nullptr;
-    const bool started = g_app_info_launch_uris(G_APP_INFO(entry.get()), uris, context.get(), &error);
-    g_list_free_full(uris, g_free);
+    const bool started = g_app_info_launch_uris(G_APP_INFO(entry.get()), items, context.get(), &error);
+    g_list_free(items);
     g_clear_error(&error);
     return started;
 }
