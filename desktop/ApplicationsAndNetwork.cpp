@@ -114,8 +114,7 @@ QVariantList ROZ_MiscMethods::returnLaunchedApplicationProperty(const QString &k
 
 QString ROZ_MiscMethods::returnDefaultAppForItem(const QString &path)
 {
-    const QString type = DesktopEntries::contentTypeOf(pathPOSIX(path));
-    return DesktopEntries::programOf(DesktopEntries::defaultForContentType(type));
+    return DesktopEntries::programOf(DesktopEntries::defaultForFile(pathPOSIX(path)));
 }
 
 QString ROZ_MiscMethods::returnDefaultAppForURLScheme(const QString &url)
@@ -128,8 +127,7 @@ bool ROZ_MiscMethods::openFile(const QString &path, const std::optional<QString>
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, true))
         return false;
-    const QString identifier = application ? DesktopEntries::find(*application)
-                                           : DesktopEntries::defaultForContentType(DesktopEntries::contentTypeOf(posix));
+    const QString identifier = application ? DesktopEntries::find(*application) : DesktopEntries::defaultForFile(posix);
     return DesktopEntries::launch(identifier, {posix});
 }
 

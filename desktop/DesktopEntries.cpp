@@ -63,6 +63,20 @@ QString firstEntry(Match match)
     return QString();
 }
 
+// The content type of the file ("text/plain"), or "" when it is missing.
+QString contentTypeOf(const QString &path)
+{
+    const Owned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
+    const Owned<GFileInfo> info(g_file_query_info(file.get(), G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
+                                                  G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
+    if (!info)
+        return QString();
+    gchar *mime = g_content_type_get_mime_type(g_file_info_get_content_type(info.get()));
+    const QString answer = text(mime);
+    g_free(mime);
+    return answer;
+}
+
 } // namespace
 
 QString programOf(const QString &identifier)
@@ -142,25 +156,17 @@ bool openUri(const QString &uri)
     return opened;
 }
 
-QString contentTypeOf(const QString &path)
-{
-    const Owned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
-    const Owned<GFileInfo> info(g_file_query_info(file.get(), G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
-                                                  G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
-    if (!info)
-        return QString();
-    gchar *mime = g_content_type_get_mime_type(g_file_info_get_content_type(info.get()));
-    const QString answer = text(mime);
-    g_free(mime);
-    return answer;
-}
-
 QString defaultForContentType(const QString &type)
 {
     if (type.isEmpty())
         return QString();
     const Owned<GAppInfo> info(g_app_info_get_default_for_type(type.toUtf8().constData(), false));
     return identifierOf(info.get());
+}
+
+QString defaultForFile(const QString &path)
+{
+    return defaultForContentType(contentTypeOf(path));
 }
 
 QString defaultForScheme(const QString &scheme)

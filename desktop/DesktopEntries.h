@@ -28,8 +28,9 @@ bool launch(const QString &identifier, const QStringList &paths);
 // the front is the window manager's choice.
 bool openUri(const QString &uri);
 
-// The content type of the file ("text/plain"), or "" when it is missing.
-QString contentTypeOf(const QString &path);
+// The identifier of the default entry for the file's content type; "" when
+// the file is missing or no entry takes its type.
+QString defaultForFile(const QString &path);
 // The identifier of the default entry for a content type or for a URL
 // scheme ("mailto"); "" when there is none.
 QString defaultForContentType(const QString &type);

@@ -17,12 +17,6 @@ QMimeType mimeTypeOf(const QString &posix)
     return database.mimeTypeForFile(posix);
 }
 
-// The display name of the application the desktop opens this type with.
-QString defaultApplicationFor(const QMimeType &type)
-{
-    return DesktopEntries::nameOf(DesktopEntries::defaultForContentType(type.name()));
-}
-
 } // namespace
 
 std::optional<QVariantMap> ROZ_MiscMethods::returnItemInfo(const QString &path)
@@ -39,7 +33,7 @@ std::optional<QVariantMap> ROZ_MiscMethods::returnItemInfo(const QString &path)
         {QStringLiteral("LSItemExtension"), returnItemExtension(path)},
         {QStringLiteral("LSItemDisplayName"), returnItemDisplayedName(path)},
         {QStringLiteral("LSItemDisplayKind"), type.comment()},
-        {QStringLiteral("LSItemRoleHandlerDisplayName"), defaultApplicationFor(type)},
+        {QStringLiteral("LSItemRoleHandlerDisplayName"), DesktopEntries::nameOf(DesktopEntries::defaultForFile(posix))},
         {QStringLiteral("LSItemIsInvisible"), !(visible.isValid() && visible.toBool())},
         {QStringLiteral("LSItemExtensionIsHidden"), false},
     };

@@ -1,6 +1,7 @@
 #include "RunningApplications.h"
 
 #include "DesktopEntries.h"
+#include "PathCodec.h"
 #include "Processes.h"
 
 #include <QSet>
@@ -65,7 +66,8 @@ public:
         XClassHint hint{};
         if (!XGetClassHint(display_, window, &hint))
             return QString();
-        const QString answer = QString::fromLocal8Bit(hint.res_class ? hint.res_class : hint.res_name);
+        // The class names a desktop entry file, so it keeps its bytes.
+        const QString answer = PathCodec::decode(QByteArray(hint.res_class ? hint.res_class : hint.res_name));
         if (hint.res_name)
             XFree(hint.res_name);
         if (hint.res_class)
