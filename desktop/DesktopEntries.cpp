@@ -3,6 +3,7 @@
 #include <gio/gio.h>
 
 #include "DesktopEntries.h"
+#include "GObjectOwner.h"
 
 #include "PathCodec.h"
 
@@ -13,12 +14,6 @@ namespace DesktopEntries {
 
 namespace {
 
-struct Unref {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Unref>;
-
 struct FreeList {
     void operator()(GList *list) const { g_list_free_full(list, g_object_unref); }
 };
@@ -26,14 +21,14 @@ struct FreeList {
 QString text(const char *utf8) { return utf8 ? QString::fromUtf8(utf8) : QString(); }
 
 // The identifier is the entry's file name, so it is bytes like any name.
-Owned<GDesktopAppInfo> entryNamed(const QString &identifier)
+GOwned<GDesktopAppInfo> entryNamed(const QString &identifier)
 {
     if (identifier.isEmpty())
         return nullptr;
     QByteArray name = PathCodec::encode(identifier);
     if (!name.endsWith(".desktop"))
         name += ".desktop";
-    return Owned<GDesktopAppInfo>(g_desktop_app_info_new(name.constData()));
+    return GOwned<GDesktopAppInfo>(g_desktop_app_info_new(name.constData()));
 }
 
 QString identifierOf(GAppInfo *info) { return info ? PathCodec::decode(QByteArray(g_app_info_get_id(info))) : QString(); }
@@ -66,8 +61,8 @@ QString firstEntry(Match match)
 // The content type of the file ("text/plain"), or "" when it is missing.
 QString contentTypeOf(const QString &path)
 {
-    const Owned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
-    const Owned<GFileInfo> info(g_file_query_info(file.get(), G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
+    const GOwned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
+    const GOwned<GFileInfo> info(g_file_query_info(file.get(), G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
                                                   G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
     if (!info)
         return QString();
@@ -130,7 +125,7 @@ bool launch(const QString &identifier, const QStringList &paths)
     // working folder.
     std::vector<std::unique_ptr<gchar, decltype(&g_free)>> uris;
     for (const QString &path : paths) {
-        const Owned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
+        const GOwned<GFile> file(g_file_new_for_path(PathCodec::encode(path).constData()));
         uris.emplace_back(g_file_get_uri(file.get()), &g_free);
         if (!uris.back())
             return false;
@@ -138,7 +133,7 @@ bool launch(const QString &identifier, const QStringList &paths)
     GList *items = nullptr;
     for (auto it = uris.rbegin(); it != uris.rend(); ++it)
         items = g_list_prepend(items, it->get());
-    const Owned<GAppLaunchContext> context(g_app_launch_context_new());
+    const GOwned<GAppLaunchContext> context(g_app_launch_context_new());
     GError *error = nullptr;
     const bool started = g_app_info_launch_uris(G_APP_INFO(entry.get()), items, context.get(), &error);
     g_list_free(items);
@@ -160,7 +155,7 @@ QString defaultForContentType(const QString &type)
 {
     if (type.isEmpty())
         return QString();
-    const Owned<GAppInfo> info(g_app_info_get_default_for_type(type.toUtf8().constData(), false));
+    const GOwned<GAppInfo> info(g_app_info_get_default_for_type(type.toUtf8().constData(), false));
     return identifierOf(info.get());
 }
 
@@ -173,7 +168,7 @@ QString defaultForScheme(const QString &scheme)
 {
     if (scheme.isEmpty())
         return QString();
-    const Owned<GAppInfo> info(g_app_info_get_default_for_uri_scheme(scheme.toUtf8().constData()));
+    const GOwned<GAppInfo> info(g_app_info_get_default_for_uri_scheme(scheme.toUtf8().constData()));
     return identifierOf(info.get());
 }
 

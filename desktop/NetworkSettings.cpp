@@ -1,6 +1,7 @@
 // GLib's headers use names Qt defines as keywords, so they come first.
 #include <gio/gio.h>
 
+#include "GObjectOwner.h"
 #include "NetworkSettings.h"
 
 #include <QUrl>
@@ -37,10 +38,6 @@ std::optional<Proxy> proxyFromText(const QString &text)
     return Proxy{url.host(), url.port(url.scheme() == QLatin1String("https") ? 443 : 80)};
 }
 
-struct SettingsUnref {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-
 // GNOME's manual proxy for "http" or "https", when its schema is installed
 // and the mode is manual.
 std::optional<Proxy> gnomeProxy(const char *scheme)
@@ -52,13 +49,13 @@ std::optional<Proxy> gnomeProxy(const char *scheme)
     if (!schema)
         return std::nullopt;
     g_settings_schema_unref(schema);
-    const std::unique_ptr<GSettings, SettingsUnref> settings(g_settings_new("org.gnome.system.proxy"));
+    const GOwned<GSettings> settings(g_settings_new("org.gnome.system.proxy"));
     gchar *mode = g_settings_get_string(settings.get(), "mode");
     const bool manual = mode && QByteArray(mode) == "manual";
     g_free(mode);
     if (!manual)
         return std::nullopt;
-    const std::unique_ptr<GSettings, SettingsUnref> child(g_settings_get_child(settings.get(), scheme));
+    const GOwned<GSettings> child(g_settings_get_child(settings.get(), scheme));
     gchar *host = g_settings_get_string(child.get(), "host");
     Proxy proxy{QString::fromUtf8(host), g_settings_get_int(child.get(), "port")};
     g_free(host);

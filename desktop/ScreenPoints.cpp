@@ -30,19 +30,9 @@ QPointF fromText(const QString &text)
     return {values[0], values[1]};
 }
 
-QString toText(const QPointF &point)
-{
-    return QStringLiteral("{%1, %2}").arg(point.x()).arg(point.y());
-}
-
 QPointF toTopLeft(const QPointF &bottomLeftPoint)
 {
     return {bottomLeftPoint.x(), mainScreenBottom() - bottomLeftPoint.y()};
-}
-
-QPointF toBottomLeft(const QPointF &topLeftPoint)
-{
-    return {topLeftPoint.x(), mainScreenBottom() - topLeftPoint.y()};
 }
 
 } // namespace ScreenPoints

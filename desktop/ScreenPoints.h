@@ -10,9 +10,7 @@ namespace ScreenPoints {
 
 // "{x, y}": the first two numbers in the text; a missing one is 0.
 QPointF fromText(const QString &text);
-QString toText(const QPointF &point);
 
 QPointF toTopLeft(const QPointF &bottomLeftPoint);
-QPointF toBottomLeft(const QPointF &topLeftPoint);
 
 } // namespace ScreenPoints
