@@ -4,6 +4,7 @@
 #include "DesktopMethods.h"
 #include "ScriptMethods.h"
 #include "TextMethods.h"
+#include "UiMethods.h"
 
 MethodRegistry buildMethodTable()
 {
@@ -11,6 +12,7 @@ MethodRegistry buildMethodTable()
     registerTextMethods(registry);
     registerScriptMethods(registry);
     registerDesktopMethods(registry);
+    registerUiMethods(registry);
     registerApplicationMethods(registry);
     return registry;
 }

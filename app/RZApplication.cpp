@@ -1,6 +1,7 @@
 #include "RZApplication.h"
 #include "ResourceFolder.h"
 #include "DefaultsBindings.h"
+#include "FileTableView.h"
 
 #include "BatchPass.h"
 #include "BatchRenaming.h"
@@ -89,7 +90,14 @@ void RZApplication::init(const MethodRegistry &methods)
     UiStrings::install(*this);
     setStyle(new WindowStyle);
     m_engine = std::make_unique<RenameEngine>();
-    m_form = std::make_unique<InterfaceFile>(resourceDirectory() + QStringLiteral("/MainWindow.ui"));
+    // The file table is the window's own table view.
+    m_form = std::make_unique<InterfaceFile>(
+        resourceDirectory() + QStringLiteral("/MainWindow.ui"),
+        [](const QString &className, QWidget *parent, const QString &name) -> QWidget * {
+            if (className == QLatin1String("QTableView") && name == QLatin1String("fileTable"))
+                return new FileTableView(parent);
+            return nullptr;
+        });
     m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine->stopProgressBool);
     m_preview = new PreviewScheduler(*m_engine, *m_table, this);
     m_table->runAside = [this](const std::function<void()> &work) { m_progress->runAside(work); };

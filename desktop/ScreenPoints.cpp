@@ -35,4 +35,35 @@ QPointF toTopLeft(const QPointF &bottomLeftPoint)
     return {bottomLeftPoint.x(), mainScreenBottom() - bottomLeftPoint.y()};
 }
 
+QPointF toBottomLeft(const QPointF &topLeftPoint)
+{
+    return toTopLeft(topLeftPoint);
+}
+
+QRectF toTopLeft(const QRectF &bottomLeftRect)
+{
+    return {bottomLeftRect.x(), mainScreenBottom() - bottomLeftRect.y() - bottomLeftRect.height(),
+            bottomLeftRect.width(), bottomLeftRect.height()};
+}
+
+QRectF toBottomLeft(const QRectF &topLeftRect)
+{
+    return toTopLeft(topLeftRect);
+}
+
+QRectF frameOf(const QScreen *screen)
+{
+    return screen ? toBottomLeft(QRectF(screen->geometry())) : QRectF();
+}
+
+QRectF visibleFrameOf(const QScreen *screen)
+{
+    return screen ? toBottomLeft(QRectF(screen->availableGeometry())) : QRectF();
+}
+
+qreal menuBarHeight(const QScreen *screen)
+{
+    return screen ? screen->availableGeometry().top() - screen->geometry().top() : 0;
+}
+
 } // namespace ScreenPoints

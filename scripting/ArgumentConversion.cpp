@@ -66,3 +66,58 @@ quint64 wrapToUnsigned64(double value)
 }
 
 } // namespace ArgumentConversion
+
+namespace ArgumentConversion {
+
+namespace {
+
+// The numbers of a list, or of a dictionary's keys in the order given; none
+// when one is missing or not a number.
+std::optional<QList<qreal>> numbersOf(const QVariant &value, std::initializer_list<const char *> keys)
+{
+    QList<qreal> numbers;
+    if (value.typeId() == QMetaType::QVariantList) {
+        const QVariantList items = value.toList();
+        if (items.size() != qsizetype(keys.size()))
+            return std::nullopt;
+        for (const QVariant &item : items) {
+            if (!isNumber(item))
+                return std::nullopt;
+            numbers.append(item.toDouble());
+        }
+        return numbers;
+    }
+    if (value.typeId() == QMetaType::QVariantMap) {
+        const QVariantMap map = value.toMap();
+        for (const char *key : keys) {
+            const QVariant item = map.value(QLatin1String(key));
+            if (!isNumber(item))
+                return std::nullopt;
+            numbers.append(item.toDouble());
+        }
+        return numbers;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<QRectF> rectFrom(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QRectF || value.typeId() == QMetaType::QRect)
+        return value.toRectF();
+    if (const auto n = numbersOf(value, {"x", "y", "width", "height"}))
+        return QRectF((*n)[0], (*n)[1], (*n)[2], (*n)[3]);
+    return std::nullopt;
+}
+
+std::optional<QPointF> pointFrom(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QPointF || value.typeId() == QMetaType::QPoint)
+        return value.toPointF();
+    if (const auto n = numbersOf(value, {"x", "y"}))
+        return QPointF((*n)[0], (*n)[1]);
+    return std::nullopt;
+}
+
+} // namespace ArgumentConversion

@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <QDateTime>
+#include <QRectF>
 #include <QStringList>
 #include <QVariant>
 #include <cmath>
@@ -31,6 +32,10 @@ QString kindOf(const QVariant &value);
 bool isNumber(const QVariant &value);
 bool isUnsignedInteger(const QVariant &value);
 quint64 wrapToUnsigned64(double value);
+// A rectangle as itself, as a list x, y, width, height, or as a dictionary
+// with those keys; a point as itself, a list x, y or a dictionary.
+std::optional<QRectF> rectFrom(const QVariant &value);
+std::optional<QPointF> pointFrom(const QVariant &value);
 
 template <typename T>
 T convert(const QVariant &value, int index);
@@ -99,6 +104,14 @@ T convert(const QVariant &value, int index)
         if (value.typeId() != QMetaType::QVariantMap)
             throw WrongType{index, QStringLiteral("a dictionary"), kindOf(value)};
         return value.toMap();
+    } else if constexpr (std::is_same_v<T, QRectF>) {
+        if (const auto rect = rectFrom(value))
+            return *rect;
+        throw WrongType{index, QStringLiteral("a rectangle"), kindOf(value)};
+    } else if constexpr (std::is_same_v<T, QPointF>) {
+        if (const auto point = pointFrom(value))
+            return *point;
+        throw WrongType{index, QStringLiteral("a point"), kindOf(value)};
     } else if constexpr (std::is_same_v<T, QDateTime>) {
         if (isNil(value))
             return QDateTime();

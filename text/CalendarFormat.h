@@ -19,4 +19,9 @@ QString format(const QDateTime &date, const QString &format);
 inline const QString DefaultFormat = QStringLiteral("%Y-%m-%d %H:%M:%S %z");
 // A text in the default form ("2005-03-14 09:05:00 +0100"), as local time.
 std::optional<QDateTime> parseDefault(const QString &text);
+// A text written in the given format, read back: numbers, English month
+// names, AM/PM and offsets; weekday names and zone abbreviations are
+// passed over. A field out of range is no date. Without an offset the
+// date is local time.
+std::optional<QDateTime> parse(const QString &text, const QString &format);
 }

@@ -1,0 +1,100 @@
+// Window, menu-side and key selectors through nomen-script, the way the main
+// script calls them, on a bare server: Qt's offscreen screen, no display.
+
+#include "NomenScriptRun.h"
+#include "TestPrinting.h"
+
+namespace {
+
+// Runs the script with M = "ROZ_MiscMethods", W(args) making a window and
+// P(args) a panel; answers what the last expression printed.
+QString run(const QString &script)
+{
+    const ScriptRun result = nomenScript(
+        {QStringLiteral("-e"),
+         QStringLiteral("var M = 'ROZ_MiscMethods';\n"
+                        "function W(a) { return callClassMethod(M, 'makeWindow:useBorder:useTexture:isCloseable:"
+                        "isMiniaturizable:isResizable:isUnified:', a); }\n"
+                        "function P(a) { return callClassMethod(M, 'makePanelWindow:useBorder:useTexture:isCloseable:"
+                        "isMiniaturizable:isResizable:isUnified:', a); }\n"
+                        "function style(w) { return callMethod(w, 'styleMask'); }\n") +
+             script},
+        {{QStringLiteral("DISPLAY"), QString()}, {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen")}});
+    EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
+    return result.out.trimmed();
+}
+
+TEST(WindowSelectors, ComposeTheStyleBitsScriptsReadBack)
+{
+    // Border off keeps only the decoration bits; a panel never takes the
+    // unified bit.
+    EXPECT_EQ(run("var r = [0, 0, 100, 100];\n"
+                  "[style(W([r, false, false, false, false, true, false])), style(W([r, true, true, true, true, true, true])),\n"
+                  " style(W([r, false, false, false, false, false, true])), style(W([r, true, false, false, false, false, true])),\n"
+                  " style(P([r, true, true, true, true, true, true])), style(P([r, true, true, true, true, true, false])),\n"
+                  " style(P([r, false, false, true, false, false, true])),\n"
+                  " callMethod(callClassMethod(M, 'makeBorderlessWindow:', [r]), 'styleMask')]"),
+              "[8,4367,0,4097,271,271,2,0]");
+}
+
+TEST(WindowSelectors, SetLevelsByExactNameAndKeepTransparencyShadowAndFrame)
+{
+    EXPECT_EQ(run("var w = W([{x: 40, y: 30, width: 320, height: 200}, true, false, true, false, true, false]);\n"
+                  "var levels = [callMethod(w, 'level')];\n"
+                  "for (var name of ['NSFloatingWindowLevel', 'NSModalPanelWindowLevel', 'nsnormalwindowlevel',\n"
+                  "                  'NSScreenSaverWindowLevel', 'kCGDesktopWindowLevel', 'NSTornOffMenuWindowLevel']) {\n"
+                  "  callClassMethod(M, 'setWindowLevel:toLevel:', [w, name]); levels.push(callMethod(w, 'level')); }\n"
+                  "callClassMethod(M, 'setWindowTransparency:toAlphaValue:', [w, 0.5]);\n"
+                  "callClassMethod(M, 'setWindowShadow:useMainShadow:', [w, false]);\n"
+                  "var f = callMethod(w, 'frame');\n"
+                  "[levels, callMethod(w, 'alphaValue'), callMethod(w, 'hasShadow'), [f.x, f.y, f.width, f.height]]"),
+              "[[4,5,5,5,13,2,6],0.5,false,[40,30,320,200]]");
+}
+
+TEST(WindowSelectors, RejectARectangleOfTheWrongShape)
+{
+    const ScriptRun result = nomenScript({QStringLiteral("-e"),
+                                          QStringLiteral("callClassMethod('ROZ_MiscMethods', 'makeBorderlessWindow:', [[1, 2, 3]])")},
+                                         {{QStringLiteral("DISPLAY"), QString()}});
+    EXPECT_NE(result.exitCode, 0);
+    EXPECT_TRUE(result.err.contains(QLatin1String("a rectangle"))) << result.err.toStdString();
+}
+
+TEST(CustomWindowSelectors, StartBorderlessFloatingAndZoomThereAndBack)
+{
+    EXPECT_EQ(run("var w = callClassMethod('ROZ_CustomWindow', 'initWithContentRect:styleMask:backing:defer:',\n"
+                  "                        [[50, 60, 200, 100], 15, 2, false]);\n"
+                  "function frame() { var f = callMethod(w, 'frame'); return [f.x, f.y, f.width, f.height]; }\n"
+                  "var start = [style(w), callMethod(w, 'level'), callMethod(w, 'snapTolerance'), callMethod(w, 'padding'),\n"
+                  "             callMethod(w, 'snapsToEdges'), callMethod(w, 'canMove'), callMethod(w, 'canResize')];\n"
+                  "var before = frame();\n"
+                  "callMethod(w, 'setMaxWidth:', [500]); callMethod(w, 'setMaxHeight:', [300]);\n"
+                  "callMethod(w, 'zoom:', [null]); var zoomed = frame();\n"
+                  "callMethod(w, 'zoom:', [null]); var back = frame();\n"
+                  "callMethod(w, 'setCanMove:', [false]);\n"
+                  "var still = callMethod(w, 'windowWillUseStandardFrame:defaultFrame:', [w, [0, 0, 800, 600]]);\n"
+                  "[start, before, zoomed, back, [still.x, still.y]]"),
+              "[[0,5,15,0,false,true,true],[50,60,200,100],[0,0,500,300],[50,60,200,100],[50,60]]");
+}
+
+TEST(DateFormatterSelectors, WriteAndReadTheirFormatAndRefuseImpossibleDates)
+{
+    EXPECT_EQ(run("var f = callClassMethod(M, 'makeDateFormatter:', ['%d.%m.%Y %I:%M %p']);\n"
+                  "var d = callMethod(f, 'dateFromString:', ['22.11.2026 02:05 PM']);\n"
+                  "[callMethod(f, 'stringFromDate:', [d]), callMethod(f, 'dateFromString:', ['31.02.2026 02:05 PM']),\n"
+                  " callMethod(f, 'dateFromString:', ['2026-11-22 14:05:00 +0100']).toISOString(),\n"
+                  " callMethod(callClassMethod(M, 'makeDateFormatter:', ['%e %B %Y']), 'dateFromString:', ['3 march 2025']).toISOString()]"),
+              "[\"22.11.2026 02:05 PM\",null,\"2026-11-22T13:05:00.000Z\",\"2025-03-03T00:00:00.000Z\"]");
+}
+
+TEST(ResourceAndKeySelectors, FindRtfResourcesAndAnswerNoWithoutADisplay)
+{
+    EXPECT_EQ(run("var p = callClassMethod(M, 'returnRTFPath:', ['Help']);\n"
+                  "[p.endsWith('/resources/Help.rtf'), callClassMethod(M, 'returnRTFPath:', ['Missing']),\n"
+                  " callClassMethod(M, 'returnRTFPath:', ['../resources/Help']),\n"
+                  " ['isCommandKeyDown', 'isShiftKeyDown', 'isOptionKeyDown', 'isControlKeyDown'].map(\n"
+                  "     function (s) { return callClassMethod('NSEvent', s); })]"),
+              "[true,null,null,[false,false,false,false]]");
+}
+
+} // namespace

@@ -1,0 +1,202 @@
+// Menus, windows loaded from an interface file, and the custom window's keys
+// and fades, on Qt's offscreen platform.
+
+#include "BackgroundView.h"
+#include "CustomWindow.h"
+#include "GuiWaiting.h"
+#include "InterfaceFile.h"
+#include "Menus.h"
+#include "NamedException.h"
+#include "TestPrinting.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QWindow>
+#include <gtest/gtest.h>
+
+namespace {
+
+QStringList titles(const QMenu &menu)
+{
+    QStringList list;
+    for (const QAction *item : menu.actions())
+        list.append(item->isSeparator() ? QStringLiteral("-") : item->text());
+    return list;
+}
+
+TEST(Menus, InsertAtAnIndexOrTheEndAndRefuseOtherIndexes)
+{
+    QMenu menu;
+    Menus::insertSeparator(&menu, -1);
+    EXPECT_EQ(titles(menu), QStringList{"-"});
+    Menus::insertItem(&menu, "last", -1, true);
+    Menus::insertItem(&menu, "first", 0, false);
+    Menus::insertItem(&menu, "end", 3, true);
+    EXPECT_EQ(titles(menu), (QStringList{"first", "-", "last", "end"}));
+    EXPECT_FALSE(menu.actions()[0]->isEnabled());
+    EXPECT_TRUE(menu.actions()[0]->shortcut().isEmpty());
+    for (const int index : {5, -2}) {
+        try {
+            Menus::insertItem(&menu, "stray", index, true);
+            ADD_FAILURE() << "index " << index << " was taken";
+        } catch (const NamedException &error) {
+            EXPECT_EQ(error.name(), NSRangeException);
+        }
+    }
+    EXPECT_EQ(menu.actions().size(), 4);
+}
+
+TEST(Menus, EmptySubmenusDepthFirst)
+{
+    QMenu top;
+    QMenu *sub = top.addMenu(QStringLiteral("sub"));
+    QMenu *subsub = sub->addMenu(QStringLiteral("subsub"));
+    Menus::insertItem(&top, "a", -1, true);
+    Menus::insertItem(sub, "b", -1, true);
+    Menus::insertSeparator(sub, 0);
+    Menus::insertItem(subsub, "c", -1, true, QIcon(QPixmap(16, 16)));
+    Menus::removeMenuItems(&top, true);
+    EXPECT_TRUE(top.actions().isEmpty());
+    EXPECT_TRUE(sub->actions().isEmpty());
+    EXPECT_TRUE(subsub->actions().isEmpty());
+}
+
+TEST(InterfaceFiles, MakePromotedWindowsAndViewsAndWakeThemWithTheFileSizes)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("panel.ui"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(R"(<ui version="4.0"><class>Panel</class>
+<widget class="ROZ_CustomWindow" name="panel">
+ <property name="geometry"><rect><x>0</x><y>0</y><width>300</width><height>200</height></rect></property>
+ <property name="minimumSize"><size><width>200</width><height>122</height></size></property>
+ <property name="maximumSize"><size><width>600</width><height>400</height></size></property>
+ <widget class="ROZ_BackgroundView" name="plain"/>
+ <widget class="ROZ_BackgroundView" name="steel"><property name="tag"><number>1</number></property></widget>
+ <widget class="ROZ_BackgroundView" name="odd"><property name="tag"><number>7</number></property></widget>
+</widget>
+<customwidgets>
+ <customwidget><class>ROZ_CustomWindow</class><extends>QWidget</extends><header>CustomWindow.h</header></customwidget>
+ <customwidget><class>ROZ_BackgroundView</class><extends>QLabel</extends><header>BackgroundView.h</header></customwidget>
+</customwidgets></ui>)");
+    file.close();
+    const InterfaceFile form(path);
+    auto *window = qobject_cast<ROZ_CustomWindow *>(form.window());
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->minHeight(), 100);
+    EXPECT_EQ(window->maxHeight(), 400);
+    EXPECT_EQ(window->minWidth(), 200);
+    EXPECT_EQ(window->maxWidth(), 600);
+    // Only the window's own limits hold: the file's sizes no longer do.
+    EXPECT_EQ(window->minimumSize(), QSize(0, 0));
+    const QStringList expected{"grey_05", "gbg_steele_05", "grey_05"};
+    const QStringList names{"plain", "steel", "odd"};
+    for (int i = 0; i < 3; ++i) {
+        const auto *view = form.control<ROZ_BackgroundView>(names[i]);
+        ASSERT_TRUE(view) << names[i].toStdString();
+        EXPECT_EQ(view->imageName(), expected[i]);
+        EXPECT_EQ(view->pixmap().size(), QSize(128, 128)) << "texture not loaded for " << names[i].toStdString();
+        EXPECT_TRUE(view->hasScaledContents());
+    }
+}
+
+struct KeyedWindow {
+    ROZ_CustomWindow window;
+    QPushButton *ok = new QPushButton(QStringLiteral("OK"), &window);
+    QPushButton *cancel = new QPushButton(QStringLiteral("Cancel"), &window);
+    int oks = 0, cancels = 0;
+
+    KeyedWindow()
+    {
+        QObject::connect(ok, &QPushButton::clicked, [this] { ++oks; });
+        QObject::connect(cancel, &QPushButton::clicked, [this] { ++cancels; });
+        window.setDefaultObject(ok);
+        window.setCancelObject(cancel);
+    }
+    // Whether the window kept the key from going further.
+    bool press(int key)
+    {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, key == Qt::Key_A ? QStringLiteral("a") : QString());
+        QCoreApplication::sendEvent(&window, &event);
+        return event.isAccepted();
+    }
+};
+
+TEST(CustomWindowKeys, ClickTheDefaultAndCancelControlsAndSwallowTheKeyWhenDisabled)
+{
+    KeyedWindow keyed;
+    EXPECT_TRUE(keyed.press(Qt::Key_Return));
+    EXPECT_TRUE(keyed.press(Qt::Key_Enter));
+    EXPECT_TRUE(keyed.press(Qt::Key_Escape));
+    EXPECT_EQ(keyed.oks, 2);
+    EXPECT_EQ(keyed.cancels, 1);
+    keyed.cancel->setEnabled(false);
+    keyed.ok->setEnabled(false);
+    EXPECT_TRUE(keyed.press(Qt::Key_Escape));
+    EXPECT_TRUE(keyed.press(Qt::Key_Return));
+    EXPECT_EQ(keyed.oks, 2);
+    EXPECT_EQ(keyed.cancels, 1);
+    EXPECT_FALSE(keyed.press(Qt::Key_A)) << "other keys go on to the window's parent";
+}
+
+class Controller : public QObject {
+    Q_OBJECT
+public:
+    int releases = 0;
+    Q_INVOKABLE void closeAndRelease() { ++releases; }
+};
+
+// The alpha values the screen was given, in order.
+QList<double> recordOpacity(ROZ_CustomWindow &window, const std::function<void()> &action,
+                            const std::function<bool()> &done)
+{
+    QList<double> seen;
+    window.show();
+    const auto connection = QObject::connect(window.windowHandle(), &QWindow::opacityChanged,
+                                             [&seen](qreal opacity) { seen.append(opacity); });
+    action();
+    EXPECT_TRUE(waitFor(done, 3000));
+    QObject::disconnect(connection);
+    return seen;
+}
+
+void expectSteps(const QList<double> &seen, const QList<double> &expected)
+{
+    ASSERT_EQ(seen.size(), expected.size()) << ::testing::PrintToString(seen);
+    for (qsizetype i = 0; i < seen.size(); ++i)
+        EXPECT_NEAR(seen[i], expected[i], 1e-6) << "step " << i;
+}
+
+TEST(CustomWindowFades, TakeFiveStepsAndHandTheWindowToItsController)
+{
+    ROZ_CustomWindow window;
+    Controller controller;
+    window.setWindowController(&controller);
+    expectSteps(recordOpacity(window, [&] { window.openWithFade(); }, [&] { return !window.isFading(); }),
+                {0.0, 0.2, 0.4, 0.6, 0.8, 1.0});
+    expectSteps(recordOpacity(window, [&] { window.close(); }, [&] { return !window.isVisible(); }),
+                {0.8, 0.6, 0.4, 0.2, 0.0, 1.0});
+    EXPECT_EQ(controller.releases, 1);
+
+    window.setUseFade(false);
+    window.show();
+    window.close();
+    EXPECT_FALSE(window.isVisible()) << "without a fade the window goes at once";
+    EXPECT_EQ(controller.releases, 2);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
+
+#include "WindowPartsTest.moc"

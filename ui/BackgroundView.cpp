@@ -1,0 +1,28 @@
+#include "BackgroundView.h"
+
+#include "ResourceFolder.h"
+
+#include <QPixmap>
+
+ROZ_BackgroundView::ROZ_BackgroundView(QWidget *parent) : QLabel(parent) {}
+
+QString ROZ_BackgroundView::imageNameForTag(int tag)
+{
+    switch (tag) {
+    case 1:
+        return QStringLiteral("gbg_steele_05");
+    case 2:
+        return QStringLiteral("gbg_white_02");
+    case 3:
+        return QStringLiteral("gbg_grey_03");
+    default:
+        return QStringLiteral("grey_05");
+    }
+}
+
+void ROZ_BackgroundView::awakeFromNib()
+{
+    setScaledContents(true);
+    m_imageName = imageNameForTag(m_tag);
+    setPixmap(QPixmap(ResourceFolder::path() + QStringLiteral("/images/") + m_imageName + QStringLiteral(".png")));
+}

@@ -1,0 +1,325 @@
+#include "CustomWindow.h"
+
+#include "ModifierKeys.h"
+#include "ScreenPoints.h"
+#include "WindowConstruction.h"
+#include "WindowLevels.h"
+
+#include <QAbstractButton>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QTimer>
+
+#include <cmath>
+
+namespace {
+
+// One drag at a time, whichever custom window it is in: the state is shared
+// by all of them and a mouse-up resets it.
+struct DragState {
+    bool shouldRedoInitials = true;
+    bool mouseDragShouldResize = false;
+    bool userAdjustedFromControl = false;
+};
+
+DragState &dragState()
+{
+    static DragState state;
+    return state;
+}
+
+constexpr float resizeCorner = 20;
+constexpr float titleBarHeight = 22;
+constexpr int fadeStepMilliseconds = 50;
+constexpr float fadeStep = 0.2f;
+// An alpha the screen cannot tell from an end (half of one of its 255
+// steps away) counts as that end: steps of 0.2 drift in binary fractions
+// and would otherwise take a sixth step.
+constexpr float sameOnScreen = 0.5f / 255;
+
+QPointF mouseOnScreen()
+{
+    return ScreenPoints::toBottomLeft(QPointF(QCursor::pos()));
+}
+
+} // namespace
+
+ROZ_CustomWindow::ROZ_CustomWindow(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setProperty("nomenClassName", QStringLiteral("ROZ_CustomWindow"));
+    setProperty("styleMask", 0);
+    setProperty("hasShadow", true);
+    WindowLevels::setLevel(this, WindowLevels::floatingKey);
+    WindowConstruction::setTransparency(this, 1.0f);
+}
+
+ROZ_CustomWindow::~ROZ_CustomWindow()
+{
+    stopTimer();
+}
+
+void ROZ_CustomWindow::awakeFromNib()
+{
+    m_minHeight = float(minimumHeight()) - titleBarHeight;
+    m_maxHeight = float(maximumHeight());
+    m_minWidth = float(minimumWidth());
+    m_maxWidth = float(maximumWidth());
+    setMinimumSize(0, 0);
+    setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    m_lastFrame = frame();
+}
+
+QRectF ROZ_CustomWindow::frame() const
+{
+    return ScreenPoints::toBottomLeft(QRectF(geometry()));
+}
+
+void ROZ_CustomWindow::setFrame(const QRectF &frame)
+{
+    setGeometry(ScreenPoints::toTopLeft(frame).toRect());
+}
+
+void ROZ_CustomWindow::setFrameOrigin(const QPointF &origin)
+{
+    setFrame(QRectF(origin, frame().size()));
+}
+
+void ROZ_CustomWindow::setUserAdjustedFromControl(bool value)
+{
+    dragState().userAdjustedFromControl = value;
+}
+
+QPointF ROZ_CustomWindow::locationInWindow(const QMouseEvent *event) const
+{
+    return {event->position().x(), height() - event->position().y()};
+}
+
+void ROZ_CustomWindow::mouseMoveEvent(QMouseEvent *event)
+{
+    if (event->buttons() & Qt::LeftButton)
+        mouseDragged(event);
+    else
+        QWidget::mouseMoveEvent(event);
+}
+
+void ROZ_CustomWindow::mouseReleaseEvent(QMouseEvent *event)
+{
+    dragState().shouldRedoInitials = true;
+    QWidget::mouseReleaseEvent(event);
+}
+
+void ROZ_CustomWindow::mouseDragged(QMouseEvent *event)
+{
+    DragState &drag = dragState();
+    if (drag.shouldRedoInitials) {
+        drag.shouldRedoInitials = false;
+        takeInitials(event);
+    }
+    if (drag.mouseDragShouldResize && m_canResize) {
+        m_currentLocation = locationInWindow(event);
+        resizeFromCorner();
+    } else if (m_canMove) {
+        moveWithMouse();
+    } else {
+        QWidget::mouseMoveEvent(event);
+    }
+}
+
+void ROZ_CustomWindow::takeInitials(QMouseEvent *event)
+{
+    m_initialLocation = locationInWindow(event);
+    m_initialFrame = frame();
+    m_initialLocationOnScreen = m_initialFrame.topLeft() + m_initialLocation;
+    dragState().mouseDragShouldResize =
+        m_initialLocation.x() > m_initialFrame.width() - resizeCorner && m_initialLocation.y() < resizeCorner;
+    m_screenFrame = ScreenPoints::visibleFrameOf(screen());
+    m_windowFrame = m_initialFrame;
+    m_minY2 = float(m_windowFrame.height() - m_minHeight + m_windowFrame.y());
+    m_maxY2 = float(m_windowFrame.y() - (m_maxHeight - m_windowFrame.height()));
+}
+
+// The top edge stays put while the bottom edge follows the mouse.
+void ROZ_CustomWindow::resizeFromCorner()
+{
+    const qreal dy = mouseOnScreen().y() - m_initialLocationOnScreen.y();
+    const qreal h = m_initialFrame.height() - dy;
+    qreal height = h, y = m_initialFrame.y() + dy;
+    if (h < m_minHeight) {
+        height = m_minHeight;
+        y = m_minY2;
+    } else if (h > m_maxHeight) {
+        height = m_maxHeight;
+        y = m_maxY2;
+    }
+    const qreal w = m_currentLocation.x() - m_initialLocation.x() + m_initialFrame.width();
+    const qreal width = w < m_minWidth ? qreal(m_minWidth) : std::min(qreal(m_maxWidth), w);
+    setFrame(QRectF(m_windowFrame.x(), y, width, height));
+}
+
+// The window never rises under the desktop's top panel.
+void ROZ_CustomWindow::moveWithMouse()
+{
+    m_currentLocation = mouseOnScreen();
+    QPointF origin = m_currentLocation - m_initialLocation;
+    if (origin.y() + m_windowFrame.height() >= m_screenFrame.y() + m_screenFrame.height())
+        origin.setY(m_screenFrame.height() - m_windowFrame.height() + m_screenFrame.y());
+    setFrameOrigin(origin);
+}
+
+void ROZ_CustomWindow::moveEvent(QMoveEvent *event)
+{
+    QWidget::moveEvent(event);
+    if (isWindow() && isVisible())
+        windowMoved();
+}
+
+void ROZ_CustomWindow::windowMoved()
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    if (screens.isEmpty() || screen() != screens.first() || ROZ_NSEventAdditions::isOptionKeyDown())
+        return;
+    const QRectF now = frame();
+    const QSizeF screenSize = ScreenPoints::frameOf(screen()).size();
+    const qreal menuBar = ScreenPoints::menuBarHeight(screen());
+    const qreal right = now.x() + now.width();
+    const qreal top = now.y() + now.height();
+    QPointF point = now.topLeft();
+    DragState &drag = dragState();
+    if (m_snapsToEdges && !m_snapping && !drag.userAdjustedFromControl) {
+        // Each test looks at the frame before snapping; each snap keeps the
+        // ones before it, since all move the same point.
+        m_snapping = true;
+        if (m_snapTolerance > now.y())
+            springCoordinate(Coordinate::Y, 0 + m_padding, point);
+        if (m_snapTolerance > now.x())
+            springCoordinate(Coordinate::X, 0 + m_padding, point);
+        if (m_snapTolerance > screenSize.width() - right)
+            springCoordinate(Coordinate::X, float(screenSize.width() - now.width() - m_padding), point);
+        if (m_snapTolerance > (screenSize.height() - menuBar) - top)
+            springCoordinate(Coordinate::Y, float(screenSize.height() - menuBar - now.height() - m_padding), point);
+        m_snapping = false;
+    }
+    drag.userAdjustedFromControl = false;
+}
+
+void ROZ_CustomWindow::springCoordinate(Coordinate coordinate, float value, QPointF &point)
+{
+    if (coordinate == Coordinate::X)
+        point.setX(value);
+    else
+        point.setY(value);
+    setFrameOrigin(point);
+}
+
+QRectF ROZ_CustomWindow::windowWillUseStandardFrame(const QRectF &defaultFrame)
+{
+    const QRectF current = frame();
+    if (!(m_canResize && m_canMove))
+        return current;
+    if (current.topLeft() == defaultFrame.topLeft())
+        return m_lastFrame;
+    m_lastFrame = current;
+    const QRectF visible = ScreenPoints::visibleFrameOf(screen());
+    return QRectF(defaultFrame.topLeft(), QSizeF(std::min(visible.width(), qreal(m_maxWidth)),
+                                                 std::min(visible.height(), qreal(m_maxHeight))));
+}
+
+void ROZ_CustomWindow::zoom()
+{
+    setFrame(windowWillUseStandardFrame(ScreenPoints::visibleFrameOf(screen())));
+}
+
+void ROZ_CustomWindow::startTimer(void (ROZ_CustomWindow::*step)())
+{
+    stopTimer();
+    m_timer = new QTimer(this);
+    m_timer->setInterval(fadeStepMilliseconds);
+    connect(m_timer, &QTimer::timeout, this, step);
+    m_timer->start();
+}
+
+void ROZ_CustomWindow::stopTimer()
+{
+    delete m_timer;
+    m_timer = nullptr;
+}
+
+void ROZ_CustomWindow::openWithFade()
+{
+    WindowConstruction::setTransparency(this, 0.0f);
+    show();
+    raise();
+    activateWindow();
+    startTimer(&ROZ_CustomWindow::fadeIn);
+}
+
+void ROZ_CustomWindow::fadeIn()
+{
+    float alpha = WindowConstruction::alphaOf(this);
+    if (alpha < 1.0f)
+        alpha += fadeStep;
+    const bool opaque = alpha >= 1.0f - sameOnScreen || std::isnan(alpha);
+    WindowConstruction::setTransparency(this, opaque ? 1.0f : alpha);
+    if (opaque)
+        stopTimer();
+}
+
+void ROZ_CustomWindow::fade()
+{
+    float alpha = WindowConstruction::alphaOf(this);
+    if (alpha > 0.0f)
+        alpha -= fadeStep;
+    const bool transparent = alpha <= sameOnScreen;
+    WindowConstruction::setTransparency(this, transparent ? 0.0f : alpha);
+    if (transparent) {
+        stopTimer();
+        orderOutAndRelease();
+        WindowConstruction::setTransparency(this, 1.0f);
+    }
+}
+
+void ROZ_CustomWindow::close()
+{
+    if (m_useFade) {
+        startTimer(&ROZ_CustomWindow::fade);
+        return;
+    }
+    orderOutAndRelease();
+}
+
+void ROZ_CustomWindow::orderOutAndRelease()
+{
+    hide();
+    if (m_controller && m_controller->metaObject()->indexOfMethod("closeAndRelease()") >= 0)
+        QMetaObject::invokeMethod(m_controller, "closeAndRelease");
+}
+
+// A close asked for by the window manager or a close button goes the same
+// way: the window is put away, not destroyed.
+void ROZ_CustomWindow::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
+    if (!m_timer)
+        close();
+}
+
+// A disabled control still takes its key, so the key goes nowhere else.
+void ROZ_CustomWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape && m_cancelObject) {
+        if (m_cancelObject->isEnabled())
+            m_cancelObject->click();
+        return;
+    }
+    const bool returnOrEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (returnOrEnter && m_defaultObject) {
+        if (m_defaultObject->isEnabled())
+            m_defaultObject->click();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}

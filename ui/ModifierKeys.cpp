@@ -1,0 +1,53 @@
+#include "ModifierKeys.h"
+
+#include <X11/Xlib.h>
+
+namespace ROZ_NSEventAdditions {
+
+namespace {
+
+constexpr unsigned commandBit = 8, shiftBit = 9, optionBit = 11, controlBit = 12;
+
+// One connection for the process, opened on first use: the snapping of a
+// dragged window asks on every move.
+Display *display()
+{
+    static Display *const connection = XOpenDisplay(nullptr);
+    return connection;
+}
+
+bool isDown(unsigned bit)
+{
+    return (currentKeyModifiers() >> bit) & 1u;
+}
+
+} // namespace
+
+unsigned currentKeyModifiers()
+{
+    Display *x = display();
+    if (!x)
+        return 0;
+    Window root = 0, child = 0;
+    int rootX = 0, rootY = 0, windowX = 0, windowY = 0;
+    unsigned mask = 0;
+    // The mask is filled even when the pointer is on another screen.
+    XQueryPointer(x, DefaultRootWindow(x), &root, &child, &rootX, &rootY, &windowX, &windowY, &mask);
+    unsigned modifiers = 0;
+    if (mask & Mod4Mask)
+        modifiers |= 1u << commandBit;
+    if (mask & ShiftMask)
+        modifiers |= 1u << shiftBit;
+    if (mask & Mod1Mask)
+        modifiers |= 1u << optionBit;
+    if (mask & ControlMask)
+        modifiers |= 1u << controlBit;
+    return modifiers;
+}
+
+bool isCommandKeyDown() { return isDown(commandBit); }
+bool isShiftKeyDown() { return isDown(shiftBit); }
+bool isOptionKeyDown() { return isDown(optionBit); }
+bool isControlKeyDown() { return isDown(controlBit); }
+
+} // namespace ROZ_NSEventAdditions

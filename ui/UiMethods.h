@@ -1,0 +1,8 @@
+#pragma once
+
+class MethodRegistry;
+
+// The windows, views, menus and keys scripts reach: ROZ_CustomWindow,
+// ROZ_BackgroundView, ROZ_NSEventAdditions and the window and menu class
+// methods of ROZ_MiscMethods.
+void registerUiMethods(MethodRegistry &registry);
