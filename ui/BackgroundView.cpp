@@ -4,7 +4,11 @@
 
 #include <QPixmap>
 
-ROZ_BackgroundView::ROZ_BackgroundView(QWidget *parent) : QLabel(parent) {}
+// A background takes whatever size its window has and never sets it.
+ROZ_BackgroundView::ROZ_BackgroundView(QWidget *parent) : QLabel(parent)
+{
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+}
 
 QString ROZ_BackgroundView::imageNameForTag(int tag)
 {
