@@ -24,37 +24,10 @@
 #include <QTimer>
 #include <QToolButton>
 
-#include <X11/Xlib.h>
-#include <X11/extensions/XTest.h>
+#include "SyntheticInput.h"
 
 namespace {
 
-// Pointer input through the X server, as a mouse gives it: a drag started
-// this way runs the toolkit's whole drag and drop.
-class Pointer {
-public:
-    Pointer() : m_display(XOpenDisplay(nullptr)) {}
-    ~Pointer()
-    {
-        if (m_display)
-            XCloseDisplay(m_display);
-    }
-    bool usable() const { return m_display != nullptr; }
-    void moveTo(const QWidget *widget, QPoint point)
-    {
-        const QPoint global = widget->mapToGlobal(point);
-        XTestFakeMotionEvent(m_display, -1, global.x(), global.y(), CurrentTime);
-        XFlush(m_display);
-    }
-    void button(bool down)
-    {
-        XTestFakeButtonEvent(m_display, 1, down, CurrentTime);
-        XFlush(m_display);
-    }
-
-private:
-    Display *m_display;
-};
 
 // Steps done one after another from a timer, so they go on inside the
 // event loops a drag or a menu runs of their own.
@@ -127,7 +100,7 @@ protected:
 
 TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAgain)
 {
-    Pointer pointer;
+    SyntheticInput pointer;
     ASSERT_TRUE(pointer.usable());
     control<QLineEdit>("prefix")->setText(QStringLiteral("n«#» "));
     listNewFolder(numberedNames(QStringLiteral("f%1.txt"), 1, 20));
@@ -143,13 +116,13 @@ TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAg
     int lineDuringDrag = -2;
     QWidget *viewport = table->viewport();
     ASSERT_TRUE(perform({
-        [&] { pointer.moveTo(viewport, centre(from)); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(centre(from))); },
         [&] { pointer.button(true); },
-        [&] { pointer.moveTo(viewport, centre(from) + QPoint(0, -8)); },
-        [&] { pointer.moveTo(viewport, centre(from) + QPoint(0, -30)); },
-        [&] { pointer.moveTo(viewport, target + QPoint(0, 6)); },
-        [&] { pointer.moveTo(viewport, target); },
-        [&] { pointer.moveTo(viewport, target); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(centre(from) + QPoint(0, -8))); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(centre(from) + QPoint(0, -30))); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(target + QPoint(0, 6))); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(target)); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(target)); },
         [&] {
             lineDuringDrag = table->shownDropRow();
             screenshot(QStringLiteral("window-dragging-a-row.png"));
@@ -174,11 +147,11 @@ TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAg
     // The lower half of the last row: below it, which is the end.
     const QPoint below(120, table->rowViewportPosition(last) + table->rowHeight(last) * 3 / 4);
     ASSERT_TRUE(perform({
-        [&] { pointer.moveTo(viewport, centre(last - 1)); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(centre(last - 1))); },
         [&] { pointer.button(true); },
-        [&] { pointer.moveTo(viewport, centre(last - 1) + QPoint(0, 12)); },
-        [&] { pointer.moveTo(viewport, below); },
-        [&] { pointer.moveTo(viewport, below); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(centre(last - 1) + QPoint(0, 12))); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(below)); },
+        [&] { pointer.moveTo(viewport->mapToGlobal(below)); },
         [&] { pointer.button(false); },
     }));
     ASSERT_TRUE(waitFor([] { return column(FileTableModel::Original).last() != QLatin1String("f20.txt"); }));

@@ -23,8 +23,9 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
-#include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
+
+#include "SyntheticInput.h"
 
 inline void PrintTo(const QPointF &p, std::ostream *os)
 {
@@ -38,24 +39,13 @@ inline void PrintTo(const QRectF &r, std::ostream *os)
 
 namespace {
 
-// Synthetic input on a connection of its own.
+// A hand on the pointer and keys that waits after each step for Qt to read
+// the event and the window manager to answer any move it caused.
 class Hand {
 public:
-    Hand() : m_display(XOpenDisplay(nullptr)) {}
-    ~Hand()
-    {
-        if (m_display)
-            XCloseDisplay(m_display);
-    }
-    Hand(const Hand &) = delete;
-    Hand &operator=(const Hand &) = delete;
-
-    void moveTo(QPoint point) { send([&] { XTestFakeMotionEvent(m_display, -1, point.x(), point.y(), CurrentTime); }); }
-    void button(bool down) { send([&] { XTestFakeButtonEvent(m_display, 1, down, CurrentTime); }); }
-    void key(KeySym symbol, bool down)
-    {
-        send([&] { XTestFakeKeyEvent(m_display, XKeysymToKeycode(m_display, symbol), down, CurrentTime); });
-    }
+    void moveTo(QPoint point) { then([&] { m_input.moveTo(point); }); }
+    void button(bool down) { then([&] { m_input.button(down); }); }
+    void key(KeySym symbol, bool down) { then([&] { m_input.key(symbol, down); }); }
     void tap(KeySym symbol)
     {
         key(symbol, true);
@@ -76,22 +66,18 @@ public:
         button(false);
     }
 
-    Display *display() const { return m_display; }
-
 private:
     template <typename Action>
-    void send(Action action)
+    void then(Action action)
     {
         action();
-        XSync(m_display, False);
-        // Qt reads the event, and the window manager answers any move.
         for (int i = 0; i < 5; ++i) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
             QThread::msleep(4);
         }
     }
 
-    Display *m_display;
+    SyntheticInput m_input;
 };
 
 QRectF roundedFrame(const ROZ_CustomWindow &window)
@@ -322,20 +308,24 @@ QList<unsigned long> stacking()
     return windows;
 }
 
-TEST(WindowLevels, KeepFloatingWindowsAboveAndDesktopWindowsBelowAnActiveNormalWindow)
+TEST(WindowLevels, KeepFloatingWindowsAboveAndDesktopWindowsBelowANormalWindowWhateverIsRaised)
 {
     std::unique_ptr<QWidget> floating(WindowConstruction::make(WindowConstruction::Kind::Window, {100, 100, 200, 200}, 1));
     std::unique_ptr<QWidget> desktop(WindowConstruction::make(WindowConstruction::Kind::Window, {150, 150, 200, 200}, 1));
     WindowLevels::setLevel(floating.get(), *WindowLevels::keyNamed(QStringLiteral("NSFloatingWindowLevel")));
     WindowLevels::setLevel(desktop.get(), *WindowLevels::keyNamed(QStringLiteral("kCGDesktopWindowLevel")));
-    floating->show();
-    desktop->show();
     QWidget normal;
     normal.setGeometry(120, 120, 300, 300);
     normal.show();
     ASSERT_TRUE(waitFor([&] { return normal.windowHandle()->isExposed(); }));
     normal.raise();
     normal.activateWindow();
+    floating->show();
+    desktop->show();
+    ASSERT_TRUE(waitFor([&] { return desktop->windowHandle()->isExposed(); }));
+    // Raised and activated, a desktop window still stays below.
+    desktop->raise();
+    desktop->activateWindow();
     const auto order = [&] {
         const QList<unsigned long> stack = stacking();
         return QList<qsizetype>{stack.indexOf(desktop->winId()), stack.indexOf(normal.winId()),
