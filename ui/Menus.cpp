@@ -25,6 +25,8 @@ void place(QMenu *menu, QAction *action, int index)
 
 void insertItem(QMenu *menu, const QString &title, int index, bool enabled, const QIcon &icon)
 {
+    if (!menu)
+        return;
     auto *item = new QAction(icon, title, menu);
     item->setEnabled(enabled);
     place(menu, item, index);
@@ -32,6 +34,8 @@ void insertItem(QMenu *menu, const QString &title, int index, bool enabled, cons
 
 void insertSeparator(QMenu *menu, int index)
 {
+    if (!menu)
+        return;
     auto *separator = new QAction(menu);
     separator->setSeparator(true);
     place(menu, separator, index);
@@ -39,7 +43,7 @@ void insertSeparator(QMenu *menu, int index)
 
 void removeMenuItems(QMenu *menu, bool shouldRelease)
 {
-    while (!menu->actions().isEmpty()) {
+    while (menu && !menu->actions().isEmpty()) {
         QAction *item = menu->actions().constLast();
         if (QMenu *submenu = item->menu())
             removeMenuItems(submenu, shouldRelease);

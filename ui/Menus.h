@@ -6,7 +6,8 @@
 class QMenu;
 
 // Menu items a script adds and takes away. An item carries no action and
-// no shortcut; the script reacts to the menu itself.
+// no shortcut; the script reacts to the menu itself. A nil menu is left
+// alone.
 namespace Menus {
 
 // Appends when the index is -1, else inserts before the item at the index

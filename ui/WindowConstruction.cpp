@@ -80,6 +80,8 @@ QWidget *make(Kind kind, const QRectF &contentRect, int style)
 
 void setTransparency(QWidget *window, float alpha)
 {
+    if (!window)
+        return;
     window->setProperty("alphaValue", alpha);
     window->setWindowOpacity(alpha);
     window->repaint();
@@ -87,12 +89,16 @@ void setTransparency(QWidget *window, float alpha)
 
 float alphaOf(const QWidget *window)
 {
+    if (!window)
+        return 0;
     const QVariant alpha = window->property("alphaValue");
     return alpha.isValid() ? alpha.toFloat() : float(window->windowOpacity());
 }
 
 void setShadow(QWidget *window, bool shadow)
 {
+    if (!window)
+        return;
     window->setProperty("hasShadow", shadow);
     if (shadow)
         WindowLevels::changeFlags(window, {}, Qt::NoDropShadowWindowHint);
@@ -102,11 +108,13 @@ void setShadow(QWidget *window, bool shadow)
 
 bool hasShadow(const QWidget *window)
 {
-    return window->property("hasShadow").toBool();
+    return window && window->property("hasShadow").toBool();
 }
 
 void attachChildWindow(QWidget *child, QWidget *parent)
 {
+    if (!child || !parent || child == parent)
+        return;
     parent->installEventFilter(new ChildFollower(child, parent));
     if (child->isVisible())
         child->lower();
@@ -116,7 +124,7 @@ void attachChildWindow(QWidget *child, QWidget *parent)
 
 void removeView(QWidget *view)
 {
-    if (view->isWindow())
+    if (!view || view->isWindow())
         return;
     view->hide();
     view->setParent(nullptr);

@@ -41,11 +41,13 @@ QWidget *make(Kind kind, const QRectF &contentRect, int style);
 
 // The alpha value reads back as it was set, though the screen shows it in
 // 256 steps.
+// Each of these leaves a nil window alone (and answers 0 or NO for it).
 void setTransparency(QWidget *window, float alpha);
 float alphaOf(const QWidget *window);
 void setShadow(QWidget *window, bool shadow);
 bool hasShadow(const QWidget *window);
-// The child stays below its parent and moves with it.
+// The child stays below its parent and moves with it; a window is never
+// its own child.
 void attachChildWindow(QWidget *child, QWidget *parent);
 // The view leaves its window and is deleted; a window is no view and stays.
 void removeView(QWidget *view);

@@ -34,6 +34,8 @@ void changeFlags(QWidget *window, Qt::WindowFlags on, Qt::WindowFlags off)
 
 void setLevel(QWidget *window, int key)
 {
+    if (!window)
+        return;
     window->setProperty("windowLevel", key);
     if (key < normalKey)
         changeFlags(window, Qt::WindowStaysOnBottomHint, Qt::WindowStaysOnTopHint);
@@ -45,7 +47,7 @@ void setLevel(QWidget *window, int key)
 
 int levelOf(const QWidget *window)
 {
-    const QVariant key = window->property("windowLevel");
+    const QVariant key = window ? window->property("windowLevel") : QVariant();
     return key.isValid() ? key.toInt() : normalKey;
 }
 

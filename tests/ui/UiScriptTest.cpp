@@ -60,6 +60,21 @@ TEST(WindowSelectors, RejectARectangleOfTheWrongShape)
     EXPECT_TRUE(result.err.contains(QLatin1String("a rectangle"))) << result.err.toStdString();
 }
 
+TEST(WindowSelectors, LeaveNilWindowsAndMenusAlone)
+{
+    EXPECT_EQ(run("var w = W([[0, 0, 50, 50], true, false, false, false, false, false]);\n"
+                  "for (var call of [['setWindowLevel:toLevel:', [null, 'NSFloatingWindowLevel']],\n"
+                  "                  ['setWindowTransparency:toAlphaValue:', [null, 0.5]],\n"
+                  "                  ['setWindowShadow:useMainShadow:', [null, false]], ['removeView:', [null]],\n"
+                  "                  ['attachChildWindow:toParentWindow:', [null, w]], ['attachChildWindow:toParentWindow:', [w, w]],\n"
+                  "                  ['insertItem:withTitle:atIndex:shouldEnable:', [null, 'x', 0, true]],\n"
+                  "                  ['insertSeparator:atIndex:', [null, -1]], ['removeMenuItems:shouldRelease:', [null, true]]])\n"
+                  "  callClassMethod(M, call[0], call[1]);\n"
+                  "callMethod(w, 'setFrameOrigin:', [[5, 5]]);\n"
+                  "var f = callMethod(w, 'frame'); [f.x, f.y]"),
+              "[5,5]");
+}
+
 TEST(CustomWindowSelectors, StartBorderlessFloatingAndZoomThereAndBack)
 {
     EXPECT_EQ(run("var w = callClassMethod('ROZ_CustomWindow', 'initWithContentRect:styleMask:backing:defer:',\n"
