@@ -16,6 +16,7 @@ packages=(
   rename
   fonts-dejavu-core libespeak-ng-dev espeak-ng-data
   procps openbox
+  qt6-speech-dev qt6-speech-flite-plugin
 )
 
 missing=()

@@ -1,5 +1,7 @@
 #include "ModifierKeys.h"
 
+#include "XConnection.h"
+
 #include <X11/Xlib.h>
 
 namespace ROZ_NSEventAdditions {
@@ -7,14 +9,6 @@ namespace ROZ_NSEventAdditions {
 namespace {
 
 constexpr unsigned commandBit = 8, shiftBit = 9, optionBit = 11, controlBit = 12;
-
-// One connection for the process, opened on first use: the snapping of a
-// dragged window asks on every move.
-Display *display()
-{
-    static Display *const connection = XOpenDisplay(nullptr);
-    return connection;
-}
 
 bool isDown(unsigned bit)
 {
@@ -25,7 +19,7 @@ bool isDown(unsigned bit)
 
 unsigned currentKeyModifiers()
 {
-    Display *x = display();
+    Display *x = XConnection::shared();
     if (!x)
         return 0;
     Window root = 0, child = 0;

@@ -235,4 +235,5 @@ void registerUiMethods(MethodRegistry &registry)
     registerWindowConstruction(registry);
     registerDateFormatter(registry);
     registerViewsAndKeys(registry);
+    registerInputAndSpeechMethods(registry);
 }

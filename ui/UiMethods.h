@@ -6,3 +6,5 @@ class MethodRegistry;
 // ROZ_BackgroundView, ROZ_NSEventAdditions and the window and menu class
 // methods of ROZ_MiscMethods.
 void registerUiMethods(MethodRegistry &registry);
+// Posted pointer and key input, and speech.
+void registerInputAndSpeechMethods(MethodRegistry &registry);

@@ -112,4 +112,16 @@ TEST(ResourceAndKeySelectors, FindRtfResourcesAndAnswerNoWithoutADisplay)
               "[true,null,null,[false,false,false,false]]");
 }
 
+// A speech that could not return would stop the run at the script timeout.
+TEST(InputAndSpeechSelectors, ListVoicesAndReturnWithoutADisplayOrASoundDevice)
+{
+    EXPECT_EQ(run("var voices = callClassMethod(M, 'returnSpeechVoices');\n"
+                  "callClassMethod(M, 'typeAsUser:', [[{key_code: 0, command_down: true}]]);\n"
+                  "callClassMethod(M, 'clickAsUserAtPointX:andY:', [10, 10]);\n"
+                  "callClassMethod(M, 'moveMouseToPointX:andY:', [10, 10]);\n"
+                  "for (var text of ['Hello there', '', ' ']) callClassMethod(M, 'speak:usingVoice:', [text, 'nobody']);\n"
+                  "[voices.indexOf('slt') >= 0, callClassMethod(M, 'getCurrentMouseLocationAsNumbers')]"),
+              "[true,[0,0]]");
+}
+
 } // namespace

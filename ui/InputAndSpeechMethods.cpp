@@ -1,0 +1,37 @@
+#include "UiMethods.h"
+
+#include "MethodRegistry.h"
+#include "NativeBinding.h"
+#include "Speech.h"
+#include "UserInput.h"
+
+namespace {
+
+QList<UserInput::KeyStroke> strokesFrom(const QVariantList &records)
+{
+    QList<UserInput::KeyStroke> strokes;
+    for (const QVariant &record : records)
+        strokes.append(UserInput::KeyStroke::fromRecord(record.toMap()));
+    return strokes;
+}
+
+} // namespace
+
+void registerInputAndSpeechMethods(MethodRegistry &registry)
+{
+    using NativeBinding::addClassMethod;
+    const QString M = ROZ_MiscMethodsClass;
+    addClassMethod(registry, M, QStringLiteral("moveMouseToPointX:andY:"),
+                   +[](float x, float y) { UserInput::moveMouseTo({x, y}); });
+    addClassMethod(registry, M, QStringLiteral("getCurrentMouseLocation"), +[] { return UserInput::mouseLocation(); });
+    addClassMethod(registry, M, QStringLiteral("getCurrentMouseLocationAsNumbers"), +[] {
+        const QPointF point = UserInput::mouseLocation();
+        return QVariantList{float(point.x()), float(point.y())};
+    });
+    addClassMethod(registry, M, QStringLiteral("clickAsUserAtPointX:andY:"),
+                   +[](float x, float y) { UserInput::clickAt({x, y}); });
+    addClassMethod(registry, M, QStringLiteral("typeAsUser:"),
+                   +[](const QVariantList &records) { UserInput::type(strokesFrom(records)); });
+    addClassMethod(registry, M, QStringLiteral("returnSpeechVoices"), &Speech::voiceNames);
+    addClassMethod(registry, M, QStringLiteral("speak:usingVoice:"), &Speech::speak);
+}
