@@ -16,7 +16,7 @@ packages=(
   rename
   fonts-dejavu-core libespeak-ng-dev espeak-ng-data
   procps openbox
-  qt6-speech-dev qt6-speech-flite-plugin
+  qt6-speech-dev qt6-speech-flite-plugin qt6-image-formats-plugins
 )
 
 missing=()

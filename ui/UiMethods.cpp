@@ -236,4 +236,5 @@ void registerUiMethods(MethodRegistry &registry)
     registerDateFormatter(registry);
     registerViewsAndKeys(registry);
     registerInputAndSpeechMethods(registry);
+    registerSizingMethods(registry);
 }

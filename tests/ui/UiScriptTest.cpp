@@ -1,8 +1,12 @@
 // Window, menu-side and key selectors through nomen-script, the way the main
 // script calls them, on a bare server: Qt's offscreen screen, no display.
 
+#include "JsonString.h"
 #include "NomenScriptRun.h"
 #include "TestPrinting.h"
+
+#include <QImage>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -110,6 +114,34 @@ TEST(ResourceAndKeySelectors, FindRtfResourcesAndAnswerNoWithoutADisplay)
                   " ['isCommandKeyDown', 'isShiftKeyDown', 'isOptionKeyDown', 'isControlKeyDown'].map(\n"
                   "     function (s) { return callClassMethod('NSEvent', s); })]"),
               "[true,null,null,[false,false,false,false]]");
+}
+
+TEST(SwatchSelectors, WriteByTheExactExtensionAndReadBackAtTheirSizeAndColour)
+{
+    QTemporaryDir dir;
+    const QString folder = JsonString::quoted(dir.path());
+    EXPECT_EQ(run(QStringLiteral("var D = %1, c = 'swatchForColor:withWidth:withHeight:atPath:';\n"
+                                 "[callClassMethod(M, c, ['#ff8000', 30, 20, D + '/a.png']),\n"
+                                 " callClassMethod(M, c, [[0, 0, 1], 8, 6, D + '/b.tif']),\n"
+                                 " callClassMethod(M, c, ['red', 8, 6, D + '/c.jpg']),\n"
+                                 " callClassMethod(M, c, ['red', 8, 6, D + '/d.jpeg']),\n"
+                                 " callClassMethod(M, c, ['red', 8, 6, D + '/e.PNG']),\n"
+                                 " callClassMethod(M, c, ['red', 0, 6, D + '/f.png']),\n"
+                                 " callClassMethod(M, 'swatchForGradient:atAngle:withWidth:withHeight:atPath:',\n"
+                                 "                 [['black', 'white'], 0, 100, 10, D + '/g.png'])]")
+                      .arg(folder)),
+              "[true,true,true,false,false,false,true]");
+    const QImage png(dir.filePath("a.png")), tif(dir.filePath("b.tif")), jpg(dir.filePath("c.jpg")), gradient(dir.filePath("g.png"));
+    EXPECT_EQ(png.size(), QSize(30, 20));
+    EXPECT_EQ(png.pixelColor(29, 19), QColor(255, 128, 0));
+    EXPECT_EQ(tif.size(), QSize(8, 6));
+    EXPECT_EQ(tif.pixelColor(0, 0), QColor(0, 0, 255));
+    EXPECT_EQ(jpg.size(), QSize(8, 6));
+    EXPECT_GT(jpg.pixelColor(4, 3).red(), 240);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).join(u' '), QStringLiteral("a.png b.tif c.jpg g.png"));
+    // Black on the left, white on the right.
+    EXPECT_LT(gradient.pixelColor(2, 5).lightness(), 20);
+    EXPECT_GT(gradient.pixelColor(97, 5).lightness(), 235);
 }
 
 // A speech that could not return would stop the run at the script timeout.

@@ -2,17 +2,23 @@
 // and fades, on Qt's offscreen platform.
 
 #include "BackgroundView.h"
+#include "BusyIndicator.h"
 #include "CustomWindow.h"
 #include "GuiWaiting.h"
 #include "InterfaceFile.h"
 #include "Menus.h"
 #include "NamedException.h"
 #include "TestPrinting.h"
+#include "TextViews.h"
 
 #include <QApplication>
+#include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTemporaryDir>
 #include <QWindow>
 #include <gtest/gtest.h>
@@ -187,6 +193,39 @@ TEST(CustomWindowFades, TakeFiveStepsAndHandTheWindowToItsController)
     window.close();
     EXPECT_FALSE(window.isVisible()) << "without a fade the window goes at once";
     EXPECT_EQ(controller.releases, 2);
+}
+
+TEST(LogViews, AppendLinesInTheFixedFontWhenAskedAndShowTheEnd)
+{
+    QPlainTextEdit view;
+    view.resize(300, 80);
+    view.show();
+    TextViews::logEntry(&view, QStringLiteral("plain"), false);
+    for (int i = 0; i < 40; ++i)
+        TextViews::logEntry(&view, QStringLiteral("line %1").arg(i), true);
+    EXPECT_TRUE(view.toPlainText().startsWith(QLatin1String("plain\nline 0\nline 1\n")));
+    EXPECT_TRUE(view.toPlainText().endsWith(QLatin1String("line 39\n")));
+    const QTextBlock first = view.document()->firstBlock();
+    const QFont fixed = first.next().begin().fragment().charFormat().font();
+    EXPECT_NE(first.begin().fragment().charFormat().font().family(), fixed.family());
+    EXPECT_EQ(fixed.family(), QFontDatabase::systemFont(QFontDatabase::FixedFont).family());
+    EXPECT_EQ(fixed.pointSize(), 11);
+    QCoreApplication::processEvents();
+    EXPECT_GT(view.verticalScrollBar()->value(), 0) << "did not scroll";
+    QTextCursor end(view.document());
+    end.movePosition(QTextCursor::End);
+    EXPECT_TRUE(view.viewport()->rect().contains(view.cursorRect(end))) << "the end is out of view";
+}
+
+TEST(BusyIndicators, SpinInsideTheirSmallView)
+{
+    std::unique_ptr<QWidget> view(BusyIndicator::makeAccessory());
+    EXPECT_EQ(view->size(), QSize(18, 22));
+    const auto *indicator = view->findChild<BusyIndicator *>();
+    ASSERT_TRUE(indicator);
+    EXPECT_EQ(indicator->geometry(), QRect(0, 4, 16, 16));
+    const int start = indicator->step();
+    EXPECT_TRUE(waitFor([&] { return indicator->step() != start; }, 1000)) << "not animating";
 }
 
 } // namespace
