@@ -2,10 +2,12 @@
 
 #include "ArgumentConversion.h"
 #include "BusyIndicator.h"
+#include "LargeText.h"
 #include "MethodRegistry.h"
 #include "NativeBinding.h"
 #include "Swatches.h"
 #include "TextViews.h"
+#include "WindowSizing.h"
 
 namespace {
 
@@ -32,6 +34,11 @@ void registerSizingMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
     const QString M = ROZ_MiscMethodsClass;
+    addClassMethod(registry, M, QStringLiteral("showLargeText:inTextField:inWindow:"),
+                   +[](const QString &text, QWidget *field, QWidget *window) { LargeText::show(text, field, window); });
+    addClassMethod(registry, M, QStringLiteral("fitTextFieldToText:withOffset:smallestAllowableSize:adjustFromTop:"),
+                   &WindowSizing::fitTextFieldToText);
+    addClassMethod(registry, M, QStringLiteral("discloseWindow:toHeight:useAnimation:"), &WindowSizing::discloseWindow);
     addClassMethod(registry, M, QStringLiteral("logEntry:toTextView:shouldUpdateFont:"),
                    +[](const QString &line, QWidget *view, bool updateFont) { TextViews::logEntry(view, line, updateFont); });
     addClassMethod(registry, M, QStringLiteral("autoScroll:"), &TextViews::autoScroll);

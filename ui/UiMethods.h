@@ -8,5 +8,5 @@ class MethodRegistry;
 void registerUiMethods(MethodRegistry &registry);
 // Posted pointer and key input, and speech.
 void registerInputAndSpeechMethods(MethodRegistry &registry);
-// Log views, the busy indicator and swatches.
+// Large text, window sizing, log views, the busy indicator and swatches.
 void registerSizingMethods(MethodRegistry &registry);

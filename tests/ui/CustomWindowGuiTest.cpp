@@ -6,14 +6,17 @@
 #include "CustomWindow.h"
 #include "GuiWaiting.h"
 #include "InterfaceFile.h"
+#include "LargeText.h"
 #include "ModifierKeys.h"
 #include "ResourceFolder.h"
 #include "ScreenPoints.h"
+#include "TextViews.h"
 #include "WindowConstruction.h"
 #include "WindowLevels.h"
 
 #include <QApplication>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QThread>
@@ -371,6 +374,34 @@ TEST(Screenshots, ShowACustomWindowWithItsBackgroundInFrontOfTheMainWindow)
     ASSERT_TRUE(waitFor([&] { return !window.isFading() && main.window()->windowHandle()->isExposed(); }));
     waitFor([] { return false; }, 300);
     ASSERT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0).save(file));
+}
+
+// Large type on a dark window, and a log view, for a person to look at.
+TEST(Screenshots, ShowLargeTextAndALogView)
+{
+    const QString largeFile = screenshotFile(QStringLiteral("large_text.png"));
+    if (largeFile.isEmpty())
+        GTEST_SKIP() << "no screenshot folder";
+    QWidget dark(nullptr, Qt::Window | Qt::FramelessWindowHint);
+    dark.setStyleSheet(QStringLiteral("background: #202020"));
+    auto *field = new QLabel(&dark);
+    field->setStyleSheet(QStringLiteral("background: transparent"));
+    const float size = LargeText::show(QStringLiteral("IMG_0042"), field, &dark);
+    dark.show();
+    ASSERT_TRUE(waitFor([&] { return dark.windowHandle()->isExposed(); }));
+    waitFor([] { return false; }, 300);
+    EXPECT_GT(size, 24);
+    ASSERT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0).save(largeFile));
+    dark.hide();
+
+    QPlainTextEdit log;
+    log.setGeometry(100, 100, 520, 220);
+    log.show();
+    ASSERT_TRUE(waitFor([&] { return log.windowHandle()->isExposed(); }));
+    for (int i = 1; i <= 30; ++i)
+        TextViews::logEntry(&log, QStringLiteral("%1  IMG_%2.jpg -> Holiday %3.jpg").arg(i, 2).arg(4000 + i).arg(i, 3, 10, QLatin1Char('0')), i > 1);
+    waitFor([] { return false; }, 300);
+    ASSERT_TRUE(QGuiApplication::primaryScreen()->grabWindow(0, 80, 60, 580, 300).save(screenshotFile(QStringLiteral("log_view.png"))));
 }
 
 } // namespace

@@ -144,6 +144,21 @@ TEST(SwatchSelectors, WriteByTheExactExtensionAndReadBackAtTheirSizeAndColour)
     EXPECT_GT(gradient.pixelColor(97, 5).lightness(), 235);
 }
 
+TEST(SizingSelectors, AnswerScriptsAndLeaveNilViewsAlone)
+{
+    EXPECT_EQ(run("callClassMethod(M, 'showLargeText:inTextField:inWindow:', ['42', null, null]);\n"
+                  "callClassMethod(M, 'fitTextFieldToText:withOffset:smallestAllowableSize:adjustFromTop:', [null, 0, 40, true]);\n"
+                  "callClassMethod(M, 'discloseWindow:toHeight:useAnimation:', [null, 100, false]);\n"
+                  "callClassMethod(M, 'logEntry:toTextView:shouldUpdateFont:', ['line', null, true]);\n"
+                  "callClassMethod(M, 'autoScroll:', [null]);\n"
+                  "var w = W([[0, 0, 200, 100], true, false, false, false, true, false]);\n"
+                  "callClassMethod(M, 'discloseWindow:toHeight:useAnimation:', [w, 150, false]);\n"
+                  "var f = callMethod(w, 'frame');\n"
+                  "[String(callClassMethod(M, 'makePI')).startsWith('QWidget('), f.height]"),
+              // The offscreen window has no title bar yet, so one of 22 is counted.
+              "[true,172]");
+}
+
 // A speech that could not return would stop the run at the script timeout.
 TEST(InputAndSpeechSelectors, ListVoicesAndReturnWithoutADisplayOrASoundDevice)
 {
