@@ -19,33 +19,13 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+
+#include "WindowProperties.h"
 #include <memory>
 
 using M = ROZ_MiscMethods;
 
 namespace {
-
-// One property of a window as 32-bit items, read on a connection of our own.
-QList<unsigned long> property(unsigned long window, const char *name)
-{
-    Display *display = XOpenDisplay(nullptr);
-    QList<unsigned long> values;
-    if (!display)
-        return values;
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0, remaining = 0;
-    unsigned char *data = nullptr;
-    if (XGetWindowProperty(display, window ? window : DefaultRootWindow(display), XInternAtom(display, name, False), 0,
-                           64, False, AnyPropertyType, &type, &format, &count, &remaining, &data) == Success &&
-        data && format == 32)
-        values = QList<unsigned long>(reinterpret_cast<unsigned long *>(data),
-                                      reinterpret_cast<unsigned long *>(data) + count);
-    if (data)
-        XFree(data);
-    XCloseDisplay(display);
-    return values;
-}
 
 struct Client {
     std::unique_ptr<QProcess> process;
@@ -73,7 +53,7 @@ QVariantMap applicationOf(qint64 pid)
 
 TEST(RunningApplications, AreTheProcessesBehindTheManagedWindows)
 {
-    ASSERT_TRUE(waitFor([] { return !property(0, "_NET_SUPPORTING_WM_CHECK").isEmpty(); }, 10000))
+    ASSERT_TRUE(waitFor([] { return !windowProperty(0, "_NET_SUPPORTING_WM_CHECK").isEmpty(); }, 10000))
         << "the window manager did not start";
     QWidget own;
     own.setWindowTitle(QStringLiteral("Nomen test"));
@@ -116,10 +96,10 @@ TEST(RunningApplications, AreTheProcessesBehindTheManagedWindows)
 
     M::hideOtherApplications();
     EXPECT_TRUE(waitFor([&] {
-        return property(named.window, "WM_STATE").value(0) == static_cast<unsigned long>(IconicState) &&
-               property(claimed.window, "WM_STATE").value(0) == static_cast<unsigned long>(IconicState);
+        return windowProperty(named.window, "WM_STATE").value(0) == static_cast<unsigned long>(IconicState) &&
+               windowProperty(claimed.window, "WM_STATE").value(0) == static_cast<unsigned long>(IconicState);
     }));
-    EXPECT_NE(property(own.winId(), "WM_STATE").value(0), static_cast<unsigned long>(IconicState)) << "our own window stays";
+    EXPECT_NE(windowProperty(own.winId(), "WM_STATE").value(0), static_cast<unsigned long>(IconicState)) << "our own window stays";
 
     for (Client *client : {&named, &claimed}) {
         client->process->kill();

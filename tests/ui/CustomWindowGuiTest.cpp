@@ -29,6 +29,7 @@
 #include <X11/keysym.h>
 
 #include "SyntheticInput.h"
+#include "WindowProperties.h"
 
 inline void PrintTo(const QPointF &p, std::ostream *os)
 {
@@ -293,22 +294,7 @@ TEST(CustomWindowKeys, ClickTheDefaultButtonOnReturnAndIgnoreEscapeWhenCancelIsD
 // The window manager's stacking order, bottom first.
 QList<unsigned long> stacking()
 {
-    Display *display = XOpenDisplay(nullptr);
-    QList<unsigned long> windows;
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0, remaining = 0;
-    unsigned char *data = nullptr;
-    if (XGetWindowProperty(display, DefaultRootWindow(display),
-                           XInternAtom(display, "_NET_CLIENT_LIST_STACKING", False), 0, 1024, False, XA_WINDOW, &type,
-                           &format, &count, &remaining, &data) == Success &&
-        data)
-        windows = QList<unsigned long>(reinterpret_cast<unsigned long *>(data),
-                                       reinterpret_cast<unsigned long *>(data) + count);
-    if (data)
-        XFree(data);
-    XCloseDisplay(display);
-    return windows;
+    return windowProperty(0, "_NET_CLIENT_LIST_STACKING");
 }
 
 TEST(WindowLevels, KeepFloatingWindowsAboveAndDesktopWindowsBelowANormalWindowWhateverIsRaised)
@@ -409,21 +395,7 @@ TEST(Screenshots, ShowLargeTextAndALogView)
 // Whether the window manager has announced itself on the root window.
 bool windowManagerRunning()
 {
-    Display *display = XOpenDisplay(nullptr);
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0, remaining = 0;
-    unsigned char *data = nullptr;
-    const bool found = display &&
-                       XGetWindowProperty(display, DefaultRootWindow(display),
-                                          XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False), 0, 1, False,
-                                          XA_WINDOW, &type, &format, &count, &remaining, &data) == Success &&
-                       count == 1;
-    if (data)
-        XFree(data);
-    if (display)
-        XCloseDisplay(display);
-    return found;
+    return !windowProperty(0, "_NET_SUPPORTING_WM_CHECK").isEmpty();
 }
 
 int main(int argc, char **argv)
