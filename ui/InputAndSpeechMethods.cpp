@@ -1,5 +1,6 @@
 #include "UiMethods.h"
 
+#include "ArgumentConversion.h"
 #include "MethodRegistry.h"
 #include "NativeBinding.h"
 #include "Speech.h"
@@ -7,11 +8,16 @@
 
 namespace {
 
+// Every item must be a record: anything else would type the A key.
 QList<UserInput::KeyStroke> strokesFrom(const QVariantList &records)
 {
     QList<UserInput::KeyStroke> strokes;
-    for (const QVariant &record : records)
+    for (const QVariant &record : records) {
+        if (record.typeId() != QMetaType::QVariantMap)
+            throw ArgumentConversion::WrongType{0, QStringLiteral("a list of key stroke records"),
+                                                QStringLiteral("a list holding ") + ArgumentConversion::kindOf(record)};
         strokes.append(UserInput::KeyStroke::fromRecord(record.toMap()));
+    }
     return strokes;
 }
 

@@ -55,13 +55,16 @@ TEST(WindowSelectors, SetLevelsByExactNameAndKeepTransparencyShadowAndFrame)
               "[[4,5,5,5,13,2,6],0.5,false,[40,30,320,200]]");
 }
 
-TEST(WindowSelectors, RejectARectangleOfTheWrongShape)
+TEST(WindowSelectors, RejectRectanglesOfTheWrongShapeAndKeyStrokesThatAreNoRecords)
 {
-    const ScriptRun result = nomenScript({QStringLiteral("-e"),
-                                          QStringLiteral("callClassMethod('ROZ_MiscMethods', 'makeBorderlessWindow:', [[1, 2, 3]])")},
-                                         {{QStringLiteral("DISPLAY"), QString()}});
-    EXPECT_NE(result.exitCode, 0);
-    EXPECT_TRUE(result.err.contains(QLatin1String("a rectangle"))) << result.err.toStdString();
+    for (const auto &[call, expected] :
+         {std::pair{"callClassMethod('ROZ_MiscMethods', 'makeBorderlessWindow:', [[1, 2, 3]])", "a rectangle"},
+          std::pair{"callClassMethod('ROZ_MiscMethods', 'typeAsUser:', [[{key_code: 4}, 1]])", "key stroke records"}}) {
+        const ScriptRun result = nomenScript({QStringLiteral("-e"), QString::fromLatin1(call)},
+                                             {{QStringLiteral("DISPLAY"), QString()}});
+        EXPECT_NE(result.exitCode, 0) << call;
+        EXPECT_TRUE(result.err.contains(QLatin1String(expected))) << result.err.toStdString();
+    }
 }
 
 TEST(WindowSelectors, LeaveNilWindowsAndMenusAlone)
