@@ -75,12 +75,12 @@ void ROZ_CustomWindow::awakeFromNib()
 
 QRectF ROZ_CustomWindow::frame() const
 {
-    return ScreenPoints::toBottomLeft(QRectF(geometry()));
+    return WindowConstruction::frameOf(this);
 }
 
 void ROZ_CustomWindow::setFrame(const QRectF &frame)
 {
-    setGeometry(ScreenPoints::toTopLeft(frame).toRect());
+    WindowConstruction::setFrame(this, frame);
 }
 
 void ROZ_CustomWindow::setFrameOrigin(const QPointF &origin)

@@ -1,7 +1,7 @@
 #include "LargeText.h"
 
-#include "ScreenPoints.h"
 #include "UserDefaults.h"
+#include "WindowConstruction.h"
 
 #include <QApplication>
 #include <QFontMetricsF>
@@ -109,7 +109,7 @@ float show(const QString &text, QWidget *field, QWidget *window)
     setText(field, text, boldFont(size));
     const QSize fieldSize = field->size();
     const QSize windowSize(fieldSize.width() + 70, fieldSize.height() + 25);
-    window->setGeometry(ScreenPoints::toTopLeft(QRectF(QPointF(0, 0), QSizeF(windowSize))).toRect());
+    WindowConstruction::setFrame(window, QRectF(QPointF(0, 0), QSizeF(windowSize)));
     field->move((windowSize.width() - fieldSize.width()) / 2, (windowSize.height() - fieldSize.height()) / 2);
     window->update();
     return size;

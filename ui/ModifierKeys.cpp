@@ -2,7 +2,7 @@
 
 #include "XConnection.h"
 
-#include <X11/Xlib.h>
+#include <X11/X.h>
 
 namespace ROZ_NSEventAdditions {
 
@@ -19,14 +19,8 @@ bool isDown(unsigned bit)
 
 unsigned currentKeyModifiers()
 {
-    Display *x = XConnection::shared();
-    if (!x)
-        return 0;
-    Window root = 0, child = 0;
-    int rootX = 0, rootY = 0, windowX = 0, windowY = 0;
-    unsigned mask = 0;
-    // The mask is filled even when the pointer is on another screen.
-    XQueryPointer(x, DefaultRootWindow(x), &root, &child, &rootX, &rootY, &windowX, &windowY, &mask);
+    const auto pointer = XConnection::pointerState();
+    const unsigned mask = pointer ? pointer->mask : 0;
     unsigned modifiers = 0;
     if (mask & Mod4Mask)
         modifiers |= 1u << commandBit;

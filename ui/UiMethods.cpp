@@ -8,7 +8,6 @@
 #include "NativeBinding.h"
 #include "NamedException.h"
 #include "ResourceFolder.h"
-#include "ScreenPoints.h"
 #include "WindowConstruction.h"
 #include "WindowLevels.h"
 
@@ -129,13 +128,12 @@ void registerCustomWindow(MethodRegistry &registry)
 // bottom left.
 void registerWindowBasics(MethodRegistry &registry, const QString &C)
 {
-    addInstanceMethod(registry, C, QStringLiteral("frame"),
-                      +[](QWidget *window) { return ScreenPoints::toBottomLeft(QRectF(window->geometry())); });
+    addInstanceMethod(registry, C, QStringLiteral("frame"), &WindowConstruction::frameOf);
     addInstanceMethod(registry, C, QStringLiteral("setFrame:display:"), +[](QWidget *window, const QRectF &frame, bool) {
-        window->setGeometry(ScreenPoints::toTopLeft(frame).toRect());
+        WindowConstruction::setFrame(window, frame);
     });
     addInstanceMethod(registry, C, QStringLiteral("setFrameOrigin:"), +[](QWidget *window, const QPointF &origin) {
-        window->setGeometry(ScreenPoints::toTopLeft(QRectF(origin, QSizeF(window->size()))).toRect());
+        WindowConstruction::setFrame(window, QRectF(origin, QSizeF(window->size())));
     });
     addInstanceMethod(registry, C, QStringLiteral("styleMask"),
                       +[](QWidget *window) { return window->property("styleMask").toInt(); });

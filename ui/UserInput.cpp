@@ -63,14 +63,8 @@ void moveMouseTo(QPointF point)
 
 QPointF mouseLocation()
 {
-    Display *x = XConnection::shared();
-    if (!x)
-        return {};
-    Window root = 0, child = 0;
-    int rootX = 0, rootY = 0, windowX = 0, windowY = 0;
-    unsigned mask = 0;
-    XQueryPointer(x, DefaultRootWindow(x), &root, &child, &rootX, &rootY, &windowX, &windowY, &mask);
-    return {float(rootX), float(rootY)};
+    const auto pointer = XConnection::pointerState();
+    return pointer ? QPointF(float(pointer->x), float(pointer->y)) : QPointF();
 }
 
 void clickAt(QPointF point)

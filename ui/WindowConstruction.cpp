@@ -72,10 +72,20 @@ QWidget *make(Kind kind, const QRectF &contentRect, int style)
     window->setProperty("nomenClassName", kind == Kind::Panel ? QStringLiteral("NSPanel") : QStringLiteral("NSWindow"));
     window->setProperty("styleMask", style);
     window->setProperty("hasShadow", true);
-    window->setGeometry(ScreenPoints::toTopLeft(contentRect).toRect());
+    setFrame(window, contentRect);
     if (!(style & Resizable))
         window->setFixedSize(window->size());
     return window;
+}
+
+QRectF frameOf(const QWidget *window)
+{
+    return ScreenPoints::toBottomLeft(QRectF(window->geometry()));
+}
+
+void setFrame(QWidget *window, const QRectF &frame)
+{
+    window->setGeometry(ScreenPoints::toTopLeft(frame).toRect());
 }
 
 void setTransparency(QWidget *window, float alpha)

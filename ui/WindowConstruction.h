@@ -41,6 +41,11 @@ QWidget *make(Kind kind, const QRectF &contentRect, int style);
 
 // The alpha value reads back as it was set, though the screen shows it in
 // 256 steps.
+// A window's frame from the bottom left of the main screen, as scripts
+// give and read it.
+QRectF frameOf(const QWidget *window);
+void setFrame(QWidget *window, const QRectF &frame);
+
 // Each of these leaves a nil window alone (and answers 0 or NO for it).
 void setTransparency(QWidget *window, float alpha);
 float alphaOf(const QWidget *window);
