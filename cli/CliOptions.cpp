@@ -11,7 +11,6 @@ namespace CliOptions {
 
 namespace {
 
-const QStringList cases = {"UPPERCASE", "lowercase", "Title Case", "Sentence case"};
 const QStringList numberOptions = {"start", "step", "zeros", "trim-start", "trim-end"};
 
 qint32 number(const QCommandLineParser &options, const QString &name)
@@ -29,6 +28,8 @@ void declare(QCommandLineParser &options)
         "Examples:\n"
         "  nomen-cli --prefix 'Trip «#» ' --zeros 3 --ext-filter jpg ~/Pictures/Trip\n"
         "  nomen-cli --grep --search 'IMG_(\\d+)' --replace 'photo $1' --apply ~/Pictures/Trip\n"
+        "  nomen-cli --rule Trip --start 10 ~/Pictures/Trip\n"
+        "  nomen-cli --map renames.tsv --apply\n"
         "  nomen-cli --undo\n\n"
         "Exit codes: 0 success, 1 conflicts, 2 failures, 3 refused (a batch cut short\n"
         "waits for --finish or --roll-back, or a journal cannot be believed), 64 usage,\n"
@@ -60,6 +61,10 @@ void declare(QCommandLineParser &options)
         {"ext-filter", "Only these extensions (comma-separated, exact).", "list"},
         {"type", "Only these four-character type codes (comma-separated).", "list"},
         {"sort", "Row order: name (natural), date, size or none (the file system's).", "order", "name"},
+        {"rule", "Rename by the saved rule NAME (in $XDG_CONFIG_HOME/nomen/rules); options given beside it change its fields.", "name"},
+        {"save-rule", "Save the rule the other options give (over --rule, if given) under NAME, and rename nothing.", "name"},
+        {"list-rules", "List the saved rules."},
+        {"map", "Rename by a table: a first line \"old<TAB>new\", then one old path and new name per line.", "file"},
         {"apply", "Rename the files (through the safe mover, with undo)."},
         {"undo", "Put the last batch back (repeat to go further back)."},
         {"finish", "Finish a batch that was cut short."},
@@ -78,8 +83,8 @@ QString problem(const QCommandLineParser &options)
     }
     const std::pair<QString, QStringList> choices[] = {{"sort", {"name", "date", "size", "none"}},
                                                        {"date-source", {"none", "now", "created", "modified"}},
-                                                       {"case", cases},
-                                                       {"ext-case", cases}};
+                                                       {"case", RenameRule::caseNames()},
+                                                       {"ext-case", RenameRule::caseNames()}};
     for (const auto &[option, allowed] : choices)
         if (options.isSet(option) && !allowed.contains(options.value(option)))
             return QStringLiteral("nomen-cli: --%1 takes one of: %2").arg(option, allowed.join(QStringLiteral(", ")));
@@ -88,26 +93,68 @@ QString problem(const QCommandLineParser &options)
         commands += options.isSet(QString::fromLatin1(command));
     if (commands > 1)
         return QStringLiteral("nomen-cli: choose one of --apply, --undo, --finish and --roll-back");
+    if (options.isSet("map") && options.isSet("rule"))
+        return QStringLiteral("nomen-cli: --map renames by its table alone; leave out --rule");
+    if (options.isSet("map") && !options.positionalArguments().isEmpty())
+        return QStringLiteral("nomen-cli: --map names every item itself; leave out the folders");
     return {};
 }
 
-QVariantList settings(const QCommandLineParser &options)
+RenameRule rule(const QCommandLineParser &options, RenameRule base)
 {
-    QString extension = options.value("extension");
-    if (!extension.isEmpty() && !extension.startsWith(u'.'))
-        extension.prepend(u'.');
-    return {options.value("prefix"), number(options, "start"), number(options, "step"), true,
-            number(options, "zeros"), !options.isSet("no-original"), options.value("search"),
-            options.value("replace"), options.isSet("grep") ? QStringLiteral("GREP") : QStringLiteral("literal"),
-            !options.isSet("ignore-case"), number(options, "trim-start"), number(options, "trim-end"),
-            options.isSet("case"), options.value("case"), options.isSet("strip-diacritics"), options.value("suffix"),
-            number(options, "start"), number(options, "step"), true, number(options, "zeros"),
-            extension, options.isSet("extension"), options.isSet("ext-case"), options.value("ext-case")};
-}
-
-qint32 dateChoice(const QCommandLineParser &options)
-{
-    return qint32(QStringList({"none", "now", "created", "modified"}).indexOf(options.value("date-source")));
+    RenameRule rule = std::move(base);
+    const auto given = [&options](const char *name) { return options.isSet(QString::fromLatin1(name)); };
+    const auto list = [&options](const char *name) {
+        return options.value(QString::fromLatin1(name)).split(u',', Qt::SkipEmptyParts);
+    };
+    if (given("prefix"))
+        rule.prefix.text = options.value("prefix");
+    if (given("suffix"))
+        rule.suffix.text = options.value("suffix");
+    // The counter options count for the prefix and the suffix alike.
+    for (RenameRule::Part *part : {&rule.prefix, &rule.suffix}) {
+        if (given("start"))
+            part->start = number(options, "start");
+        if (given("step"))
+            part->step = number(options, "step");
+        if (given("zeros")) {
+            part->leadingZeros = true;
+            part->digits = number(options, "zeros");
+        }
+        if (given("date-source"))
+            part->date = RenameRule::dateNamed(options.value("date-source")).value_or(RenameRule::NoDate);
+    }
+    if (given("no-original"))
+        rule.includeOriginal = false;
+    if (given("search"))
+        rule.search = options.value("search");
+    if (given("replace"))
+        rule.replace = options.value("replace");
+    if (given("grep"))
+        rule.grep = true;
+    if (given("ignore-case"))
+        rule.considerCase = false;
+    if (given("trim-start"))
+        rule.trimStart = number(options, "trim-start");
+    if (given("trim-end"))
+        rule.trimEnd = number(options, "trim-end");
+    if (given("case"))
+        rule.caseName = options.value("case");
+    if (given("strip-diacritics"))
+        rule.stripAccents = true;
+    if (given("extension"))
+        rule.newExtension = options.value("extension").startsWith(u'.') ? options.value("extension").mid(1)
+                                                                        : options.value("extension");
+    if (given("ext-case"))
+        rule.extensionCase = options.value("ext-case");
+    if (given("ext-filter"))
+        rule.extensions = list("ext-filter");
+    if (given("type"))
+        rule.types = list("type");
+    rule.descend = rule.descend || given("recursive");
+    rule.folders = rule.folders || given("folders");
+    rule.longNames = rule.longNames || given("long-names");
+    return rule;
 }
 
 std::optional<QString> resolvedArgument(const QString &argument)

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "RenameRule.h"
+
 #include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
-#include <QVariantList>
 #include <optional>
 
 // nomen-cli's options: declared, checked, and turned into the rule the
@@ -16,13 +17,10 @@ void declare(QCommandLineParser &options);
 // every value is good.
 QString problem(const QCommandLineParser &options);
 
-// The rename settings, as the window's controls would give them: the
-// counter padded as with the full interface, the extension with its full
-// stop. Only after problem() found none.
-QVariantList settings(const QCommandLineParser &options);
-
-// Date choice for date tokens: 0 none, 1 now, 2 created, 3 modified.
-qint32 dateChoice(const QCommandLineParser &options);
+// The rule to rename by: `base` (a saved rule, or the defaults) with every
+// option given on the command line over its fields. Only after problem()
+// found none.
+RenameRule rule(const QCommandLineParser &options, RenameRule base);
 
 // A folder or file named on the command line, as an absolute path; a folder
 // (or a link to one) resolved to the folder itself. nullopt when nothing is

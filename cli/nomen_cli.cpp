@@ -1,23 +1,31 @@
-// nomen-cli: renames the files of folders by a rule, composing exactly what
-// the window composes. A dry run by default: it shows the old and new names
-// with any conflict; --apply renames through the safe mover, --undo puts
-// the last batch back, --finish and --roll-back deal with a batch cut short.
+// nomen-cli: renames the files of folders by a rule (given in options, or
+// saved by name and changed by options), composing exactly what the window
+// composes, or by a mapping file of old and new names. A dry run by
+// default: it shows the old and new names with any conflict; --apply
+// renames through the safe mover, --undo puts the last batch back,
+// --finish and --roll-back deal with a batch cut short.
 
 #include "BatchPass.h"
 #include "CliOptions.h"
 #include "CliReport.h"
 #include "FolderListing.h"
 #include "LocalTimeZone.h"
+#include "MapFile.h"
 #include "NamedException.h"
+#include "PathCodec.h"
 #include "RenameEngine.h"
 #include "RowOrder.h"
 #include "SafeMover.h"
+#include "SavedRules.h"
 #include "UiStrings.h"
 
 #include <QCoreApplication>
 #include <algorithm>
 #include <atomic>
+#include <climits>
 #include <csignal>
+#include <unistd.h>
+#include <variant>
 
 using CliReport::say;
 
@@ -75,7 +83,7 @@ struct Composed {
     }
 };
 
-Composed compose(const QCommandLineParser &options, const QStringList &roots)
+Composed compose(const QCommandLineParser &options, const RenameRule &rule, const QStringList &roots)
 {
     RenameEngine engine;
     engine.use_exif_date = options.isSet("exif");
@@ -85,11 +93,11 @@ Composed compose(const QCommandLineParser &options, const QStringList &roots)
         ListingRequest request;
         request.paths = {root};
         request.root = root;
-        request.descend = options.isSet("recursive");
-        request.folderRows = options.isSet("folders");
-        request.longNames = options.isSet("long-names");
-        request.extensions = options.value("ext-filter").split(u',', Qt::SkipEmptyParts);
-        request.typeCodes = options.value("type").split(u',', Qt::SkipEmptyParts);
+        request.descend = rule.descend;
+        request.folderRows = rule.folders;
+        request.longNames = rule.longNames;
+        request.extensions = rule.extensions;
+        request.typeCodes = rule.types;
         Listing listing = engine.listing().list(request);
         if (rows.empty())
             rows = std::move(listing.items);
@@ -97,14 +105,15 @@ Composed compose(const QCommandLineParser &options, const QStringList &roots)
             rows.insert(rows.end(), std::make_move_iterator(listing.items.begin()), std::make_move_iterator(listing.items.end()));
     }
     sortRows(rows, options.value("sort"));
-    engine.settings().setConstantData(CliOptions::settings(options));
+    engine.settings().setConstantData(rule.settings());
     QStringList names;
     names.reserve(qsizetype(rows.size()));
     for (const ItemRecord &row : rows)
         names.append(row.name);
     engine.prefetchGrep(names);
     PassRequest pass;
-    pass.prefixChoice = pass.suffixChoice = CliOptions::dateChoice(options);
+    pass.prefixChoice = rule.prefix.date;
+    pass.suffixChoice = rule.suffix.date;
     pass.supplied = QDateTime::currentDateTime();
     composed.newNames = BatchPass::newNames(engine.composer, rows, pass, engine.dates);
     for (size_t i = 0; i < rows.size(); ++i)
@@ -133,6 +142,49 @@ int journalCommand(SafeMover &mover, const QCommandLineParser &options)
     return CliReport::report(report, options.isSet("json"));
 }
 
+// --list-rules and --save-rule: the saved rules themselves.
+int ruleCommand(const SavedRules &rules, const QCommandLineParser &options, const RenameRule &rule)
+{
+    if (options.isSet("list-rules")) {
+        for (const QString &name : rules.names())
+            say(stdout, name);
+        return CliReport::Success;
+    }
+    const QString name = options.value("save-rule");
+    if (const QString failed = rules.save(name, rule); !failed.isEmpty()) {
+        say(stderr, QStringLiteral("nomen-cli: the rule \"%1\" was not saved: %2").arg(name, failed));
+        return CliReport::Failures;
+    }
+    say(stderr, QStringLiteral("nomen-cli: saved the rule \"%1\" as \"%2\"").arg(name, rules.pathOf(name)));
+    return CliReport::Success;
+}
+
+// The folders and files named on the command line, as absolute paths; a
+// usage or no-input exit code when there are none or one is not there.
+std::variant<QStringList, int> rootsOf(const QCommandLineParser &options)
+{
+    if (options.positionalArguments().isEmpty()) {
+        say(stderr, QStringLiteral("nomen-cli: name a folder (see --help)"));
+        return CliReport::Usage;
+    }
+    QStringList roots;
+    for (const QString &argument : options.positionalArguments()) {
+        const auto root = CliOptions::resolvedArgument(argument);
+        if (!root) {
+            say(stderr, QStringLiteral("nomen-cli: no such folder or file \"%1\"").arg(argument));
+            return CliReport::NoInput;
+        }
+        roots.append(*root);
+    }
+    return roots;
+}
+
+QString workingFolder()
+{
+    char here[PATH_MAX];
+    return getcwd(here, sizeof here) ? PathCodec::decode(here) : QStringLiteral(".");
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -152,18 +204,35 @@ int main(int argc, char **argv)
     mover.interruption = &interrupted;
     if (options.isSet("undo") || options.isSet("finish") || options.isSet("roll-back"))
         return journalCommand(mover, options);
-    if (options.positionalArguments().isEmpty()) {
-        say(stderr, QStringLiteral("nomen-cli: name a folder (see --help)"));
-        return CliReport::Usage;
-    }
-    QStringList roots;
-    for (const QString &argument : options.positionalArguments()) {
-        const auto root = CliOptions::resolvedArgument(argument);
-        if (!root) {
-            say(stderr, QStringLiteral("nomen-cli: no such folder or file \"%1\"").arg(argument));
+
+    const SavedRules rules;
+    RenameRule base;
+    if (options.isSet("rule")) {
+        const SavedRules::Loaded saved = rules.load(options.value("rule"));
+        if (!saved.rule) {
+            say(stderr, QStringLiteral("nomen-cli: %1").arg(saved.error));
             return CliReport::NoInput;
         }
-        roots.append(*root);
+        base = *saved.rule;
+    }
+    const RenameRule rule = CliOptions::rule(options, base);
+    if (options.isSet("list-rules") || options.isSet("save-rule"))
+        return ruleCommand(rules, options, rule);
+
+    // A map names its moves itself; a rule composes them from the listing.
+    MapFile::Read map;
+    QStringList roots;
+    if (options.isSet("map")) {
+        map = MapFile::read(options.value("map"), workingFolder());
+        if (!map.error.isEmpty()) {
+            say(stderr, QStringLiteral("nomen-cli: %1").arg(map.error));
+            return CliReport::NoInput;
+        }
+    } else {
+        auto found = rootsOf(options);
+        if (const int *failed = std::get_if<int>(&found))
+            return *failed;
+        roots = std::get<QStringList>(std::move(found));
     }
 
     const bool apply = options.isSet("apply");
@@ -182,14 +251,22 @@ int main(int argc, char **argv)
             return CliReport::refusal(kind, text);
         CliReport::refusal(kind, text + QStringLiteral("; this dry run goes on"));
     }
-    try {
-        const Composed composed = compose(options, roots);
-        const auto moveOf = [&composed](size_t outcome) { return composed.moveOf(outcome); };
+    const bool json = options.isSet("json");
+    if (options.isSet("map")) {
         if (!apply)
-            return CliReport::rows(SafeMover::plan(composed.rows, composed.newNames), options.isSet("json"), false, moveOf);
+            return CliReport::rows(SafeMover::plan(map.moves), json, false);
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
-        return CliReport::report(mover.apply(composed.rows, composed.newNames), options.isSet("json"), moveOf);
+        return CliReport::report(mover.apply(map.moves), json);
+    }
+    try {
+        const Composed composed = compose(options, rule, roots);
+        const auto moveOf = [&composed](size_t outcome) { return composed.moveOf(outcome); };
+        if (!apply)
+            return CliReport::rows(SafeMover::plan(composed.rows, composed.newNames), json, false, moveOf);
+        const StopBetweenMoves stop;
+        const CliReport::ProgressBar bar(mover);
+        return CliReport::report(mover.apply(composed.rows, composed.newNames), json, moveOf);
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));
         return CliReport::Failures;
