@@ -15,7 +15,9 @@
 #include "PathCodec.h"
 #include "PerlWorker.h"
 #include "RZApplication.h"
+#include "RuleForm.h"
 #include "SafeMover.h"
+#include "SavedRules.h"
 
 #include <QAbstractItemView>
 #include <QLineEdit>
@@ -350,6 +352,27 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "chooseFolder:", [](RZApplication &app, const QVariantList &args) {
         return QVariant(Dialogs::chooseFolder(app.window(), convert<QString>(args[0], 0),
                                               OutletValues::contentsOf(app.outlet(QStringLiteral("source_folder"))).toString()));
+    });
+    add(registry, "askForText:informativeText:defaultText:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(Dialogs::askText(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1),
+                                         convert<QString>(args[2], 2)));
+    });
+
+    // Saved rules: each answers "" or what went wrong, naming the file.
+    add(registry, "savedRuleNames", [](RZApplication &, const QVariantList &) {
+        return QVariant(SavedRules().names());
+    });
+    add(registry, "saveRuleNamed:", [](RZApplication &app, const QVariantList &args) {
+        return QVariant(SavedRules().save(convert<QString>(args[0], 0), RuleForm::rule(app.form())));
+    });
+    add(registry, "useRuleNamed:", [](RZApplication &app, const QVariantList &args) {
+        const SavedRules::Loaded loaded = SavedRules().load(convert<QString>(args[0], 0));
+        if (loaded.rule)
+            RuleForm::apply(app.form(), *loaded.rule);
+        return QVariant(loaded.error);
+    });
+    add(registry, "deleteRuleNamed:", [](RZApplication &, const QVariantList &args) {
+        return QVariant(SavedRules().remove(convert<QString>(args[0], 0)));
     });
     add(registry, "saveInterfaceState", [](RZApplication &app, const QVariantList &) {
         QSettings settings;

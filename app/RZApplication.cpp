@@ -11,6 +11,7 @@
 #include "MiscMethods.h"
 #include "NamedException.h"
 #include "RuleForm.h"
+#include "RuleMenus.h"
 #include "TokenMenu.h"
 #include "ScriptSubroutines.h"
 #include "UiStrings.h"
@@ -193,6 +194,7 @@ void RZApplication::connectInterfaceEvents()
         if (!name.isEmpty())
             connect(action, &QAction::triggered, this, [this, name] { emit scriptEvent(QStringLiteral("choseMenuItem"), name); });
     }
+    RuleMenus::install(window(), [this](const QString &handler, const QString &name) { emit scriptEvent(handler, name); });
     connect(m_preview, &PreviewScheduler::applied, this, [this] {
         emit tablePreviewApplied();
         emit scriptEvent(QStringLiteral("previewed"), QVariant());

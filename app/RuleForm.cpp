@@ -32,57 +32,126 @@ int selected(const InterfaceFile &form, const char *outlet)
     return OutletValues::selectedIndexOf(form.outlet(QString::fromLatin1(outlet)));
 }
 
+// The date popups list now, created, modified and none, in that order.
+RenameRule::Date dateOf(const InterfaceFile &form, const char *outlet)
+{
+    const int index = selected(form, outlet);
+    return index >= 0 && index < 3 ? RenameRule::Date(index + 1) : RenameRule::NoDate;
+}
+
+int dateIndex(RenameRule::Date date)
+{
+    return date == RenameRule::NoDate ? 3 : int(date) - 1;
+}
+
+QStringList listOf(const QString &text)
+{
+    QStringList entries;
+    for (const QString &entry : text.split(u','))
+        if (!entry.trimmed().isEmpty())
+            entries.append(entry.trimmed());
+    return entries;
+}
+
+RenameRule::Part partOf(const InterfaceFile &form, const QString &side)
+{
+    const auto name = [&side](const char *field) { return (side + QLatin1String(field)).toLatin1(); };
+    RenameRule::Part part;
+    part.text = text(form, name("").constData());
+    part.start = integer(form, name("_start_num").constData());
+    part.step = integer(form, name("_ai_counter").constData());
+    part.leadingZeros = checked(form, name("_add_leading_zeros").constData());
+    part.digits = integer(form, name("_add_leading_zeros_min").constData());
+    part.date = dateOf(form, name("_date_to_use").constData());
+    return part;
+}
+
+void set(const InterfaceFile &form, const QString &outlet, const QVariant &value)
+{
+    OutletValues::setContents(form.outlet(outlet), value);
+}
+
+void applyPart(const InterfaceFile &form, const QString &side, const RenameRule::Part &part)
+{
+    set(form, side, part.text);
+    set(form, side + QLatin1String("_start_num"), QString::number(part.start));
+    set(form, side + QLatin1String("_ai_counter"), QString::number(part.step));
+    set(form, side + QLatin1String("_add_leading_zeros"), part.leadingZeros);
+    set(form, side + QLatin1String("_add_leading_zeros_min"), QString::number(part.digits));
+    set(form, side + QLatin1String("_date_to_use"), dateIndex(part.date));
+}
+
 } // namespace
 
-QVariantList settings(const InterfaceFile &form)
+RenameRule rule(const InterfaceFile &form)
 {
-    QString extension = QLatin1String("");
-    bool useNewExtension = false;
-    bool changeExtensionCase = false;
+    RenameRule rule;
+    rule.prefix = partOf(form, QStringLiteral("prefix"));
+    rule.suffix = partOf(form, QStringLiteral("suffix"));
+    rule.includeOriginal = checked(form, "inc_original_name");
+    rule.search = text(form, "search_1");
+    rule.replace = text(form, "replace_1");
+    rule.grep = selected(form, "snr_type_1") == 1;
+    rule.considerCase = checked(form, "snr_consider_case_1");
+    rule.trimStart = integer(form, "trim_start");
+    rule.trimEnd = integer(form, "trim_end");
+    rule.caseName = checked(form, "change_case") ? text(form, "the_case") : QString();
+    rule.stripAccents = checked(form, "orig_strip_diacriticals");
     switch (selected(form, "extension_matrix")) {
     case 1:
-        extension = text(form, "extension");
-        useNewExtension = true;
+        rule.newExtension = text(form, "extension");
         break;
     case 2:
-        extension = text(form, "extension_popup");
-        useNewExtension = true;
+        rule.newExtension = text(form, "extension_popup");
         break;
     case 3:
-        changeExtensionCase = true;
+        rule.extensionCase = text(form, "ext_case");
         break;
     default:
         break;
     }
-    if (!ROZ_NSStringAdditions::isBlankString(extension) && !extension.startsWith(u'.'))
-        extension = u'.' + extension;
+    rule.types = listOf(text(form, "type_filter"));
+    rule.extensions = listOf(text(form, "ext_filter"));
+    rule.descend = checked(form, "descend");
+    rule.folders = checked(form, "folder_rows");
+    rule.longNames = checked(form, "long_names");
+    return rule;
+}
 
-    return {
-        text(form, "prefix"),
-        integer(form, "prefix_start_num"),
-        integer(form, "prefix_ai_counter"),
-        checked(form, "prefix_add_leading_zeros"),
-        integer(form, "prefix_add_leading_zeros_min"),
-        checked(form, "inc_original_name"),
-        text(form, "search_1"),
-        text(form, "replace_1"),
-        selected(form, "snr_type_1") == 1 ? QStringLiteral("GREP") : QStringLiteral("literal"),
-        checked(form, "snr_consider_case_1"),
-        integer(form, "trim_start"),
-        integer(form, "trim_end"),
-        checked(form, "change_case"),
-        text(form, "the_case"),
-        checked(form, "orig_strip_diacriticals"),
-        text(form, "suffix"),
-        integer(form, "suffix_start_num"),
-        integer(form, "suffix_ai_counter"),
-        checked(form, "suffix_add_leading_zeros"),
-        integer(form, "suffix_add_leading_zeros_min"),
-        extension,
-        useNewExtension,
-        changeExtensionCase,
-        text(form, "ext_case"),
-    };
+void apply(const InterfaceFile &form, const RenameRule &rule)
+{
+    applyPart(form, QStringLiteral("prefix"), rule.prefix);
+    applyPart(form, QStringLiteral("suffix"), rule.suffix);
+    set(form, QStringLiteral("inc_original_name"), rule.includeOriginal);
+    set(form, QStringLiteral("search_1"), rule.search);
+    set(form, QStringLiteral("replace_1"), rule.replace);
+    set(form, QStringLiteral("snr_type_1"), rule.grep ? 1 : 0);
+    set(form, QStringLiteral("snr_consider_case_1"), rule.considerCase);
+    set(form, QStringLiteral("trim_start"), QString::number(rule.trimStart));
+    set(form, QStringLiteral("trim_end"), QString::number(rule.trimEnd));
+    set(form, QStringLiteral("change_case"), !rule.caseName.isEmpty());
+    if (!rule.caseName.isEmpty())
+        set(form, QStringLiteral("the_case"), rule.caseName);
+    set(form, QStringLiteral("orig_strip_diacriticals"), rule.stripAccents);
+    if (rule.newExtension) {
+        set(form, QStringLiteral("extension"), *rule.newExtension);
+        set(form, QStringLiteral("extension_matrix"), 1);
+    } else if (!rule.extensionCase.isEmpty()) {
+        set(form, QStringLiteral("ext_case"), rule.extensionCase);
+        set(form, QStringLiteral("extension_matrix"), 3);
+    } else {
+        set(form, QStringLiteral("extension_matrix"), 0);
+    }
+    set(form, QStringLiteral("type_filter"), rule.types.join(QStringLiteral(", ")));
+    set(form, QStringLiteral("ext_filter"), rule.extensions.join(QStringLiteral(", ")));
+    set(form, QStringLiteral("descend"), rule.descend);
+    set(form, QStringLiteral("folder_rows"), rule.folders);
+    set(form, QStringLiteral("long_names"), rule.longNames);
+}
+
+QVariantList settings(const InterfaceFile &form)
+{
+    return rule(form).settings();
 }
 
 qint32 prefixDateChoice(const InterfaceFile &form)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RenameRule.h"
+
 #include <QVariantList>
 
 class InterfaceFile;
@@ -7,6 +9,12 @@ class InterfaceFile;
 // The rename rule as the window's controls give it, read through the one
 // outlet reader (OutletValues).
 namespace RuleForm {
+
+// The whole rule the controls show, listing included.
+RenameRule rule(const InterfaceFile &form);
+// Sets the controls to show the rule. A popup that lacks the rule's case
+// keeps its choice.
+void apply(const InterfaceFile &form, const RenameRule &rule);
 
 // The 24 entries of setConstantData:, from the controls as they stand.
 QVariantList settings(const InterfaceFile &form);

@@ -44,6 +44,21 @@ function plural(count, one, many) {
     return count + " " + (count === 1 ? one : many);
 }
 
+// The rule the controls show, under a name the user gives; a rule of that
+// name is replaced only when the user says so.
+function saveRule() {
+    var name = call("askForText:informativeText:defaultText:", ["Save Rule", "Save the rule as:", ""]).trim();
+    if (name === "")
+        return;
+    if (call("savedRuleNames").indexOf(name) >= 0
+        && ask("Replace the rule \u201c" + name + "\u201d?", "A rule of that name is saved already.",
+               ["Replace", "Cancel"]) !== "Replace")
+        return;
+    var problem = call("saveRuleNamed:", [name]);
+    if (problem !== "")
+        showError("The rule was not saved", problem);
+}
+
 // Window events.
 
 function launched(paths) {
@@ -92,8 +107,34 @@ function choseMenuItem(name) {
         renameFiles();
     else if (name === "action_undo")
         undoRename();
+    else if (name === "action_save_rule")
+        saveRule();
     else if (name === "action_quit")
         call("terminate:", [null]);
+}
+
+// Saved rules: the Rules menu lists them; a rule chosen there replaces what
+// the controls show, listing included.
+function choseRule(name) {
+    var problem = call("useRuleNamed:", [name]);
+    if (problem !== "") {
+        showError("The rule \u201c" + name + "\u201d cannot be used", problem);
+        return;
+    }
+    updateRuleControls();
+    if (rowCount > 0 || contents("source_folder") !== "")
+        listItems();
+    else
+        call("refreshPreview");
+}
+
+function choseRuleToDelete(name) {
+    if (ask("Delete the rule \u201c" + name + "\u201d?", "Its file is removed from the rules folder.",
+            ["Delete", "Cancel"]) !== "Delete")
+        return;
+    var problem = call("deleteRuleNamed:", [name]);
+    if (problem !== "")
+        showError("The rule \u201c" + name + "\u201d was not deleted", problem);
 }
 
 // One folder dropped is the folder to rename; files or several items are

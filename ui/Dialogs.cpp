@@ -4,6 +4,7 @@
 #include "MiscMethods.h"
 
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -38,6 +39,18 @@ QString askQuestion(QWidget *window, const QString &title, const QString &text, 
     box.exec();
     const qsizetype chosen = added.indexOf(qobject_cast<QPushButton *>(box.clickedButton()));
     return buttons[chosen < 0 ? buttons.size() - 1 : chosen];
+}
+
+QString askText(QWidget *window, const QString &title, const QString &text, const QString &defaultText)
+{
+    QInputDialog dialog(window);
+    dialog.setObjectName(QStringLiteral("text_question"));
+    dialog.setWindowTitle(title);
+    dialog.setLabelText(text);
+    dialog.setTextValue(defaultText);
+    if (dialog.exec() != QDialog::Accepted)
+        return QString(QLatin1String(""));
+    return dialog.textValue();
 }
 
 QString chooseFolder(QWidget *window, const QString &title, const QString &startFolder)

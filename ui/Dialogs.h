@@ -15,6 +15,9 @@ void showError(const QString &title, const QString &text);
 // The title of the button chosen; the last button (the cancelling one)
 // when the dialog is closed another way.
 QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons);
+// The text typed into a one-line field under the question, or "" when
+// cancelled.
+QString askText(QWidget *window, const QString &title, const QString &text, const QString &defaultText);
 // The chosen folder, or "" when cancelled.
 QString chooseFolder(QWidget *window, const QString &title, const QString &startFolder);
 

@@ -1,5 +1,7 @@
 #include "RenameRule.h"
 
+#include "StringAdditions.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -10,7 +12,7 @@ const QStringList dateNames = {"none", "now", "created", "modified"};
 
 QString extensionWithStop(const QString &extension)
 {
-    return extension.isEmpty() || extension.startsWith(u'.') ? extension : u'.' + extension;
+    return ROZ_NSStringAdditions::isBlankString(extension) || extension.startsWith(u'.') ? extension : u'.' + extension;
 }
 
 QJsonObject partJson(const RenameRule::Part &part)
