@@ -2,8 +2,8 @@
 
 #include "FileBytes.h"
 #include "PathCodec.h"
+#include "SortFunctions.h"
 
-#include <QCollator>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -63,10 +63,9 @@ QStringList SavedRules::names() const
             found.append(file.chopped(suffix.size()));
     }
     closedir(folder);
-    QCollator collator;
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::sort(found.begin(), found.end(), collator);
+    std::sort(found.begin(), found.end(), [](const QString &a, const QString &b) {
+        return SortFunctions::stringAsNumberCompare(a, b) < 0;
+    });
     return found;
 }
 

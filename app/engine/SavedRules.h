@@ -17,7 +17,7 @@ public:
     const QString &folder() const { return m_folder; }
     QString pathOf(const QString &name) const;
 
-    // The names of the saved rules, in alphabetical order; none when the
+    // The names of the saved rules, in natural order (9 before 10); none when the
     // folder is not there yet.
     QStringList names() const;
 

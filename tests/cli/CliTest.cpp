@@ -13,6 +13,7 @@ namespace {
 struct CliRun {
     int exitCode;
     QString out;
+    QString err;
 };
 
 class Cli : public testing::Test {
@@ -33,10 +34,13 @@ protected:
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_DATA_HOME"), data.path());
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), data.path());
         process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(tree.path());
         process.start(QStringLiteral(NOMEN_CLI_PATH), arguments);
         process.waitForFinished(60000);
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).replace(tree.path(), QStringLiteral("ROOT"))};
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).replace(tree.path(), QStringLiteral("ROOT")),
+                QString::fromUtf8(process.readAllStandardError())};
     }
     void expectGolden(const QString &name, const QString &actual)
     {
@@ -94,6 +98,57 @@ TEST_F(Cli, FoldersAreRenamedAfterTheirContents)
     EXPECT_TRUE(QFile::exists(tree.filePath("Trip/notes.txt"))) << "no filter picks it";
     EXPECT_EQ(cli({"--undo"}).exitCode, 0);
     EXPECT_TRUE(QFile::exists(tree.filePath("Trip/Beach/IMG_1.jpg")));
+}
+
+TEST_F(Cli, AMapFileIsABatchLikeAnyOther)
+{
+    // A swap, a name already taken by a file outside the map, a file that is
+    // not there, a relative path and an absolute one.
+    QFile map(tree.filePath("map.tsv"));
+    ASSERT_TRUE(map.open(QIODevice::WriteOnly));
+    map.write("# photos\nold\tnew\nTrip/IMG_9.jpg\tIMG_10.jpg\n" + tree.filePath("Trip/IMG_10.jpg").toUtf8() +
+              "\tTrip/IMG_9.jpg\nTrip/IMG_100.jpg\tnotes.txt\nTrip/gone.jpg\tthere.jpg\n");
+    map.close();
+    const CliRun dryRun = cli({"--map", "map.tsv"});
+    EXPECT_EQ(dryRun.exitCode, 2) << "a missing file is a failure";
+    expectGolden("map.txt", dryRun.out);
+
+    const CliRun applied = cli({"--map", "map.tsv", "--apply"});
+    EXPECT_EQ(applied.exitCode, 2);
+    const auto photoNine = [this] {
+        QFile file(tree.filePath("Trip/IMG_9.jpg"));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    EXPECT_EQ(photoNine(), "Trip/IMG_10.jpg");
+    EXPECT_EQ(cli({"--undo"}).exitCode, 0);
+    EXPECT_EQ(photoNine(), "Trip/IMG_9.jpg");
+
+    // Without its header the first line would be lost: refused instead.
+    ASSERT_TRUE(map.open(QIODevice::WriteOnly));
+    map.write("Trip/IMG_9.jpg\tx.jpg\nTrip/IMG_10.jpg\ty.jpg\n");
+    map.close();
+    const CliRun headless = cli({"--map", "map.tsv"});
+    EXPECT_EQ(headless.exitCode, 66);
+    EXPECT_TRUE(headless.err.contains("map.tsv: entry 1 has no old name or no new name")) << headless.err.toStdString();
+    EXPECT_EQ(cli({"--map", "map.tsv", tree.filePath("Trip")}).exitCode, 64);
+}
+
+TEST_F(Cli, ASavedRuleRenamesAsItsOptionsDidAndOptionsBesideItWin)
+{
+    const QStringList options = {"--prefix", "«#» ", "--zeros", "2", "--ext-filter", "jpg", "--ext-case", "UPPERCASE"};
+    const CliRun saved = cli(options + QStringList{"--save-rule", "Photos"});
+    ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
+    EXPECT_EQ(cli({"--list-rules"}).out, "Photos\n");
+    EXPECT_EQ(cli({"--rule", "Photos", tree.filePath("Trip")}).out, cli(options + QStringList{tree.filePath("Trip")}).out);
+    EXPECT_TRUE(cli({"--rule", "Photos", "--start", "7", tree.filePath("Trip")}).out.contains("-> 07 IMG_9.JPG"));
+
+    QFile broken(data.filePath("nomen/rules/Broken.json"));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write(R"({"prefix": {"digits": "two"}})");
+    broken.close();
+    const CliRun refused = cli({"--rule", "Broken", tree.filePath("Trip")});
+    EXPECT_EQ(refused.exitCode, 66);
+    EXPECT_TRUE(refused.err.contains("Broken.json: \"prefix.digits\" must be a whole number")) << refused.err.toStdString();
 }
 
 } // namespace
