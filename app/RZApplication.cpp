@@ -19,6 +19,10 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+#include <QSvgRenderer>
 #include <QComboBox>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -86,10 +90,34 @@ QString RZApplication::resourceDirectory()
     return ResourceFolder::path();
 }
 
+namespace {
+
+// The icon drawn at the sizes window managers and task bars ask for; none
+// when its file is missing.
+QIcon applicationIcon()
+{
+    QSvgRenderer drawing(RZApplication::resourceDirectory() + QStringLiteral("/nomen.svg"));
+    QIcon icon;
+    if (!drawing.isValid())
+        return icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        drawing.render(&painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+} // namespace
+
 void RZApplication::init(const MethodRegistry &methods)
 {
     UiStrings::install(*this);
     setStyle(new WindowStyle);
+    setWindowIcon(applicationIcon());
     m_engine = std::make_unique<RenameEngine>();
     // The file table is the window's own table view.
     m_form = std::make_unique<InterfaceFile>(

@@ -6,8 +6,28 @@
 #include "LocalTimeZone.h"
 #include "MethodTable.h"
 #include "NamedException.h"
+#include "PathCodec.h"
 #include "RZApplication.h"
 
+#include <climits>
+#include <unistd.h>
+
+
+namespace {
+
+// The items handed over on the command line or by a file manager (Qt has
+// taken its own options out of argv), as absolute paths.
+QStringList handedOver(int argc, char **argv)
+{
+    char here[PATH_MAX];
+    const QString folder = getcwd(here, sizeof here) ? PathCodec::decode(here) : QString();
+    QStringList paths;
+    for (const QString &argument : PathCodec::arguments(argc, argv))
+        paths.append(argument.startsWith(u'/') || folder.isEmpty() ? argument : folder + u'/' + argument);
+    return paths;
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
@@ -25,6 +45,6 @@ int main(int argc, char **argv)
         Dialogs::showError(QStringLiteral("Nomen cannot start"), script.errors().join(u'\n'));
         return 1;
     }
-    script.start(application.arguments().mid(1));
+    script.start(handedOver(argc, argv));
     return application.exec();
 }

@@ -194,7 +194,9 @@ int main(int argc, char **argv)
     application.setApplicationName(QStringLiteral("nomen-cli"));
     QCommandLineParser options;
     CliOptions::declare(options);
-    options.process(application);
+    // Arguments are read as names are, so a name that is not UTF-8 reaches
+    // the disk unchanged.
+    options.process(QStringList{application.applicationFilePath()} + PathCodec::arguments(argc, argv));
     if (const QString problem = CliOptions::problem(options); !problem.isEmpty()) {
         say(stderr, problem);
         return CliReport::Usage;

@@ -1,5 +1,6 @@
 #include "ResourceFolder.h"
 
+#include "InstalledData.h"
 #include "PathCodec.h"
 
 #include <unistd.h>
@@ -9,7 +10,10 @@ namespace ResourceFolder {
 QString path()
 {
     const QByteArray configured = qgetenv("NOMEN_RESOURCES");
-    return configured.isEmpty() ? PathCodec::decode(NOMEN_RESOURCE_DIR) : PathCodec::decode(configured);
+    if (!configured.isEmpty())
+        return PathCodec::decode(configured);
+    const QString installed = InstalledData::folder();
+    return installed.isEmpty() ? PathCodec::decode(NOMEN_RESOURCE_DIR) : installed;
 }
 
 QString infoPlistPath()

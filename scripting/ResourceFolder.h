@@ -3,7 +3,8 @@
 #include <QString>
 
 // Where the application's resources are: the folder named by
-// NOMEN_RESOURCES, else the one the build was configured with.
+// NOMEN_RESOURCES, else an installed copy's data folder, else the source
+// folder the build was configured from.
 namespace ResourceFolder {
 
 QString path();

@@ -2,21 +2,38 @@
 # Installs every Debian 12 package Nomen needs to build, run and test.
 # This is the only place packages are named. Idempotent: apt is asked only
 # for what is missing. Works as root or through sudo.
+#   --runtime  prints, comma-separated, the packages an installed Nomen needs
+#              beyond the libraries it links (the Debian package's Depends)
 set -euo pipefail
 
+# Loaded or run while Nomen runs, never linked: the GREP worker, Qt's
+# plugins for the display, speech and images, the speech library, the
+# file-type and time-zone data.
+runtime=(
+  perl qt6-qpa-plugins qt6-speech-flite-plugin qt6-image-formats-plugins
+  libespeak-ng1 shared-mime-info tzdata
+)
+
+if [[ "${1:-}" == "--runtime" ]]; then
+  (IFS=,; echo "${runtime[*]}")
+  exit 0
+fi
+
 packages=(
+  "${runtime[@]}"
   build-essential cmake pkg-config ninja-build
   qt6-base-dev qt6-declarative-dev qt6-tools-dev qt6-l10n-tools
   libgl-dev
-  libicu-dev libexiv2-dev perl libplist-dev tzdata
+  libicu-dev libexiv2-dev libplist-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth libx11-dev libxtst-dev libxss-dev
-  libglib2.0-dev shared-mime-info
+  libglib2.0-dev
   clang libclang-rt-14-dev
   rename
   fonts-dejavu-core libespeak-ng-dev espeak-ng-data
   procps openbox
-  qt6-speech-dev qt6-speech-flite-plugin qt6-image-formats-plugins
+  qt6-speech-dev qt6-svg-dev
+  desktop-file-utils groff-base
 )
 
 missing=()

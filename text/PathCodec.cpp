@@ -100,4 +100,12 @@ QByteArray encode(const QString &text)
     return bytes;
 }
 
+QStringList arguments(int argc, char **argv)
+{
+    QStringList decoded;
+    for (int i = 1; i < argc; ++i)
+        decoded.append(decode(argv[i]));
+    return decoded;
+}
+
 } // namespace PathCodec

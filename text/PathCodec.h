@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 // File names on Linux are bytes; any byte but "/" and NUL may appear. Names
 // are read into text losslessly: valid UTF-8 as its characters, and each
@@ -12,5 +13,7 @@ namespace PathCodec {
 
 QString decode(const QByteArray &bytes);
 QByteArray encode(const QString &text);
+// The program's arguments after its name, each read as a name is.
+QStringList arguments(int argc, char **argv);
 
 } // namespace PathCodec

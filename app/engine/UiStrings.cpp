@@ -1,5 +1,6 @@
 #include "UiStrings.h"
 
+#include "InstalledData.h"
 #include "PathCodec.h"
 
 #include <QCoreApplication>
@@ -16,8 +17,12 @@ void install(QCoreApplication &application)
 {
     // English first, then the user's language over it: a key no table
     // knows answers itself.
-    const QString directory = PathCodec::decode(qgetenv("NOMEN_TRANSLATIONS"));
-    const QString from = directory.isEmpty() ? QStringLiteral(NOMEN_TRANSLATIONS_DIR) : directory;
+    QString from = PathCodec::decode(qgetenv("NOMEN_TRANSLATIONS"));
+    if (from.isEmpty())
+        if (const QString installed = InstalledData::folder(); !installed.isEmpty())
+            from = installed + QStringLiteral("/translations");
+    if (from.isEmpty())
+        from = QStringLiteral(NOMEN_TRANSLATIONS_DIR);
     auto *english = new QTranslator(&application);
     if (english->load(QStringLiteral("ui_en"), from))
         application.installTranslator(english);
