@@ -240,12 +240,13 @@ TEST(MainWindow, TheRuleIsRememberedBetweenRuns)
     EXPECT_TRUE(QFile::exists(home->path() + QStringLiteral("/config/Nomen/Nomen.conf")));
 }
 
-TEST(MainWindow, MenusCarryTheUsualShortcuts)
+TEST(MainWindow, TheWindowHasItsIconAndMenusTheUsualShortcuts)
 {
+    EXPECT_FALSE(application->window()->windowIcon().pixmap(32, 32).isNull());
     QStringList shortcuts;
-    for (const char *name : {"action_open", "action_undo", "action_quit"})
+    for (const char *name : {"action_open", "action_undo", "action_quit", "action_save_rule"})
         shortcuts.append(application->window()->findChild<QAction *>(QString::fromLatin1(name))->shortcut().toString());
-    EXPECT_EQ(shortcuts, QStringList({"Ctrl+O", "Ctrl+Z", "Ctrl+Q"}));
+    EXPECT_EQ(shortcuts, QStringList({"Ctrl+O", "Ctrl+Z", "Ctrl+Q", "Ctrl+S"}));
 }
 
 } // namespace

@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -149,6 +152,24 @@ TEST_F(Cli, ASavedRuleRenamesAsItsOptionsDidAndOptionsBesideItWin)
     const CliRun refused = cli({"--rule", "Broken", tree.filePath("Trip")});
     EXPECT_EQ(refused.exitCode, 66);
     EXPECT_TRUE(refused.err.contains("Broken.json: \"prefix.digits\" must be a whole number")) << refused.err.toStdString();
+}
+
+TEST_F(Cli, AFolderNamedInBytesThatAreNotUtf8IsFound)
+{
+    ASSERT_EQ(mkdir((tree.path().toUtf8() + "/odd\xff").constData(), 0700), 0);
+    const int photo = creat((tree.path().toUtf8() + "/odd\xff/a.jpg").constData(), 0600);
+    ASSERT_GE(photo, 0);
+    close(photo);
+    // The shell hands the bytes over as they are.
+    QProcess shell;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), data.path());
+    shell.setProcessEnvironment(environment);
+    shell.setWorkingDirectory(tree.path());
+    shell.start(QStringLiteral("/bin/sh"), {"-c", "exec \"$0\" --prefix 'x ' --apply \"$(printf 'odd\\377')\"", NOMEN_CLI_PATH});
+    ASSERT_TRUE(shell.waitForFinished(30000));
+    EXPECT_EQ(shell.exitCode(), 0) << shell.readAllStandardError().toStdString();
+    EXPECT_EQ(access((tree.path().toUtf8() + "/odd\xff/x a.jpg").constData(), F_OK), 0);
 }
 
 } // namespace
