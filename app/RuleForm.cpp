@@ -151,7 +151,12 @@ void apply(const InterfaceFile &form, const RenameRule &rule)
 
 QVariantList settings(const InterfaceFile &form)
 {
-    return rule(form).settings();
+    QVariantList entries = rule(form).settings();
+    // The case popups are read as they stand, whether or not their change
+    // is on.
+    entries[13] = text(form, "the_case");
+    entries[23] = text(form, "ext_case");
+    return entries;
 }
 
 qint32 prefixDateChoice(const InterfaceFile &form)
