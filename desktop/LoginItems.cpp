@@ -1,5 +1,6 @@
 #include "MiscMethods.h"
 #include "PathCodec.h"
+#include "UserFolders.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -14,10 +15,7 @@ namespace {
 // named after the application, in $XDG_CONFIG_HOME/autostart.
 QString autostartFile()
 {
-    QString configHome = PathCodec::decode(qgetenv("XDG_CONFIG_HOME"));
-    if (configHome.isEmpty())
-        configHome = QDir::homePath() + QStringLiteral("/.config");
-    return configHome + QStringLiteral("/autostart/nomen.desktop");
+    return UserFolders::configHome() + QStringLiteral("/autostart/nomen.desktop");
 }
 
 QString executable()

@@ -2,6 +2,7 @@
 
 #include "BatchObserver.h"
 #include "PathCodec.h"
+#include "UserFolders.h"
 
 #include <QRegularExpression>
 #include <QThread>
@@ -72,11 +73,7 @@ JournalStore::JournalStore(QString directory) : m_directory(std::move(directory)
 
 QString JournalStore::defaultDirectory()
 {
-    const char *dataHome = getenv("XDG_DATA_HOME");
-    if (dataHome && dataHome[0] == '/')
-        return PathCodec::decode(dataHome) + QStringLiteral("/nomen");
-    const char *home = getenv("HOME");
-    return PathCodec::decode(home ? home : "") + QStringLiteral("/.local/share/nomen");
+    return UserFolders::dataHome() + QStringLiteral("/nomen");
 }
 
 QString JournalStore::pendingPath() const

@@ -45,43 +45,47 @@ public:
     }
     QString name(const QString &key) const { return m_path.isEmpty() ? key : m_path + u'.' + key; }
 
-    void read(const QString &key, QString &field)
-    {
-        const QJsonValue found = value(key);
-        if (found.isString())
-            field = found.toString();
-        else if (!found.isUndefined())
-            fail(name(key), QStringLiteral("must be a text"));
-    }
-    void read(const QString &key, bool &field)
-    {
-        const QJsonValue found = value(key);
-        if (found.isBool())
-            field = found.toBool();
-        else if (!found.isUndefined())
-            fail(name(key), QStringLiteral("must be true or false"));
-    }
-    void read(const QString &key, qint32 &field)
-    {
-        const QJsonValue found = value(key);
-        const double number = found.toDouble(0.5);
-        if (found.isDouble() && number == double(qint32(number)))
-            field = qint32(number);
-        else if (!found.isUndefined())
-            fail(name(key), QStringLiteral("must be a whole number"));
-    }
-    void read(const QString &key, QStringList &field)
+    // The value under the key when `accept` takes it; a value it refuses
+    // is the reader's problem.
+    template <typename T, typename Accept>
+    void readWith(const QString &key, T &field, Accept accept, const char *kind)
     {
         const QJsonValue found = value(key);
         if (found.isUndefined())
             return;
-        const QJsonArray entries = found.toArray();
-        field.clear();
-        for (const QJsonValue &entry : entries)
-            field.append(entry.toString());
-        if (!found.isArray() || field.size() != entries.size() ||
-            std::any_of(entries.begin(), entries.end(), [](const QJsonValue &entry) { return !entry.isString(); }))
-            fail(name(key), QStringLiteral("must be a list of texts"));
+        if (std::optional<T> taken = accept(found))
+            field = std::move(*taken);
+        else
+            fail(name(key), QLatin1String("must be ") + QLatin1String(kind));
+    }
+    void read(const QString &key, QString &field)
+    {
+        readWith(key, field, [](const QJsonValue &v) { return v.isString() ? std::optional(v.toString()) : std::nullopt; },
+                 "a text");
+    }
+    void read(const QString &key, bool &field)
+    {
+        readWith(key, field, [](const QJsonValue &v) { return v.isBool() ? std::optional(v.toBool()) : std::nullopt; },
+                 "true or false");
+    }
+    void read(const QString &key, qint32 &field)
+    {
+        readWith(key, field, [](const QJsonValue &v) {
+            const double number = v.toDouble(0.5);
+            return v.isDouble() && number == double(qint32(number)) ? std::optional(qint32(number)) : std::nullopt;
+        }, "a whole number");
+    }
+    void read(const QString &key, QStringList &field)
+    {
+        readWith(key, field, [](const QJsonValue &v) {
+            QStringList texts;
+            for (const QJsonValue &entry : v.toArray()) {
+                if (!entry.isString())
+                    return std::optional<QStringList>();
+                texts.append(entry.toString());
+            }
+            return v.isArray() ? std::optional(texts) : std::nullopt;
+        }, "a list of texts");
     }
     void readChoice(const QString &key, QString &field, const QStringList &allowed)
     {

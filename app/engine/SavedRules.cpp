@@ -3,6 +3,7 @@
 #include "FileBytes.h"
 #include "PathCodec.h"
 #include "SortFunctions.h"
+#include "UserFolders.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -39,11 +40,7 @@ SavedRules::SavedRules(QString folder) : m_folder(std::move(folder)) {}
 
 QString SavedRules::defaultFolder()
 {
-    const char *configHome = getenv("XDG_CONFIG_HOME");
-    if (configHome && configHome[0] == '/')
-        return PathCodec::decode(configHome) + QStringLiteral("/nomen/rules");
-    const char *home = getenv("HOME");
-    return PathCodec::decode(home ? home : "") + QStringLiteral("/.config/nomen/rules");
+    return UserFolders::configHome() + QStringLiteral("/nomen/rules");
 }
 
 QString SavedRules::pathOf(const QString &name) const
