@@ -7,10 +7,8 @@
 #include "MethodTable.h"
 #include "NamedException.h"
 #include "PathCodec.h"
+#include "PathNames.h"
 #include "RZApplication.h"
-
-#include <climits>
-#include <unistd.h>
 
 
 namespace {
@@ -19,11 +17,9 @@ namespace {
 // taken its own options out of argv), as absolute paths.
 QStringList handedOver(int argc, char **argv)
 {
-    char here[PATH_MAX];
-    const QString folder = getcwd(here, sizeof here) ? PathCodec::decode(here) : QString();
     QStringList paths;
     for (const QString &argument : PathCodec::arguments(argc, argv))
-        paths.append(argument.startsWith(u'/') || folder.isEmpty() ? argument : folder + u'/' + argument);
+        paths.append(PathNames::absolute(argument));
     return paths;
 }
 

@@ -1,8 +1,8 @@
 #include "CliOptions.h"
 
 #include "PathCodec.h"
+#include "PathNames.h"
 
-#include <climits>
 #include <cstdlib>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -159,15 +159,7 @@ RenameRule rule(const QCommandLineParser &options, RenameRule base)
 
 std::optional<QString> resolvedArgument(const QString &argument)
 {
-    QByteArray path = PathCodec::encode(argument);
-    if (!path.startsWith('/')) {
-        char here[PATH_MAX];
-        if (!getcwd(here, sizeof here))
-            return std::nullopt;
-        path = QByteArray(here) + '/' + path;
-    }
-    while (path.size() > 1 && path.endsWith('/'))
-        path.chop(1);
+    QByteArray path = PathCodec::encode(PathNames::absolute(argument));
     struct stat info;
     if (lstat(path.constData(), &info) != 0)
         return std::nullopt;

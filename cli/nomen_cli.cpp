@@ -22,9 +22,7 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <atomic>
-#include <climits>
 #include <csignal>
-#include <unistd.h>
 #include <variant>
 
 using CliReport::say;
@@ -179,12 +177,6 @@ std::variant<QStringList, int> rootsOf(const QCommandLineParser &options)
     return roots;
 }
 
-QString workingFolder()
-{
-    char here[PATH_MAX];
-    return getcwd(here, sizeof here) ? PathCodec::decode(here) : QStringLiteral(".");
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -225,7 +217,7 @@ int main(int argc, char **argv)
     MapFile::Read map;
     QStringList roots;
     if (options.isSet("map")) {
-        map = MapFile::read(options.value("map"), workingFolder());
+        map = MapFile::read(options.value("map"));
         if (!map.error.isEmpty()) {
             say(stderr, QStringLiteral("nomen-cli: %1").arg(map.error));
             return CliReport::NoInput;

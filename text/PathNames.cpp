@@ -1,6 +1,9 @@
 #include "PathNames.h"
 
+#include "PathCodec.h"
+
 #include <QRandomGenerator>
+#include <climits>
 #include <unistd.h>
 
 namespace PathNames {
@@ -13,6 +16,19 @@ QString lastComponent(const QString &path)
     if (trimmed == QLatin1String("/"))
         return trimmed;
     return trimmed.section(u'/', -1);
+}
+
+QString absolute(const QString &path)
+{
+    QString full = path;
+    if (!full.startsWith(u'/')) {
+        char here[PATH_MAX];
+        if (getcwd(here, sizeof here))
+            full = PathCodec::decode(here) + (here[1] ? QStringLiteral("/") : QString()) + full;
+    }
+    while (full.size() > 1 && full.endsWith(u'/'))
+        full.chop(1);
+    return full;
 }
 
 QByteArray folderOf(const QByteArray &path)

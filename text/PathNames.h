@@ -9,6 +9,10 @@ namespace PathNames {
 // is itself.
 QString lastComponent(const QString &path);
 
+// A path made absolute from the working folder (left as it is when that
+// cannot be read), without trailing slashes.
+QString absolute(const QString &path);
+
 // The folder that holds the item a path in the file system's bytes names:
 // "." for a bare name, "/" for an item at the root.
 QByteArray folderOf(const QByteArray &path);

@@ -2,30 +2,20 @@
 
 #include "FileBytes.h"
 #include "PathCodec.h"
+#include "PathNames.h"
 #include "TsvTable.h"
 
 namespace MapFile {
 
-namespace {
-
-QString absolute(QString path, const QString &workingFolder)
-{
-    while (path.size() > 1 && path.endsWith(u'/'))
-        path.chop(1);
-    return path.startsWith(u'/') ? path : workingFolder + u'/' + path;
-}
-
-} // namespace
-
-Read read(const QString &path, const QString &workingFolder)
+Read read(const QString &path)
 {
     const FileBytes::Contents contents = FileBytes::read(path);
     if (!contents.bytes)
         return {{}, contents.error};
-    return parse(*contents.bytes, workingFolder, path);
+    return parse(*contents.bytes, path);
 }
 
-Read parse(const QByteArray &bytes, const QString &workingFolder, const QString &shownPath)
+Read parse(const QByteArray &bytes, const QString &shownPath)
 {
     const QByteArray byteOrderMark("\xEF\xBB\xBF");
     const QString text = PathCodec::decode(bytes.startsWith(byteOrderMark) ? bytes.mid(byteOrderMark.size()) : bytes);
@@ -41,9 +31,9 @@ Read parse(const QByteArray &bytes, const QString &workingFolder, const QString 
                              .arg(i + 1);
             return read;
         }
-        const QString oldPath = absolute(from, workingFolder);
+        const QString oldPath = PathNames::absolute(from);
         const QString to = record.value(QStringLiteral("new")).toString();
-        const QString newPath = to.contains(u'/') ? absolute(to, workingFolder)
+        const QString newPath = to.contains(u'/') ? PathNames::absolute(to)
                                                   : oldPath.left(oldPath.lastIndexOf(u'/') + 1) + to;
         read.moves.push_back({oldPath, newPath});
     }

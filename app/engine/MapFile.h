@@ -7,7 +7,7 @@
 
 // A mapping file: a tab-separated table whose first line names its columns
 // "old" and "new", then one line per item. Lines that are empty or start
-// with "#" are skipped. An old name is a path, taken from `workingFolder`
+// with "#" are skipped. An old name is a path, taken from the working folder
 // when relative; a new name is a name in the same folder (a path, if given,
 // must lead there). The file is read as bytes, so names that are not UTF-8
 // pass through unchanged.
@@ -18,7 +18,7 @@ struct Read {
     QString error; // "" when every line could be read
 };
 
-Read read(const QString &path, const QString &workingFolder);
-Read parse(const QByteArray &bytes, const QString &workingFolder, const QString &shownPath);
+Read read(const QString &path);
+Read parse(const QByteArray &bytes, const QString &shownPath);
 
 } // namespace MapFile
