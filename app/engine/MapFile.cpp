@@ -25,11 +25,11 @@ Read parse(const QByteArray &bytes, const QString &shownPath)
         const QVariantMap record = records[i].toMap();
         const QString from = record.value(QStringLiteral("old")).toString();
         if (!record.contains(QStringLiteral("old")) || !record.contains(QStringLiteral("new")) || from.isEmpty()) {
-            read.error = QStringLiteral("%1: entry %2 has no old name or no new name (the first line names the columns: "
-                                        "old, a tab, new)")
-                             .arg(shownPath)
-                             .arg(i + 1);
-            return read;
+            return {{},
+                    QStringLiteral("%1: entry %2 has no old name or no new name (the first line names the columns: "
+                                   "old, a tab, new)")
+                        .arg(shownPath)
+                        .arg(i + 1)};
         }
         const QString oldPath = PathNames::absolute(from);
         const QString to = record.value(QStringLiteral("new")).toString();

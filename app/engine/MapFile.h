@@ -14,8 +14,8 @@
 namespace MapFile {
 
 struct Read {
-    std::vector<Batch::Move> moves;
-    QString error; // "" when every line could be read
+    std::vector<Batch::Move> moves; // none when there is an error
+    QString error;                  // "" when every line could be read
 };
 
 Read read(const QString &path);
