@@ -57,7 +57,13 @@ QString decode(const QByteArray &bytes)
             text += QChar(char16_t(0xDC00 + data[i]));
             ++i;
         } else {
-            text += QString::fromUtf8(bytes.constData() + i, length);
+            // Worked out here rather than by a UTF-8 decoder, which would
+            // take U+FEFF for a byte order mark and drop it from the name.
+            static constexpr unsigned char leadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+            char32_t code = data[i] & leadBits[length];
+            for (int k = 1; k < length; ++k)
+                code = (code << 6) | (data[i + k] & 0x3F);
+            text += QStringView(QChar::fromUcs4(code));
             i += length;
         }
     }

@@ -9,7 +9,9 @@ TEST(PathCodec, EveryByteSequenceRoundTrips)
 {
     const QList<QByteArray> names = {"plain.txt", "crème brûlée.jpg", "bad\xff\xfe.jpg", "\xc3", "trunc\xe2\x82",
                                      "\xed\xa0\x80surrogate-in-utf8", "overlong\xc0\xaf", "emoji \xf0\x9f\x98\x80",
-                                     "\x80\x81\x82", "latin1 caf\xe9"};
+                                     "\x80\x81\x82", "latin1 caf\xe9",
+                                     // U+FEFF is a character of the name, not a byte order mark.
+                                     "\xef\xbb\xbf" "bom.jpg", "\xcb\xef\xbb\xbf\xb9"};
     for (const QByteArray &name : names)
         EXPECT_EQ(PathCodec::encode(PathCodec::decode(name)), name) << name.toHex().toStdString();
     // Exhaustively over every pair of bytes.
@@ -23,6 +25,7 @@ TEST(PathCodec, EveryByteSequenceRoundTrips)
 TEST(PathCodec, ValidUtf8ReadsAsItsCharactersAndOtherBytesAsLoneSurrogates)
 {
     EXPECT_EQ(PathCodec::decode("caf\xc3\xa9"), QString::fromUtf8("café"));
+    EXPECT_EQ(PathCodec::decode("\xef\xbb\xbf" "a"), QStringLiteral("\uFEFFa"));
     const QString bad = PathCodec::decode("a\xff");
     ASSERT_EQ(bad.size(), 2);
     EXPECT_EQ(bad[1].unicode(), 0xDCFF);
