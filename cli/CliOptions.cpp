@@ -2,6 +2,7 @@
 
 #include "PathCodec.h"
 #include "PathNames.h"
+#include "SavedRules.h"
 
 #include <cstdlib>
 #include <sys/stat.h>
@@ -93,6 +94,9 @@ QString problem(const QCommandLineParser &options)
         commands += options.isSet(QString::fromLatin1(command));
     if (commands > 1)
         return QStringLiteral("nomen-cli: choose one of --apply, --undo, --finish and --roll-back");
+    if (options.isSet("save-rule"))
+        if (const QString name = SavedRules::nameProblem(options.value("save-rule")); !name.isEmpty())
+            return QStringLiteral("nomen-cli: --save-rule: ") + name;
     if (options.isSet("map") && options.isSet("rule"))
         return QStringLiteral("nomen-cli: --map renames by its table alone; leave out --rule");
     if (options.isSet("map") && !options.positionalArguments().isEmpty())

@@ -139,6 +139,7 @@ TEST_F(Cli, AMapFileIsABatchLikeAnyOther)
 TEST_F(Cli, ASavedRuleRenamesAsItsOptionsDidAndOptionsBesideItWin)
 {
     const QStringList options = {"--prefix", "«#» ", "--zeros", "2", "--ext-filter", "jpg", "--ext-case", "UPPERCASE"};
+    EXPECT_EQ(cli(options + QStringList{"--save-rule", "../Photos"}).exitCode, 64) << "a name is not a path";
     const CliRun saved = cli(options + QStringList{"--save-rule", "Photos"});
     ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
     EXPECT_EQ(cli({"--list-rules"}).out, "Photos\n");
