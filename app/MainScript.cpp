@@ -23,6 +23,8 @@ bool MainScript::load(const QString &path)
         fail(contents.error);
         return false;
     }
+    // The file is opened by its name's bytes; what it holds is JavaScript
+    // source, which is UTF-8 text.
     const ScriptHost::Outcome outcome = m_host.evaluate(QString::fromUtf8(*contents.bytes), m_fileName);
     if (!outcome.ok())
         fail(outcome.error);

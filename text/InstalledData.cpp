@@ -12,7 +12,9 @@
 
 namespace InstalledData {
 
-QString folder()
+namespace {
+
+QString locate()
 {
     char program[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", program, sizeof program - 1);
@@ -30,6 +32,15 @@ QString folder()
     const QString folder = PathCodec::decode(resolved);
     free(resolved);
     return folder;
+}
+
+} // namespace
+
+QString folder()
+{
+    // The program does not move while it runs; every resource lookup asks.
+    static const QString found = locate();
+    return found;
 }
 
 } // namespace InstalledData
