@@ -12,7 +12,6 @@
 #include "SystemLog.h"
 #include "GrepReplace.h"
 #include "NativeBinding.h"
-#include "PathCodec.h"
 #include "PerlWorker.h"
 #include "RZApplication.h"
 #include "RuleForm.h"
@@ -391,17 +390,11 @@ void registerApplicationMethods(MethodRegistry &registry)
 
     // What the helper scripts call.
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenPerl"), QStringLiteral("execute:"),
-                                  +[](const QString &program) -> std::optional<QString> {
-                                      const auto printed = PerlWorker::shared().run(PathCodec::encode(program));
-                                      return printed ? std::optional(PathCodec::decode(*printed)) : std::nullopt;
-                                  });
+                                  +[](const QString &program) { return PerlWorker::shared().run(program); });
     registry.addClassMethod(QStringLiteral("NomenPerl"), QStringLiteral("executeAll:"), [](Invocation &invocation) {
-        std::vector<QByteArray> programs;
-        for (const QString &program : convert<QStringList>(invocation.arguments[0], 0))
-            programs.push_back(PathCodec::encode(program));
         QVariantList answers;
-        for (const auto &printed : PerlWorker::shared().runAll(programs))
-            answers.append(printed ? QVariant(PathCodec::decode(*printed)) : QVariant::fromValue(nullptr));
+        for (const auto &printed : PerlWorker::shared().runAll(convert<QStringList>(invocation.arguments[0], 0)))
+            answers.append(printed ? QVariant(*printed) : QVariant::fromValue(nullptr));
         return QVariant(answers);
     });
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),

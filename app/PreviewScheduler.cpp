@@ -10,6 +10,23 @@
 #include <QElapsedTimer>
 #include <QThreadPool>
 
+namespace {
+
+// A program that runs for most names but fails for some is told as a
+// pattern that does not compile is: where the search field shows it.
+QString runFailure(const std::vector<ItemRecord> &rows, const QStringList &failures)
+{
+    const auto first = std::find_if(failures.cbegin(), failures.cend(), [](const QString &why) { return !why.isEmpty(); });
+    if (first == failures.cend())
+        return QString();
+    const qsizetype count = std::count_if(first, failures.cend(), [](const QString &why) { return !why.isEmpty(); });
+    const QString name = rows[size_t(first - failures.cbegin())].name;
+    return count == 1 ? QStringLiteral("\"%1\" stays as it is: %2").arg(name, *first)
+                      : QStringLiteral("%1 names stay as they are; \"%2\": %3").arg(count).arg(name, *first);
+}
+
+} // namespace
+
 PreviewScheduler::PreviewScheduler(RenameEngine &engine, FileTableModel &table, QObject *parent)
     : QObject(parent), m_engine(engine), m_table(table)
 {
@@ -51,7 +68,7 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     QThreadPool::globalInstance()->start([this, copy, rows, request, generation, grep, clock]() mutable {
         if (generation != m_generation)
             return; // already stale
-        const QString patternError = grep ? GrepPrefetch::patternError(copy.settings) : QString();
+        QString patternError = grep ? GrepPrefetch::patternError(copy.settings) : QString();
         if (grep && !rows->empty()) {
             QStringList names;
             names.reserve(qsizetype(rows->size()));
@@ -59,7 +76,10 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
                 names.append(row.name);
             copy.grep = GrepPrefetch::replacementFor(copy.settings, names);
         }
-        const QStringList names = BatchPass::newNames(copy, *rows, request, m_engine.dates);
+        QStringList failures;
+        const QStringList names = BatchPass::newNames(copy, *rows, request, m_engine.dates, &failures);
+        if (patternError.isEmpty())
+            patternError = runFailure(*rows, failures);
         QMetaObject::invokeMethod(this, [this, names, patternError, grep, generation, clock] {
             if (generation != m_generation)
                 return; // the rules changed again meanwhile

@@ -9,6 +9,7 @@
 #include "CliOptions.h"
 #include "CliReport.h"
 #include "FolderListing.h"
+#include "GrepPrefetch.h"
 #include "LocalTimeZone.h"
 #include "MapFile.h"
 #include "NamedException.h"
@@ -72,6 +73,7 @@ void sortRows(std::vector<ItemRecord> &rows, const QString &order)
 struct Composed {
     std::vector<ItemRecord> rows;
     QStringList newNames;
+    QStringList grepFailures;  // per row: why its GREP program failed, or ""
     std::vector<int> included; // the rows the outcomes speak of, in order
 
     SafeMover::Move moveOf(size_t outcome) const
@@ -113,11 +115,28 @@ Composed compose(const QCommandLineParser &options, const RenameRule &rule, cons
     pass.prefixChoice = rule.prefix.date;
     pass.suffixChoice = rule.suffix.date;
     pass.supplied = QDateTime::currentDateTime();
-    composed.newNames = BatchPass::newNames(engine.composer, rows, pass, engine.dates);
+    composed.newNames = BatchPass::newNames(engine.composer, rows, pass, engine.dates, &composed.grepFailures);
     for (size_t i = 0; i < rows.size(); ++i)
         if (rows[i].include)
             composed.included.push_back(int(i));
     return composed;
+}
+
+// A row whose GREP program failed stays as it is, and says why.
+std::vector<SafeMover::Outcome> withGrepFailures(std::vector<SafeMover::Outcome> outcomes, const Composed &composed)
+{
+    for (size_t i = 0; i < outcomes.size(); ++i)
+        if (const QString &failure = composed.grepFailures[composed.included[i]]; !failure.isEmpty())
+            outcomes[i].reason = QStringLiteral("Perl: ") + failure;
+    return outcomes;
+}
+
+// Why the rule's GREP search and replace cannot run at all, in Perl's words.
+QString grepProblem(const RenameRule &rule)
+{
+    RenameSettings settings;
+    settings.setConstantData(rule.settings());
+    return GrepPrefetch::patternError(settings);
 }
 
 // --undo, --finish, --roll-back: the journal alone says what to do.
@@ -210,6 +229,12 @@ int main(int argc, char **argv)
         base = *saved.rule;
     }
     const RenameRule rule = CliOptions::rule(options, base);
+    if (!options.isSet("list-rules") && !options.isSet("map")) {
+        if (const QString problem = grepProblem(rule); !problem.isEmpty()) {
+            say(stderr, QStringLiteral("nomen-cli: the search pattern cannot be used: ") + problem);
+            return CliReport::Usage;
+        }
+    }
     if (options.isSet("list-rules") || options.isSet("save-rule"))
         return ruleCommand(rules, options, rule);
 
@@ -257,10 +282,13 @@ int main(int argc, char **argv)
         const Composed composed = compose(options, rule, roots);
         const auto moveOf = [&composed](size_t outcome) { return composed.moveOf(outcome); };
         if (!apply)
-            return CliReport::rows(SafeMover::plan(composed.rows, composed.newNames), json, false, moveOf);
+            return CliReport::rows(withGrepFailures(SafeMover::plan(composed.rows, composed.newNames), composed), json,
+                                   false, moveOf);
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
-        return CliReport::report(mover.apply(composed.rows, composed.newNames), json, moveOf);
+        SafeMover::Report report = mover.apply(composed.rows, composed.newNames);
+        report.outcomes = withGrepFailures(std::move(report.outcomes), composed);
+        return CliReport::report(report, json, moveOf);
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));
         return CliReport::Failures;

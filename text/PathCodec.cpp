@@ -1,13 +1,15 @@
 #include "PathCodec.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace PathCodec {
 
 namespace {
 
-// Length of the valid UTF-8 sequence at `at`, or 0.
-int validSequence(const unsigned char *s, qsizetype left)
+// Length of the valid UTF-8 sequence at `at`, or 0. With `surrogates`
+// the three bytes of a lone surrogate count as a sequence too.
+int validSequence(const unsigned char *s, qsizetype left, bool surrogates)
 {
     const unsigned char c = s[0];
     auto continuation = [&](int i) { return i < left && (s[i] & 0xC0) == 0x80; };
@@ -20,7 +22,7 @@ int validSequence(const unsigned char *s, qsizetype left)
             return 0;
         if (c == 0xE0 && s[1] < 0xA0)
             return 0; // overlong
-        if (c == 0xED && s[1] >= 0xA0)
+        if (c == 0xED && s[1] >= 0xA0 && !surrogates)
             return 0; // a surrogate, which UTF-8 may not carry
         return 3;
     }
@@ -34,9 +36,7 @@ int validSequence(const unsigned char *s, qsizetype left)
     return 0;
 }
 
-} // namespace
-
-QString decode(const QByteArray &bytes)
+QString decode(const QByteArray &bytes, bool surrogates)
 {
     QString text;
     text.reserve(bytes.size());
@@ -52,7 +52,7 @@ QString decode(const QByteArray &bytes)
             i = run;
             continue;
         }
-        const int length = validSequence(data + i, bytes.size() - i);
+        const int length = validSequence(data + i, bytes.size() - i, surrogates);
         if (length == 0) {
             text += QChar(char16_t(0xDC00 + data[i]));
             ++i;
@@ -70,40 +70,119 @@ QString decode(const QByteArray &bytes)
     return text;
 }
 
+void appendUtf8(QByteArray &bytes, char32_t code)
+{
+    if (code < 0x80) {
+        bytes += char(code);
+    } else if (code < 0x800) {
+        bytes += char(0xC0 | (code >> 6));
+        bytes += char(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        bytes += char(0xE0 | (code >> 12));
+        bytes += char(0x80 | ((code >> 6) & 0x3F));
+        bytes += char(0x80 | (code & 0x3F));
+    } else {
+        bytes += char(0xF0 | (code >> 18));
+        bytes += char(0x80 | ((code >> 12) & 0x3F));
+        bytes += char(0x80 | ((code >> 6) & 0x3F));
+        bytes += char(0x80 | (code & 0x3F));
+    }
+}
+
+bool hasSurrogates(const QString &text)
+{
+    const char16_t *units = reinterpret_cast<const char16_t *>(text.constData());
+    return std::any_of(units, units + text.size(), [](char16_t c) { return QChar::isSurrogate(c); });
+}
+
+// Each code unit's bytes; `loneSurrogate` says what a surrogate without
+// its partner becomes.
+template <typename Lone>
+QByteArray encodeUnits(const QString &text, Lone loneSurrogate)
+{
+    QByteArray bytes;
+    bytes.reserve(text.size() + 8);
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            appendUtf8(bytes, QChar::surrogateToUcs4(c, text[++i].unicode()));
+        else if (QChar::isSurrogate(c))
+            loneSurrogate(bytes, c);
+        else
+            appendUtf8(bytes, c);
+    }
+    return bytes;
+}
+
+} // namespace
+
+QString decode(const QByteArray &bytes)
+{
+    return decode(bytes, false);
+}
+
 QByteArray encode(const QString &text)
 {
     // Without surrogates (the usual case) UTF-8 is the answer, and Qt's
-    // encoder is much faster than one byte at a time.
-    const char16_t *units = reinterpret_cast<const char16_t *>(text.constData());
-    if (std::none_of(units, units + text.size(), [](char16_t c) { return QChar::isSurrogate(c); }))
+    // encoder is much faster than one unit at a time.
+    if (!hasSurrogates(text))
         return text.toUtf8();
-    QByteArray bytes;
-    bytes.reserve(text.size());
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const char16_t c = text[i].unicode();
-        if (c < 0x80) {
-            bytes += char(c);
-        } else if (c >= 0xDC80 && c <= 0xDCFF) {
+    return encodeUnits(text, [](QByteArray &bytes, char16_t c) {
+        if (c >= 0xDC80 && c <= 0xDCFF)
             bytes += char(c - 0xDC00); // a byte that was not UTF-8
-        } else if (QChar::isHighSurrogate(c) && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-            const char32_t code = QChar::surrogateToUcs4(c, text[++i].unicode());
-            bytes += char(0xF0 | (code >> 18));
-            bytes += char(0x80 | ((code >> 12) & 0x3F));
-            bytes += char(0x80 | ((code >> 6) & 0x3F));
-            bytes += char(0x80 | (code & 0x3F));
-        } else if (c < 0x800) {
-            bytes += char(0xC0 | (c >> 6));
-            bytes += char(0x80 | (c & 0x3F));
-        } else {
-            // Any other lone surrogate has no bytes of its own; it is
-            // written as UTF-8 would write the replacement character.
-            const char16_t unit = QChar::isSurrogate(c) ? char16_t(0xFFFD) : c;
-            bytes += char(0xE0 | (unit >> 12));
-            bytes += char(0x80 | ((unit >> 6) & 0x3F));
-            bytes += char(0x80 | (unit & 0x3F));
+        else
+            appendUtf8(bytes, 0xFFFD); // any other lone surrogate has no bytes of its own
+    });
+}
+
+QByteArray encodeKeepingSurrogates(const QString &text)
+{
+    if (!hasSurrogates(text))
+        return text.toUtf8();
+    return encodeUnits(text, [](QByteArray &bytes, char16_t c) { appendUtf8(bytes, c); });
+}
+
+QString decodeKeepingSurrogates(const QByteArray &bytes)
+{
+    return decode(bytes, true);
+}
+
+namespace {
+
+// The runs of bytes that are not UTF-8 in a name read by `decode`.
+std::vector<QStringView> escapedRuns(const QString &name)
+{
+    std::vector<QStringView> runs;
+    qsizetype start = -1;
+    for (qsizetype i = 0; i <= name.size(); ++i) {
+        const bool escaped = i < name.size() && name[i].unicode() >= 0xDC80 && name[i].unicode() <= 0xDCFF;
+        if (escaped && start < 0)
+            start = i;
+        if (!escaped && start >= 0) {
+            runs.push_back(QStringView(name).mid(start, i - start));
+            start = -1;
         }
+        if (i + 1 < name.size() && name[i].isHighSurrogate() && name[i + 1].isLowSurrogate())
+            ++i; // a whole character
     }
-    return bytes;
+    return runs;
+}
+
+} // namespace
+
+bool splitsCharacter(const QString &oldName, const QString &newName)
+{
+    if (!hasSurrogates(newName))
+        return false;
+    // A lone surrogate that stands for no byte, or bytes that would join
+    // into a character of their own, do not come back as themselves.
+    if (decode(encode(newName)) != newName)
+        return true;
+    const std::vector<QStringView> before = escapedRuns(oldName);
+    for (const QStringView run : escapedRuns(newName))
+        if (std::none_of(before.cbegin(), before.cend(), [run](QStringView old) { return old.contains(run); }))
+            return true;
+    return false;
 }
 
 QStringList arguments(int argc, char **argv)

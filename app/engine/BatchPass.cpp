@@ -20,7 +20,7 @@ QDateTime dateFor(qint32 choice, const QDateTime &supplied, const ItemRecord &ro
 }
 
 QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows, const PassRequest &request,
-                     const ClampedDates &dates)
+                     const ClampedDates &dates, QStringList *failures)
 {
     const qint32 count = request.rowCount < 0 ? qint32(rows.size()) : std::min(request.rowCount, qint32(rows.size()));
     composer.duplicate_check_list.clear();
@@ -33,15 +33,27 @@ QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows
     const bool suffixDated = settings._suffix.contains(u'«');
     QStringList names;
     names.reserve(count);
+    if (failures) {
+        failures->clear();
+        failures->resize(count);
+    }
     for (qint32 n = 0; n < count; ++n) {
         if (request.progress)
             request.progress(n + 1, count);
         const ItemRecord &row = rows[size_t(n)];
         if (row.include) {
-            names.append(composer.generateNewName(
+            const QString composed = composer.generateNewName(
                 {row.name, request.rowCount < 0 ? count : request.rowCount, true, row.location,
                  prefixDated ? dateFor(request.prefixChoice, request.supplied, row, dates) : QDateTime(),
-                 suffixDated ? dateFor(request.suffixChoice, request.supplied, row, dates) : QDateTime()}));
+                 suffixDated ? dateFor(request.suffixChoice, request.supplied, row, dates) : QDateTime()});
+            // Half a rule is not what was asked for: the row stays as it is.
+            if (composer.lastFailure.isEmpty()) {
+                names.append(composed);
+            } else {
+                names.append(row.name);
+                if (failures)
+                    (*failures)[n] = composer.lastFailure;
+            }
             continue;
         }
         names.append(row.name);

@@ -27,11 +27,13 @@ struct PassRequest {
 // composed (duplicates numbered), an excluded row's its own. With
 // advanceExcluded an excluded row still uses up counter values, and the
 // prefix counter then becomes the suffix counter plus the prefix increment.
-// The pass starts a new duplicate list but not new counters.
+// The pass starts a new duplicate list but not new counters. A row whose
+// GREP program fails keeps its own name; `failures`, when asked for, gets
+// one entry per covered row: why, in Perl's words, or "".
 namespace BatchPass {
 
 QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows, const PassRequest &request,
-                     const ClampedDates &dates);
+                     const ClampedDates &dates, QStringList *failures = nullptr);
 
 QDateTime dateFor(qint32 choice, const QDateTime &supplied, const ItemRecord &row, const ClampedDates &dates);
 

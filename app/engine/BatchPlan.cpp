@@ -211,10 +211,19 @@ Request requestFor(const Move &move)
     return request;
 }
 
+// A rule works on the characters of a name: what it makes of them may not
+// hold half of one, nor bytes the name never had.
 Request requestFor(const ItemRecord &row, const QString &newName)
 {
     const bool known = row.identity.inode != 0;
-    return {nullptr, row.location, row.name, newName, known ? std::optional(row.identity) : std::nullopt, Status::Renamed, {}};
+    Request request{nullptr, row.location, row.name, newName, known ? std::optional(row.identity) : std::nullopt,
+                    Status::Renamed, {}};
+    if (PathCodec::splitsCharacter(row.name, newName)) {
+        request.refusedAs = Status::Conflict;
+        request.refusal = QStringLiteral("the new name would split a character (it would hold bytes that are not "
+                                         "UTF-8 and were not in the name)");
+    }
+    return request;
 }
 
 // A row that will be renamed, as the plan works it out: the folder (an index

@@ -93,15 +93,19 @@ QString NameComposer::baseNameOf(const QString &name)
     return dot < 0 ? name : name.left(dot);
 }
 
-QString NameComposer::treatedBaseName(const QString &name)
+NameComposer::TreatedBase NameComposer::treatedBaseName(const QString &name)
 {
     QString base = baseNameOf(name);
+    QString failure;
     if (settings._filename_search_1 != QLatin1String("")) {
-        if (settings._search_type_1 == QLatin1String("GREP"))
-            base = grep ? grep(base, settings._filename_search_1, settings._filename_replace_1,
-                               settings._snr_consider_case_1)
-                        : base;
-        else
+        if (settings._search_type_1 == QLatin1String("GREP")) {
+            if (grep) {
+                GrepResult replaced = grep(base, settings._filename_search_1, settings._filename_replace_1,
+                                           settings._snr_consider_case_1);
+                base = std::move(replaced.text);
+                failure = std::move(replaced.failure);
+            }
+        } else
             base = snr(base, settings._filename_search_1, settings._filename_replace_1);
     }
     // Compared as unsigned: a negative start trim always empties the base.
@@ -119,10 +123,10 @@ QString NameComposer::treatedBaseName(const QString &name)
         base = changeCase(base, settings._case_transformation);
     if (settings._orig_strip_diacriticals)
         base = stripDiacritical(base);
-    return base;
+    return {base, failure};
 }
 
-QString NameComposer::cachedBaseName(const QString &name)
+NameComposer::TreatedBase NameComposer::cachedBaseName(const QString &name)
 {
     if (!baseNameCache)
         return treatedBaseName(name);
@@ -165,8 +169,12 @@ QString NameComposer::generateNewName(const CompositionRequest &request)
     // Advances on every call, whether or not the prefix shows a counter.
     settings._prefix_start_num += settings._prefix_ai_counter;
 
-    if (settings._inc_original_name)
-        newName += cachedBaseName(request.name);
+    lastFailure.clear();
+    if (settings._inc_original_name) {
+        TreatedBase treated = cachedBaseName(request.name);
+        newName += treated.base;
+        lastFailure = std::move(treated.failure);
+    }
 
     newName += fillTokens(settings._suffix, request.suffixDate,
                           counterText(settings._suffix_start_num, request.rowCount,

@@ -59,8 +59,14 @@ private:
 // running counters.
 class NameComposer {
 public:
-    using GrepReplace = std::function<QString(const QString &text, const QString &pattern,
-                                              const QString &replacement, bool consideringCase)>;
+    // A GREP search and replace: the new text, or the text as it was and
+    // why the program failed, in Perl's words.
+    struct GrepResult {
+        QString text;
+        QString failure;
+    };
+    using GrepReplace = std::function<GrepResult(const QString &text, const QString &pattern,
+                                                 const QString &replacement, bool consideringCase)>;
 
     RenameSettings settings;
     DuplicateList duplicate_check_list;
@@ -71,15 +77,22 @@ public:
     bool prefixZerosControlConnected = true;
     bool suffixZerosControlConnected = true;
     GrepReplace grep;
+    // Why the search and replace of the last name composed failed; empty
+    // when it did not. The name part then stayed as it was.
+    QString lastFailure;
 
     // Treated base names kept from one composition to the next while the
     // rules that make them (search and replace, trimming, case, accents)
     // stay the same: a preview of the whole table then redoes only the
     // prefix, suffix, counters and extension as the user types.
+    struct TreatedBase {
+        QString base;
+        QString failure;
+    };
     struct BaseNameCache {
         RenameSettings rules; // the fields that make a base name, as last used
         bool filled = false;
-        QHash<QString, QString> bases;
+        QHash<QString, TreatedBase> bases;
     };
     std::shared_ptr<BaseNameCache> baseNameCache;
 
@@ -99,8 +112,8 @@ public:
 private:
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;
     QString fillTokens(const QString &text, const QDateTime &date, const QString &counter, const QString &folder) const;
-    QString treatedBaseName(const QString &name);
-    QString cachedBaseName(const QString &name);
+    TreatedBase treatedBaseName(const QString &name);
+    TreatedBase cachedBaseName(const QString &name);
     QString tokensFilled(const QString &text, const QDateTime &date) const;
     QString folderNameOf(const QString &location);
 

@@ -1,6 +1,9 @@
 #include "PerlWorker.h"
 
+#include "PathCodec.h"
+
 #include <QList>
+#include <QRegularExpression>
 
 #include <QElapsedTimer>
 #include <cerrno>
@@ -24,9 +27,19 @@ const char *const driver = R"PERL(
 use Opcode qw(opmask_add invert_opset opset);
 use PerlIO::scalar;
 { my $warm = "\x{e9}a1 "; $warm =~ s/\p{L}|\p{Lu}|\p{Digit}|\w|\s|\d/x/gi; my $lower = lc($warm) . uc($warm) . ucfirst($warm); }
+# Names of characters (\N{GREEK SMALL LETTER ALPHA}) are looked up in
+# tables loaded now, as perl loads them for a program of its own; later
+# programs may not load anything.
+use charnames ':full', ':short';
+{ my $named = "\N{GREEK SMALL LETTER ALPHA}"; }
 binmode STDIN; binmode STDOUT;
+# Programs arrive as UTF-8 and run as characters, so ".", "\w", classes and
+# case folding see letters, not bytes; what they print goes back as UTF-8.
+# Lone surrogates (a name's bytes that are not UTF-8) travel as Perl's own
+# three bytes each way.
 my $output = '';
-open(my $capture, '>', \$output) or die;
+open(my $capture, '>:utf8', \$output) or die;
+$SIG{__WARN__} = sub {};
 my %compiled;
 my $why = '';
 sub run_sandboxed {
@@ -78,6 +91,7 @@ sub serve {
             last if length($in) < $start + $length;
             my $program = substr($in, $start, $length);
             substr($in, 0, $start + $length) = '';
+            utf8::decode($program);
             $output = '';
             seek($capture, 0, 0);
             my $previous = select($capture);
@@ -89,7 +103,10 @@ sub serve {
             }
             select($previous);
             # A failed program answers why, in Perl's words.
-            $output = $why if $failed;
+            if ($failed) {
+                $output = $why;
+                utf8::encode($output);
+            }
             $out .= "$failed " . length($output) . "\n" . $output;
         }
         return if length($in) && $in !~ /\A\d*\z/ && $in !~ /\A\d+\n/;
@@ -100,6 +117,15 @@ sub serve {
 opmask_add(invert_opset(opset(':default', 'print')));
 serve();
 )PERL";
+
+// Perl's message in one line, without where in the worker it was found.
+QString inOneLine(const QString &message)
+{
+    QString line = message.left(message.indexOf(u'\n'));
+    static const QRegularExpression where(QStringLiteral("\\s+at \\(eval \\d+\\) line \\d+(\\.$)?"));
+    line.remove(where);
+    return line.trimmed();
+}
 
 constexpr rlim_t memoryLimit = rlim_t(1) << 30;
 
@@ -210,22 +236,46 @@ std::optional<PerlWorker::Response> PerlWorker::takeResponse()
     return response;
 }
 
-std::optional<QByteArray> PerlWorker::run(const QByteArray &program)
+std::optional<QString> PerlWorker::run(const QString &program)
 {
-    return runAll({program}).front();
+    return std::move(answersOf({program}).front().output);
 }
 
-std::optional<QByteArray> PerlWorker::failureOf(const QByteArray &program)
+std::vector<std::optional<QString>> PerlWorker::runAll(const QStringList &programs)
 {
-    std::vector<QByteArray> failures(1);
-    if (runAll({program}, &failures).front())
+    std::vector<std::optional<QString>> outputs;
+    outputs.reserve(size_t(programs.size()));
+    for (Answer &answer : answersOf(programs))
+        outputs.push_back(std::move(answer.output));
+    return outputs;
+}
+
+std::optional<QString> PerlWorker::failureOf(const QString &program)
+{
+    Answer answer = std::move(answersOf({program}).front());
+    if (answer.output)
         return std::nullopt;
-    return failures.front().isEmpty() ? QByteArray("Perl gave no answer in time") : failures.front();
+    return answer.failure;
 }
 
-std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByteArray> &programs)
+std::vector<PerlWorker::Answer> PerlWorker::answersOf(const QStringList &programs)
 {
-    return runAll(programs, nullptr);
+    std::vector<QByteArray> sent;
+    sent.reserve(size_t(programs.size()));
+    for (const QString &program : programs)
+        sent.push_back(PathCodec::encodeKeepingSurrogates(program));
+    std::vector<QByteArray> failures(sent.size());
+    const std::vector<std::optional<QByteArray>> printed = runAll(sent, &failures);
+    std::vector<Answer> answers(sent.size());
+    for (size_t i = 0; i < sent.size(); ++i) {
+        if (printed[i])
+            answers[i].output = PathCodec::decodeKeepingSurrogates(*printed[i]);
+        else if (failures[i].isEmpty())
+            answers[i].failure = QStringLiteral("Perl gave no answer in time");
+        else
+            answers[i].failure = inOneLine(PathCodec::decodeKeepingSurrogates(failures[i]));
+    }
+    return answers;
 }
 
 std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByteArray> &programs,
@@ -238,8 +288,12 @@ std::vector<std::optional<QByteArray>> PerlWorker::runAll(const std::vector<QByt
     size_t next = 0;
     while (next < programs.size()) {
         const Progress progress = exchange(programs, next, programs.size(), results, failures);
-        if (!progress.started)
-            break; // no perl to run them: they all fail
+        if (!progress.started) {
+            // No perl to run them: they all fail, and say so.
+            for (size_t i = next; failures && i < programs.size(); ++i)
+                (*failures)[i] = "/usr/bin/perl could not be started";
+            break;
+        }
         next = progress.answered;
         if (next == programs.size())
             break;

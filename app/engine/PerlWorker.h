@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
+#include <QStringList>
 #include <mutex>
 #include <optional>
 #include <sys/types.h>
@@ -19,13 +21,21 @@ public:
     PerlWorker &operator=(const PerlWorker &) = delete;
 
     // The program's output, or nullopt when it failed to compile or run.
-    std::optional<QByteArray> run(const QByteArray &program);
+    // Programs and their output are characters: Perl matches letters, not
+    // bytes, and a name's bytes that are not UTF-8 come back as they went.
+    std::optional<QString> run(const QString &program);
     // Many programs at once, sent while earlier answers come back: a batch
     // costs the programs' own time, not a round trip each.
-    std::vector<std::optional<QByteArray>> runAll(const std::vector<QByteArray> &programs);
-    // Why the program fails, in Perl's words (a pattern that does not
-    // compile, a program that runs too long); nullopt when it runs.
-    std::optional<QByteArray> failureOf(const QByteArray &program);
+    std::vector<std::optional<QString>> runAll(const QStringList &programs);
+    // Each program's output, or why it failed in Perl's words (a pattern
+    // that does not compile, a program that runs too long).
+    struct Answer {
+        std::optional<QString> output;
+        QString failure;
+    };
+    std::vector<Answer> answersOf(const QStringList &programs);
+    // Why the program fails; nullopt when it runs.
+    std::optional<QString> failureOf(const QString &program);
 
     // The one worker of this process.
     static PerlWorker &shared();

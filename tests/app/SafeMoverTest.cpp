@@ -197,6 +197,26 @@ TEST_F(SafeMoves, NamesThatAreNotUtf8GoThroughTheWholePath)
     EXPECT_EQ(unlink(PathCodec::encode(tree.path(raw)).constData()), 0) << "undone through the journal, byte for byte";
 }
 
+// A rule's new name may keep the bytes of the name that are not UTF-8, but
+// may not make half a character nor bytes the name never had.
+TEST_F(SafeMoves, ARuleThatWouldSplitACharacterIsAConflictAndWritesNothing)
+{
+    const QString camera = QStringLiteral("📷7");
+    const QString raw = PathCodec::decode("raw\xff");
+    ASSERT_TRUE(tree.make(camera, "C"));
+    ASSERT_TRUE(tree.make(raw, "R"));
+    std::vector<ItemRecord> rows(2);
+    rows[0].name = camera;
+    rows[1].name = raw;
+    for (ItemRecord &row : rows)
+        row.location = tree.path(QString());
+    const QStringList newNames = {camera.mid(1), PathCodec::decode("X\xff")};
+    const SafeMover::Report report = mover.apply(rows, newNames);
+    ASSERT_EQ(statuses(report.outcomes), QList<S>({S::Conflict, S::Renamed}));
+    EXPECT_TRUE(report.outcomes[0].reason.startsWith(QStringLiteral("the new name would split a character")));
+    EXPECT_EQ(tree.files(), Files({{camera, "C"}, {PathCodec::decode("X\xff"), "R"}}));
+}
+
 TEST_F(SafeMoves, UndoGoesBackThroughTheLastTwentyBatches)
 {
     ASSERT_TRUE(tree.makeAll({"n0"}));

@@ -253,6 +253,41 @@ TEST_F(Window, AGrepPatternThatDoesNotCompileSaysWhyBesideTheField)
     EXPECT_NO_SURPRISES();
 }
 
+// GREP reads names as characters: an accented name is matched letter by
+// letter in the preview and the table, and a program that fails for one
+// name is told where a pattern that does not compile is told.
+TEST_F(Window, GrepWorksOnLettersAndARunTimeFailureSaysWhyBesideTheField)
+{
+    listNewFolder({QStringLiteral("résumé final (2).pdf"), QStringLiteral("ΟΔΟΣ 0.txt")});
+    auto *grep = control<QAbstractButton>("snr_type_1_1");
+    clickRadio(grep);
+    auto *search = control<QLineEdit>("search_1");
+    auto *replace = control<QLineEdit>("replace_1");
+    auto *message = control<QLabel>("snr_error_1");
+    replace->setFocus();
+    QTest::keyClicks(replace, QStringLiteral("$2$1"));
+    search->setFocus();
+    QTest::keyClicks(search, QStringLiteral("(.)(\\w)"));
+    const QStringList expected = {QStringLiteral("érusémf nila 2().pdf"), QStringLiteral("ΔΟΣΟ0 .txt")};
+    ASSERT_TRUE(waitFor([&] { return column(FileTableModel::New) == expected; })) << column(FileTableModel::New).join(u'|').toStdString();
+    EXPECT_EQ(control<QLineEdit>("preview_name")->text(), expected[0]);
+    EXPECT_FALSE(message->isVisible());
+    screenshot(QStringLiteral("window-grep-accents.png"));
+
+    search->clear();
+    QTest::keyClicks(search, QStringLiteral("(\\d+)"));
+    replace->clear();
+    QTest::keyClicks(replace, QStringLiteral("${\\ (100 % $1)}"));
+    ASSERT_TRUE(waitFor([message] { return message->isVisible(); }));
+    EXPECT_EQ(message->text(), QStringLiteral("\"ΟΔΟΣ 0.txt\" stays as it is: Illegal modulus zero"));
+    EXPECT_EQ(column(FileTableModel::New)[1], QStringLiteral("ΟΔΟΣ 0.txt"));
+    screenshot(QStringLiteral("window-grep-fails-for-a-name.png"));
+    search->clear();
+    replace->clear();
+    clickRadio(control<QAbstractButton>("snr_type_1_0"));
+    EXPECT_NO_SURPRISES();
+}
+
 TEST_F(Window, TheTokenMenuPutsATokenAtTheCursor)
 {
     listNewFolder({"a.jpg"});

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QSet>
 #include <QTemporaryDir>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -153,6 +154,39 @@ TEST_F(Cli, ASavedRuleRenamesAsItsOptionsDidAndOptionsBesideItWin)
     const CliRun refused = cli({"--rule", "Broken", tree.filePath("Trip")});
     EXPECT_EQ(refused.exitCode, 66);
     EXPECT_TRUE(refused.err.contains("Broken.json: \"prefix.digits\" must be a whole number")) << refused.err.toStdString();
+}
+
+// Rules work on characters: a rule that would write half of one is a
+// conflict and nothing is written for it; GREP matches letters in any
+// script, and says why when it cannot run.
+TEST_F(Cli, NamesInEveryScript)
+{
+    const QString folder = tree.filePath("Script");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    for (const QString name : {"📷7.jpg", "Über.jpg", "ΟΔΟΣ 0.jpg"}) {
+        QFile file(folder + u'/' + name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    const CliRun split = cli({"--trim-start", "1", "--apply", folder});
+    EXPECT_EQ(split.exitCode, 1);
+    EXPECT_TRUE(split.out.contains("conflict   ROOT/Script/📷7.jpg -> ")) << split.out.toStdString();
+    EXPECT_TRUE(split.out.contains("(the new name would split a character")) << split.out.toStdString();
+    const QStringList after = QDir(folder).entryList(QDir::Files);
+    EXPECT_EQ(QSet<QString>(after.cbegin(), after.cend()), QSet<QString>({"ber.jpg", "ΔΟΣ 0.jpg", "📷7.jpg"}));
+    ASSERT_EQ(cli({"--undo"}).exitCode, 0);
+
+    const CliRun folded = cli({"--grep", "--search", "ü", "--replace", "ue", "--ignore-case", folder});
+    EXPECT_TRUE(folded.out.contains("ROOT/Script/Über.jpg -> ueber.jpg")) << folded.out.toStdString();
+
+    const CliRun uncompiled = cli({"--grep", "--search", "IMG_(\\d", folder});
+    EXPECT_EQ(uncompiled.exitCode, 64);
+    EXPECT_TRUE(uncompiled.err.startsWith("nomen-cli: the search pattern cannot be used: Unmatched ( in regex")) << uncompiled.err.toStdString();
+
+    const CliRun failing = cli({"--json", "--grep", "--search", "(\\d+)", "--replace", "${\\ (100 % $1)}", "--apply", folder});
+    EXPECT_EQ(failing.exitCode, 0);
+    EXPECT_TRUE(failing.out.contains(R"("from": "ROOT/Script/ΟΔΟΣ 0.jpg", "to": "ROOT/Script/ΟΔΟΣ 0.jpg", "status": "unchanged", )"
+                                     R"("reason": "Perl: Illegal modulus zero")")) << failing.out.toStdString();
+    EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/📷2.jpg"))) << "the other rows are renamed";
 }
 
 TEST_F(Cli, AFolderNamedInBytesThatAreNotUtf8IsFound)
