@@ -24,7 +24,7 @@ packages=(
   build-essential cmake pkg-config ninja-build
   qt6-base-dev qt6-declarative-dev qt6-tools-dev qt6-l10n-tools
   libgl-dev
-  libicu-dev libexiv2-dev libplist-dev
+  libicu-dev icu-devtools libexiv2-dev libplist-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth libx11-dev libxtst-dev libxss-dev
   libglib2.0-dev

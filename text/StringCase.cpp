@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
 
 namespace ROZ_NSStringAdditions {
 
@@ -19,13 +22,6 @@ QString capitalized(const QString &word)
     if (word.size() < 2)
         return word.toUpper();
     return firstCharacter(word).toUpper() + word.mid(1);
-}
-
-bool isMarkCodePoint(char32_t c)
-{
-    const auto category = QChar::category(c);
-    return category == QChar::Mark_NonSpacing || category == QChar::Mark_SpacingCombining
-           || category == QChar::Mark_Enclosing;
 }
 
 } // namespace
@@ -83,22 +79,28 @@ QString titleCaseString(const QString &self)
 
 namespace {
 
-// Decomposes and drops the marks: the rule itself.
+// Decomposes and drops the marks: the rule itself. ICU's decomposition
+// and character classes, so every script is read by one Unicode version.
 QString withoutMarks(const QString &text)
 {
-    const QString decomposed = text.normalized(QString::NormalizationForm_D);
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2 *nfd = icu::Normalizer2::getNFDInstance(status);
+    if (U_FAILURE(status))
+        return text;
+    const icu::UnicodeString decomposed =
+        nfd->normalize(icu::UnicodeString(reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size())), status);
+    if (U_FAILURE(status))
+        return text;
     QString result;
-    result.reserve(decomposed.size());
-    for (qsizetype i = 0; i < decomposed.size(); ++i) {
-        const QChar c = decomposed[i];
-        if (c.isHighSurrogate() && i + 1 < decomposed.size() && decomposed[i + 1].isLowSurrogate()) {
-            const char32_t codePoint = QChar::surrogateToUcs4(c, decomposed[i + 1]);
-            if (!isMarkCodePoint(codePoint))
-                result.append(c).append(decomposed[i + 1]);
-            ++i;
-        } else if (!CharacterSet::nonBase().contains(c)) {
-            result += c;
-        }
+    result.reserve(decomposed.length());
+    for (int32_t i = 0; i < decomposed.length();) {
+        const UChar32 c = decomposed.char32At(i);
+        const int32_t length = U16_LENGTH(c);
+        // A lone surrogate is a byte of a name that is not UTF-8: kept.
+        const bool mark = (U_GET_GC_MASK(c) & U_GC_M_MASK) != 0;
+        if (!mark)
+            result.append(QStringView(reinterpret_cast<const QChar *>(decomposed.getBuffer()) + i, length));
+        i += length;
     }
     return result;
 }

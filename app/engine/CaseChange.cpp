@@ -1,24 +1,18 @@
 #include "CaseChange.h"
 
 #include "CharacterSet.h"
+#include "UnicodeCase.h"
 
 namespace CaseChange {
 
 namespace {
-
-QString firstUpperRestLower(const QString &word)
-{
-    if (word.isEmpty())
-        return word;
-    return word.left(1).toUpper() + word.mid(1).toLower();
-}
 
 QString sentenceCase(const QString &text, const QStringList &endings)
 {
     // An empty text has no first letter to raise.
     if (text.isEmpty())
         return text;
-    QStringList words = firstUpperRestLower(text).split(u' ');
+    QStringList words = UnicodeCase::upperFirst(text).split(u' ');
     for (qsizetype i = 0; i + 1 < words.size(); ++i) {
         for (const QString &ending : endings) {
             if (!ending.isEmpty() && words[i].endsWith(ending)) {
@@ -34,8 +28,8 @@ QString sentenceCase(const QString &text, const QStringList &endings)
 
 QString capitalized(const QString &text)
 {
-    // Word by word: the first letter raised (which may make two, as ß does),
-    // the rest of the word lowered in one go.
+    // Word by word: the first letter raised as a title (which may make two,
+    // as ß does), the rest of the word lowered in one go.
     const CharacterSet &space = CharacterSet::whitespaceAndNewlines();
     QString result;
     result.reserve(text.size());
@@ -48,8 +42,7 @@ QString capitalized(const QString &text)
         qsizetype end = i + 1;
         while (end < text.size() && !space.contains(text[end]))
             ++end;
-        result += QStringView(text).mid(i, 1).toString().toUpper();
-        result += QStringView(text).mid(i + 1, end - i - 1).toString().toLower();
+        result += UnicodeCase::capitalized(text.mid(i, end - i));
         i = end;
     }
     return result;
@@ -58,9 +51,9 @@ QString capitalized(const QString &text)
 QString changeCase(const QString &text, const QString &theCase, const QStringList &sentenceEndings)
 {
     if (theCase == QLatin1String("UPPERCASE"))
-        return text.toUpper();
+        return UnicodeCase::upper(text);
     if (theCase == QLatin1String("lowercase"))
-        return text.toLower();
+        return UnicodeCase::lower(text);
     if (theCase == QLatin1String("Title Case"))
         return capitalized(text);
     if (theCase == QLatin1String("Sentence case"))

@@ -8,7 +8,8 @@
 namespace CaseChange {
 
 QString changeCase(const QString &text, const QString &theCase, const QStringList &sentenceEndings);
-// First letter of each white-space separated word upper case, the rest lower.
+// Each white-space separated word with its first letter raised as a
+// title and the rest lowered.
 QString capitalized(const QString &text);
 
 } // namespace CaseChange

@@ -1,6 +1,10 @@
 #include "NameComposer.h"
+#include "NameCorpus.h"
 #include "NamedException.h"
+#include "StringAdditions.h"
 #include "TestPrinting.h"
+
+#include <QProcess>
 
 #include <gtest/gtest.h>
 
@@ -34,7 +38,8 @@ TEST_P(Compositions, ComposeInOrder)
     composer.settings = plainSettings();
     c.rules(composer.settings);
     composer.grep = [](const QString &text, const QString &pattern, const QString &replacement, bool) {
-        return text == pattern ? replacement : text; // a stand-in: the real one is Perl
+        // A stand-in: the real one is Perl.
+        return NameComposer::GrepResult{text == pattern ? replacement : text, {}};
     };
     QStringList names;
     for (const QString &original : c.originals)
@@ -161,8 +166,57 @@ INSTANTIATE_TEST_SUITE_P(
                     CaseCase{"sentence_runs", "A. b! c? d e", "Sentence case", "A. B! C? D e"},
                     CaseCase{"sentence_lowers_the_rest", "HELLO WORLD", "Sentence case", "Hello world"},
                     CaseCase{"sentence_empty", "", "Sentence case", ""},
+                    CaseCase{"sentence_final_sigma", "ΟΔΟΣ ΚΑΙ ΣΥ. ΟΔΟΣ", "Sentence case", "Οδος και συ. Οδος"},
+                    CaseCase{"sentence_sharp_s_raised_whole", "ßtraße", "Sentence case", "SStraße"},
+                    CaseCase{"sentence_supplementary_letter", "𐐨𐑉 𐐨", "Sentence case", "𐐀𐑉 𐐨"},
+                    CaseCase{"title_digraph_and_sharp_s", "ǆungla ßa", "Title Case", "ǅungla Ssa"},
+                    CaseCase{"title_first_character_only", "(hello) 1st", "Title Case", "(hello) 1st"},
+                    CaseCase{"a_byte_that_is_not_utf8_has_no_case", QStringLiteral("caf") + QChar(0xDCE9) + u'e', "UPPERCASE",
+                             QStringLiteral("CAF") + QChar(0xDCE9) + u'E'},
                     CaseCase{"unknown_name_unchanged", "MiXeD", "Upper Case", "MiXeD"}),
     [](const auto &info) { return info.param.name; });
+
+// What ICU's own transforms make of every name, one name a line.
+QStringList icu(const QString &transform, const QStringList &lines)
+{
+    QProcess uconv;
+    uconv.start(QStringLiteral("uconv"), {"-f", "utf-8", "-t", "utf-8", "-x", transform});
+    uconv.write(lines.join(u'\n').toUtf8() + '\n');
+    uconv.closeWriteChannel();
+    uconv.waitForFinished(30000);
+    QStringList out = QString::fromUtf8(uconv.readAllStandardOutput()).split(u'\n');
+    out.removeLast();
+    return out;
+}
+
+// Case and accents in every script, as ICU's case mapping and
+// decomposition make them: ß, final sigma, dotted and dotless I, ǆ,
+// ligatures, combining marks, Greek, Cyrillic, Deseret.
+TEST(CaseInEveryScript, AsIcuMakesIt)
+{
+    NameComposer composer;
+    // The names where ours and ICU's differ, with both answers.
+    const auto differences = [](const QStringList &texts, const std::function<QString(const QString &)> &change,
+                                const QString &transform) {
+        const QStringList theirs = icu(transform, texts);
+        QStringList differ;
+        for (qsizetype i = 0; i < texts.size(); ++i)
+            if (const QString ours = change(texts[i]); ours != theirs.value(i))
+                differ.append(QStringLiteral("%1 (%2): ours %3, ICU %4").arg(texts[i], transform, ours, theirs.value(i)));
+        return differ.join(u'\n').toStdString();
+    };
+    const QStringList names = NameCorpus::utf8Names(300);
+    EXPECT_EQ(differences(names, [&](const QString &t) { return composer.changeCase(t, "UPPERCASE"); }, "Any-Upper"), "");
+    EXPECT_EQ(differences(names, [&](const QString &t) { return composer.changeCase(t, "lowercase"); }, "Any-Lower"), "");
+    // Accents go as the decomposition's marks go; the rest stays decomposed.
+    EXPECT_EQ(differences(names, &ROZ_NSStringAdditions::stripDiacritical, "::NFD; [:M:] > ;"), "");
+    // ICU titles a word at its first letter; here every word starts with one.
+    QStringList sentences;
+    const QStringList &words = NameCorpus::letterWords();
+    for (qsizetype i = 0; i < words.size(); ++i)
+        sentences.append(words[i] + u' ' + words[(i * 7 + 3) % words.size()] + u' ' + words[(i * 5 + 1) % words.size()]);
+    EXPECT_EQ(differences(sentences, [&](const QString &t) { return composer.changeCase(t, "Title Case"); }, "Any-Title"), "");
+}
 
 TEST(Settings, TwentyFourEntriesOrARangeError)
 {
