@@ -5,7 +5,6 @@
 #include "BatchRenaming.h"
 #include "Dialogs.h"
 #include "OutletValues.h"
-#include "ExifDates.h"
 #include "FileMoves.h"
 #include "FolderListing.h"
 #include "ItemRecordValues.h"
@@ -398,5 +397,5 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(answers);
     });
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),
-                                  &ExifDates::imageCreatedDate);
+                                  &RenameEngine::exifDate);
 }

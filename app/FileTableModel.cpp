@@ -192,7 +192,7 @@ QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, in
 {
     static const QStringList titles = {"", "Name", "Location", "Created", "Modified", "Size", "New name"};
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 && section < titles.size())
-        return titles[section];
+        return section == Creation && m_showsDatesTaken ? QStringLiteral("Date taken") : titles[section];
     return QAbstractTableModel::headerData(section, orientation, role);
 }
 
@@ -325,4 +325,12 @@ bool FileTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, 
         return false;
     const bool fromInside = data->hasFormat(DraggedTableRows);
     return acceptDrop(data, row < 0 ? int(m_rows->size()) : row, fromInside);
+}
+
+void FileTableModel::setShowsDatesTaken(bool taken)
+{
+    if (taken == m_showsDatesTaken)
+        return;
+    m_showsDatesTaken = taken;
+    emit headerDataChanged(Qt::Horizontal, Creation, Creation);
 }

@@ -78,11 +78,15 @@ public:
 
     const ClampedDates &dates() const { return m_dates; }
 
+    // Whether the creation column shows dates taken (and is titled so).
+    void setShowsDatesTaken(bool taken);
+
 signals:
     // The rows changed order (a sort or a drag): new names are stale.
     void rowsReordered();
 
 private:
+    bool m_showsDatesTaken = false;
     std::vector<ItemRecord> &changeableRows();
 
     ClampedDates m_dates;

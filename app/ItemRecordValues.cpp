@@ -32,7 +32,8 @@ QVariant field(const ItemRecord &record, const QString &identifier, const Clampe
         return record.location;
     if (identifier == Creation || identifier == Modification) {
         const qint64 date = identifier == Creation ? record.created : record.modified;
-        return date == ItemRecord::NoDate ? QVariant() : QVariant(dates.toDateTime(date));
+        const std::optional<qint32> offset = identifier == Creation ? record.takenOffset() : std::nullopt;
+        return date == ItemRecord::NoDate ? QVariant() : QVariant(dates.toDateTime(date, offset));
     }
     if (identifier == Size)
         return record.size ? QVariant::fromValue(qulonglong(*record.size)) : QVariant(QStringLiteral("-"));
@@ -49,8 +50,11 @@ bool setField(ItemRecord &record, const QString &identifier, const QVariant &val
         record.name = value.toString();
     else if (identifier == Location)
         record.location = value.toString();
-    else if (identifier == Creation)
+    else if (identifier == Creation) {
         record.created = millisecondsOf(value);
+        const bool taken = value.typeId() == QMetaType::QDateTime && value.toDateTime().timeSpec() == Qt::OffsetFromUTC;
+        record.createdOffset = taken ? value.toDateTime().offsetFromUtc() : ItemRecord::NoOffset;
+    }
     else if (identifier == Modification)
         record.modified = millisecondsOf(value);
     else if (identifier == Size)

@@ -392,6 +392,7 @@ QVariantMap RZApplication::listIntoTable(const QVariantList &request)
     Listing listed = listing.list(ListingRequest::fromArray(request));
     const bool stopped = listed.stopped || !listed.stoppedInside.empty();
     m_table->setRows(std::move(listed.items));
+    m_table->setShowsDatesTaken(m_engine->use_exif_date);
     showNewListing();
     return {{QStringLiteral("rows"), m_table->rowCount()}, {QStringLiteral("stopped"), stopped}};
 }

@@ -115,6 +115,7 @@ RenameRule rule(const InterfaceFile &form)
     rule.descend = checked(form, "descend");
     rule.folders = checked(form, "folder_rows");
     rule.longNames = checked(form, "long_names");
+    rule.datesTaken = checked(form, "dates_taken");
     return rule;
 }
 
@@ -147,6 +148,7 @@ void apply(const InterfaceFile &form, const RenameRule &rule)
     set(form, QStringLiteral("descend"), rule.descend);
     set(form, QStringLiteral("folder_rows"), rule.folders);
     set(form, QStringLiteral("long_names"), rule.longNames);
+    set(form, QStringLiteral("dates_taken"), rule.datesTaken);
 }
 
 QVariantList settings(const InterfaceFile &form)

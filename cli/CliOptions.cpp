@@ -55,7 +55,8 @@ void declare(QCommandLineParser &options)
         {"extension", "New extension.", "ext"},
         {"ext-case", "Case of the extension.", "name"},
         {"date-source", "Date for date tokens: none, now, created or modified.", "source", "none"},
-        {"exif", "Take creation dates from the photographs' EXIF data."},
+        {{"exif", "date-taken"}, "Creation dates are the dates photographs were taken and recordings made (JPEG, HEIC, "
+                                 "camera raws, MP4, MOV...), as the camera's clock read; files without one keep their own."},
         {"recursive", "Descend into subfolders."},
         {"folders", "Rename the folders below the named ones too, after their contents; files are then renamed only when --type, --ext-filter or --long-names picks them."},
         {"long-names", "With --folders: the files whose names have 32 characters or more."},
@@ -158,6 +159,7 @@ RenameRule rule(const QCommandLineParser &options, RenameRule base)
     rule.descend = rule.descend || given("recursive");
     rule.folders = rule.folders || given("folders");
     rule.longNames = rule.longNames || given("long-names");
+    rule.datesTaken = rule.datesTaken || given("exif");
     return rule;
 }
 

@@ -86,7 +86,7 @@ struct Composed {
 Composed compose(const QCommandLineParser &options, const RenameRule &rule, const QStringList &roots)
 {
     RenameEngine engine;
-    engine.use_exif_date = options.isSet("exif");
+    engine.use_exif_date = rule.datesTaken;
     Composed composed;
     std::vector<ItemRecord> &rows = composed.rows;
     for (const QString &root : roots) {

@@ -7,7 +7,9 @@
 var droppedItems = null;
 var rowCount = 0;
 
-var listingControls = ["update", "type_filter", "ext_filter", "descend", "folder_rows", "long_names", "list_unmatched"];
+// Dates taken are read while listing, so the box lists again.
+var listingControls = ["update", "type_filter", "ext_filter", "descend", "folder_rows", "long_names", "list_unmatched",
+                       "dates_taken"];
 
 function call(selector, params) {
     return callMethod(application, selector, params || []);
@@ -189,6 +191,7 @@ function listItems() {
         return;
     }
     var paths = droppedItems || [folder];
+    call("setUseEXIFDate:", [contents("dates_taken")]);
     setContents("progress_label_super", "Listing");
     setContents("progress_label", folder);
     // Straight into the table, in the order its header shows.

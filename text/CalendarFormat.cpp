@@ -88,7 +88,10 @@ QString format(const QDateTime &date, const QString &pattern)
 {
     if (!date.isValid())
         return QString(QLatin1String(""));
-    const QDateTime local = date.toLocalTime();
+    // A date that carries an offset of its own (a photograph's, as its
+    // camera recorded it) is written at that offset, not moved into the
+    // machine's zone.
+    const QDateTime local = date.timeSpec() == Qt::OffsetFromUTC ? date : date.toLocalTime();
     QString out;
     for (qsizetype i = 0; i < pattern.size(); ++i) {
         if (pattern[i] == u'%' && i + 1 < pattern.size())

@@ -4,16 +4,16 @@ namespace BatchPass {
 
 QDateTime dateFor(qint32 choice, const QDateTime &supplied, const ItemRecord &row, const ClampedDates &dates)
 {
-    const auto stored = [&](qint64 milliseconds) {
-        return milliseconds == ItemRecord::NoDate ? QDateTime() : dates.toDateTime(milliseconds);
+    const auto stored = [&](qint64 milliseconds, std::optional<qint32> offset) {
+        return milliseconds == ItemRecord::NoDate ? QDateTime() : dates.toDateTime(milliseconds, offset);
     };
     switch (choice) {
     case 1:
         return supplied;
     case 2:
-        return stored(row.created);
+        return stored(row.created, row.takenOffset());
     case 3:
-        return stored(row.modified);
+        return stored(row.modified, std::nullopt);
     default:
         return QDateTime();
     }

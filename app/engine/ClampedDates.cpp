@@ -32,3 +32,8 @@ QDateTime ClampedDates::toDateTime(qint64 milliseconds) const
         return date2040;
     return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::LocalTime);
 }
+
+QDateTime ClampedDates::toDateTime(qint64 milliseconds, std::optional<qint32> offset) const
+{
+    return offset ? QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::OffsetFromUTC, *offset) : toDateTime(milliseconds);
+}

@@ -17,6 +17,9 @@ public:
 
     qint64 clamp(std::optional<qint64> milliseconds) const;
     QDateTime toDateTime(qint64 milliseconds) const;
+    // With an offset (a date taken), the date at that offset: its fields
+    // read as the camera's clock, wherever it is shown.
+    QDateTime toDateTime(qint64 milliseconds, std::optional<qint32> offset) const;
 
 private:
     qint64 m_1904, m_1970, m_2040;

@@ -10,6 +10,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <algorithm>
+#include <atomic>
 #include <thread>
 #include <unistd.h>
 
@@ -254,13 +256,7 @@ ItemRecord FolderListing::fileRecord(const Scanned &item, bool include) const
     ItemRecord record;
     record.name = item.name;
     record.location = item.location;
-    std::optional<qint64> created = item.created;
-    if (exifDate) {
-        const QVariant fromExif = exifDate(item.location + item.name);
-        if (fromExif.typeId() == QMetaType::QDateTime)
-            created = fromExif.toDateTime().toMSecsSinceEpoch();
-    }
-    record.created = m_dates.clamp(created);
+    record.created = m_dates.clamp(item.created);
     record.modified = m_dates.clamp(item.modified);
     record.size = item.size;
     record.typeCode = item.finder ? item.finder->type : 0;
@@ -282,13 +278,71 @@ ItemRecord FolderListing::folderRecord(const Scanned &item) const
     return record;
 }
 
+void FolderListing::useDateTaken(ItemRecord &record, const std::optional<DateTaken> &taken) const
+{
+    if (!taken)
+        return;
+    // Outside the dates an item may have, the date is clamped as any is,
+    // and then it is no longer the camera's clock.
+    record.created = m_dates.clamp(taken->milliseconds);
+    record.createdOffset = record.created == taken->milliseconds ? taken->offset : ItemRecord::NoOffset;
+}
+
+// Dates taken are read after the listing, the files shared among threads
+// (reading a photograph's metadata is most of the time, and files are
+// independent); this thread takes its share in small steps so a window
+// stays live and Stop is heard.
+void FolderListing::takeDatesTaken(const ListingRequest &request, Listing &listing)
+{
+    std::vector<size_t> files;
+    for (size_t i = 0; i < listing.items.size(); ++i)
+        if (listing.items[i].size)
+            files.push_back(i);
+    if (files.empty())
+        return;
+    std::vector<QByteArray> paths(files.size());
+    for (size_t i = 0; i < files.size(); ++i)
+        paths[i] = PathCodec::encode(listing.items[files[i]].path());
+    std::vector<std::optional<DateTaken>> taken(files.size());
+    std::atomic<size_t> next{0};
+    std::atomic<bool> abandoned{false};
+    constexpr size_t step = 16;
+    const auto work = [&] {
+        for (size_t from; !abandoned.load() && (from = next.fetch_add(step)) < files.size();)
+            for (size_t i = from; i < std::min(from + step, files.size()); ++i)
+                taken[i] = dateTaken(paths[i]);
+    };
+    const unsigned helpers = files.size() < 2 * step ? 0 : std::clamp(std::thread::hardware_concurrency(), 2u, 8u) - 1;
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < helpers; ++i)
+        threads.emplace_back(work);
+    for (size_t from; (from = next.fetch_add(step)) < files.size();) {
+        for (size_t i = from; i < std::min(from + step, files.size()); ++i)
+            taken[i] = dateTaken(paths[i]);
+        if (shouldStop(request)) {
+            abandoned.store(true);
+            break;
+        }
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    if (abandoned.load()) {
+        listing = Listing{{}, true, {}};
+        return;
+    }
+    for (size_t i = 0; i < files.size(); ++i)
+        useDateTaken(listing.items[files[i]], taken[i]);
+}
+
 QVariantMap FolderListing::getFileInfo(const QString &path) const
 {
     const Scanned item = scanPath(path);
-    const ItemRecord record = fileRecord(item, true);
+    ItemRecord record = fileRecord(item, true);
+    if (dateTaken && item.exists && !item.isFolder)
+        useDateTaken(record, dateTaken(PathCodec::encode(path)));
     return {{QStringLiteral("the_extension"), extensionOf(item.name)},
             {QStringLiteral("type_code"), QVariant::fromValue(record.typeCode)},
-            {QStringLiteral("creation"), m_dates.toDateTime(record.created)},
+            {QStringLiteral("creation"), m_dates.toDateTime(record.created, record.takenOffset())},
             {QStringLiteral("modification"), m_dates.toDateTime(record.modified)},
             {QStringLiteral("file_size"), QVariant::fromValue(qulonglong(record.size.value_or(0)))}};
 }
@@ -318,6 +372,8 @@ Listing FolderListing::list(const ListingRequest &request)
     }
     if (stopped)
         listing = Listing{{}, true, {}};
+    else if (dateTaken)
+        takeDatesTaken(request, listing);
     return listing;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ClampedDates.h"
+#include "DatesTaken.h"
 #include "FileStatus.h"
 #include "ItemRecord.h"
 
@@ -42,9 +43,10 @@ class FolderListing {
 public:
     FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool);
 
-    // Set when creation dates come from EXIF: answers a date, or anything
-    // else for none.
-    std::function<QVariant(const QString &path)> exifDate;
+    // Set when creation dates are the dates photographs were taken and
+    // recordings made: a file's date taken, or none (it keeps its own
+    // creation date). Read for every file row once, on several threads.
+    std::function<std::optional<DateTaken>(const QByteArray &path)> dateTaken;
     // Called now and then during a long listing, so a window can stay live
     // (and its Stop button be pressed).
     std::function<void()> keepResponsive;
@@ -91,6 +93,8 @@ private:
     ItemRecord fileRecord(const Scanned &item, bool include) const;
     ItemRecord folderRecord(const Scanned &item) const;
     bool shouldStop(const ListingRequest &request);
+    void takeDatesTaken(const ListingRequest &request, Listing &listing);
+    void useDateTaken(ItemRecord &record, const std::optional<DateTaken> &taken) const;
     void addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend, Listing &listing);
     void addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
                    Listing &listing, bool &stopped);

@@ -11,10 +11,12 @@
 // its name.
 struct ItemRecord {
     static constexpr qint64 NoDate = std::numeric_limits<qint64>::min();
+    static constexpr qint32 NoOffset = std::numeric_limits<qint32>::min();
 
     QString name;
     QString location;            // the containing folder, ending with "/"; rows of a folder share it
     qint64 created = NoDate;     // milliseconds since 1970
+    qint32 createdOffset = NoOffset; // a date taken: the UTC offset it is shown at
     qint64 modified = NoDate;
     std::optional<quint64> size; // none for a folder
     quint32 typeCode = 0;
@@ -24,4 +26,8 @@ struct ItemRecord {
     QString newName;             // "" until a batch pass gives one
 
     QString path() const { return location + name; }
+    std::optional<qint32> takenOffset() const
+    {
+        return createdOffset == NoOffset ? std::nullopt : std::optional(createdOffset);
+    }
 };

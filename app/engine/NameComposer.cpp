@@ -63,8 +63,11 @@ QString NameComposer::counterText(qint32 counter, qint32 rowCount, qint32 minimu
 
 QString NameComposer::tokensFilled(const QString &text, const QDateTime &date) const
 {
+    // Dates are the same only at the same offset: two clocks can show one
+    // instant differently, and the tokens show the clock.
     for (const FilledText &last : m_filled)
-        if (last.text == text && last.date == date)
+        if (last.text == text && last.date == date && last.date.offsetFromUtc() == date.offsetFromUtc()
+            && last.date.timeSpec() == date.timeSpec())
             return last.filled;
     // Two texts are in use at once, the prefix and the suffix: the older
     // entry gives way.

@@ -1,7 +1,8 @@
 #include "RenameEngine.h"
 
 #include "CalendarFormat.h"
-#include "ExifDates.h"
+#include "DatesTaken.h"
+#include "PathCodec.h"
 #include "GrepPrefetch.h"
 
 #include <QCoreApplication>
@@ -22,13 +23,14 @@ void RenameEngine::prefetchGrep(const QStringList &names)
 
 QVariant RenameEngine::exifDate(const QString &path)
 {
-    return ExifDates::imageCreatedDate(path);
+    const std::optional<DateTaken> taken = DatesTaken::read(PathCodec::encode(path));
+    return taken ? QVariant(taken->toDateTime()) : QVariant(false);
 }
 
 FolderListing RenameEngine::listing()
 {
     FolderListing listing(dates, stopProgressBool);
     if (use_exif_date)
-        listing.exifDate = &RenameEngine::exifDate;
+        listing.dateTaken = &DatesTaken::read;
     return listing;
 }

@@ -30,8 +30,9 @@ public:
     // worked out in one exchange with Perl, so composing them costs no
     // round trip each.
     void prefetchGrep(const QStringList &names);
-    // The photograph's EXIF creation date, or false.
+    // When the photograph was taken or the recording made, at the offset
+    // it was recorded at; false when the file records none.
     static QVariant exifDate(const QString &path);
-    // A listing that reads dates as the settings say (EXIF when chosen).
+    // A listing that reads dates as the settings say (dates taken when chosen).
     FolderListing listing();
 };

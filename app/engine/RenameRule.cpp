@@ -167,7 +167,8 @@ QByteArray RenameRule::toJson() const
         {"extension", extension},
         {"listing", QJsonObject{{"types", QJsonArray::fromStringList(types)},
                                 {"extensions", QJsonArray::fromStringList(extensions)},
-                                {"descend", descend}, {"folders", folders}, {"longNames", longNames}}},
+                                {"descend", descend}, {"folders", folders}, {"longNames", longNames},
+                                {"datesTaken", datesTaken}}},
     };
     return QJsonDocument(rule).toJson(QJsonDocument::Indented);
 }
@@ -213,6 +214,7 @@ std::optional<RenameRule> RenameRule::fromJson(const QByteArray &json, QString *
             listing.read(QStringLiteral("descend"), rule.descend);
             listing.read(QStringLiteral("folders"), rule.folders);
             listing.read(QStringLiteral("longNames"), rule.longNames);
+            listing.read(QStringLiteral("datesTaken"), rule.datesTaken);
         }
     }
     if (!found.isEmpty()) {

@@ -47,6 +47,7 @@ struct RenameRule {
     bool descend = false;
     bool folders = false;
     bool longNames = false;
+    bool datesTaken = false; // creation dates are when photographs were taken and recordings made
 
     // The 24 entries of the engine's constant data.
     QVariantList settings() const;

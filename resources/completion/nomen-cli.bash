@@ -27,7 +27,7 @@ _nomen_cli()
     if [[ $current == -* ]]; then
         COMPREPLY=($(compgen -W $'--help\n--help-all\n--prefix\n--suffix\n--start\n--step\n--zeros\n--no-original
 --search\n--replace\n--grep\n--ignore-case\n--trim-start\n--trim-end\n--case\n--strip-diacritics\n--extension
---ext-case\n--date-source\n--exif\n--recursive\n--folders\n--long-names\n--ext-filter\n--type\n--sort\n--rule
+--ext-case\n--date-source\n--exif\n--date-taken\n--recursive\n--folders\n--long-names\n--ext-filter\n--type\n--sort\n--rule
 --save-rule\n--list-rules\n--map\n--apply\n--undo\n--finish\n--roll-back\n--json' -- "$current"))
         return
     fi

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <mutex>
 #include <thread>
 #include <utime.h>
 
@@ -155,9 +156,50 @@ TEST_F(Listings, DatesAreClampedAndSizesKept)
     const QVariantMap missing = listing.getFileInfo(root() + "/missing");
     EXPECT_EQ(missing.value("creation").toDateTime().date(), QDate(1904, 1, 1));
     EXPECT_EQ(missing.value("file_size").toULongLong(), 0u);
-    listing.exifDate = [](const QString &) { return QVariant(QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8), Qt::LocalTime)); };
-    EXPECT_EQ(listing.getFileInfo(old).value("creation").toDateTime().date(), QDate(2003, 4, 5)) << "EXIF dates when chosen";
+    listing.dateTaken = [](const QByteArray &) {
+        return DateTaken::atWallClock(QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8)), -8 * 3600);
+    };
+    const QDateTime taken = listing.getFileInfo(old).value("creation").toDateTime();
+    EXPECT_EQ(taken, QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8), Qt::OffsetFromUTC, -8 * 3600)) << "dates taken when chosen";
+    EXPECT_EQ(taken.time(), QTime(6, 7, 8)) << "as the camera's clock read, wherever it is renamed";
     EXPECT_EQ(listing.getFolderInfo(root() + "/missing").value("modification").toDateTime().date(), QDate(1904, 1, 1));
+}
+
+// Dates taken are read for every file once, on several threads, and each
+// lands on its own row; folders keep their own dates.
+TEST_F(Listings, EachFilesDateTakenIsReadOnceAndLandsOnItsRow)
+{
+    for (int i = 0; i < 300; ++i)
+        make(QStringLiteral("Photos/p%1.jpg").arg(i));
+    make(QStringLiteral("Photos/Sub/inner.jpg"));
+    std::mutex lock;
+    QHash<QByteArray, int> reads;
+    listing.dateTaken = [&](const QByteArray &path) -> std::optional<DateTaken> {
+        {
+            const std::lock_guard guard(lock);
+            ++reads[path];
+        }
+        // Minutes after midnight as the photo's number, at +05:30.
+        const int number = QFileInfo(QString::fromUtf8(path)).baseName().mid(1).toInt(); // "inner" is 0
+        return DateTaken::atWallClock(QDateTime(QDate(2020, 1, 1), QTime(0, 0).addSecs(60 * number)), 19800);
+    };
+    ListingRequest request;
+    request.root = root() + QStringLiteral("/Photos");
+    request.paths = {request.root};
+    request.descend = true;
+    request.folderRows = true;
+    request.extensions = {QStringLiteral("jpg")};
+    const Listing found = listing.list(request);
+    ASSERT_EQ(found.items.size(), 302u);
+    EXPECT_EQ(reads.size(), 301) << "the folder row is not read";
+    EXPECT_TRUE(std::all_of(reads.cbegin(), reads.cend(), [](int n) { return n == 1; }));
+    for (const ItemRecord &row : found.items) {
+        if (!row.size)
+            continue;
+        const QDateTime taken = ItemRecordValues::field(row, QStringLiteral("creation"), dates).toDateTime();
+        EXPECT_EQ(taken.time(), QTime(0, 0).addSecs(60 * row.name.mid(1).section(u'.', 0, 0).toInt())) << row.name.toStdString();
+        EXPECT_EQ(taken.offsetFromUtc(), 19800);
+    }
 }
 
 TEST_F(Listings, LinksAreListedAsThemselves)

@@ -27,7 +27,7 @@ RenameRule everyFieldChanged()
     rule.extensionCase = QStringLiteral("UPPERCASE");
     rule.types = QStringList{QStringLiteral("JPEG")};
     rule.extensions = QStringList{QStringLiteral("jpg"), QStringLiteral("heic")};
-    rule.descend = rule.folders = rule.longNames = true;
+    rule.descend = rule.folders = rule.longNames = rule.datesTaken = true;
     return rule;
 }
 

@@ -5,11 +5,14 @@
 
 #include "FileTableView.h"
 #include "OutletValues.h"
+#include "RuleForm.h"
 #include "WindowDriver.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QHeaderView>
+#include <QImage>
+#include <QProcess>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -80,7 +83,7 @@ protected:
             control<QLineEdit>(field)->setText(QString()); // and no edit to undo
         for (const char *field : {"trim_start", "trim_end"})
             control<QLineEdit>(field)->setText(QStringLiteral("0"));
-        for (const char *box : {"change_case", "orig_strip_diacriticals", "descend", "folder_rows"})
+        for (const char *box : {"change_case", "orig_strip_diacriticals", "descend", "folder_rows", "dates_taken"})
             control<QAbstractButton>(box)->setChecked(false);
         control<QAbstractButton>("inc_original_name")->setChecked(true);
         control<QAbstractButton>("snr_type_1_0")->setChecked(true);
@@ -285,6 +288,55 @@ TEST_F(Window, GrepWorksOnLettersAndARunTimeFailureSaysWhyBesideTheField)
     search->clear();
     replace->clear();
     clickRadio(control<QAbstractButton>("snr_type_1_0"));
+    EXPECT_NO_SURPRISES();
+}
+
+// Two cameras' pictures merged in the order they were taken: the box reads
+// the dates taken, the column says so and shows them, its header orders by
+// them, the names carry them, and the box is part of the rule.
+TEST_F(Window, DatesTakenPutTwoCamerasPicturesInTheOrderTheyWereTaken)
+{
+    QImage picture(16, 16, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    const std::pair<const char *, const char *> shots[] = {
+        {"IMG_0001.jpg", "2021:05:01 10:00:00"}, {"IMG_0002.jpg", "2021:05:01 10:20:00"}, {"DSC_0001.jpg", "2021:05:01 10:10:00"}};
+    for (const auto &[name, taken] : shots) {
+        const QString path = folder.filePath(QString::fromLatin1(name));
+        ASSERT_TRUE(picture.save(path, "JPEG"));
+        ASSERT_EQ(QProcess::execute(QStringLiteral("exiftool"), {"-q", "-overwrite_original",
+                                                                 QStringLiteral("-DateTimeOriginal=%1").arg(QLatin1String(taken)), path}),
+                  0);
+    }
+    showWindowAt(1060);
+    listFolder(folder.path());
+    control<QLineEdit>("prefix")->setText(QStringLiteral("«date %H.%M» «#» "));
+    control<QComboBox>("prefix_date_to_use")->setCurrentIndex(1); // the creation date
+    QHeaderView *header = fileTable()->horizontalHeader();
+    const auto title = [header] { return header->model()->headerData(FileTableModel::Creation, Qt::Horizontal).toString(); };
+    EXPECT_EQ(title(), QStringLiteral("Created"));
+
+    auto *box = control<QAbstractButton>("dates_taken");
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(4, box->height() / 2));
+    ASSERT_TRUE(waitFor([&] { return title() == QLatin1String("Date taken"); }));
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      QPoint(header->sectionViewportPosition(FileTableModel::Creation) + 10, 5));
+    const QStringList inOrder = {"IMG_0001.jpg", "DSC_0001.jpg", "IMG_0002.jpg"};
+    ASSERT_TRUE(waitFor([&] { return column(FileTableModel::Original) == inOrder; }))
+        << column(FileTableModel::Original).join(u' ').toStdString();
+    EXPECT_EQ(column(FileTableModel::Creation),
+              QStringList({"2021-05-01 10:00:00", "2021-05-01 10:10:00", "2021-05-01 10:20:00"}));
+    ASSERT_TRUE(waitFor([] {
+        return column(FileTableModel::New) == QStringList({"10.00 1 IMG_0001.jpg", "10.10 2 DSC_0001.jpg", "10.20 3 IMG_0002.jpg"});
+    })) << column(FileTableModel::New).join(u'|').toStdString();
+    EXPECT_TRUE(RuleForm::rule(application->form()).datesTaken);
+    screenshot(QStringLiteral("window-dates-taken.png"));
+
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(4, box->height() / 2));
+    ASSERT_TRUE(waitFor([&] { return title() == QLatin1String("Created"); }));
+    EXPECT_NE(column(FileTableModel::Creation).first(), QStringLiteral("2021-05-01 10:00:00")) << "the files' own dates again";
+    control<QLineEdit>("prefix")->clear();
+    control<QComboBox>("prefix_date_to_use")->setCurrentIndex(0);
+    header->setSortIndicator(FileTableModel::Original, Qt::AscendingOrder);
     EXPECT_NO_SURPRISES();
 }
 

@@ -2,7 +2,13 @@
 // table and the JSON are compared with checked-in expectations, temporary
 // paths replaced by ROOT. NOMEN_WRITE_GOLDEN=1 rewrites them for review.
 
+#include "TestPrinting.h"
+
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
 #include <QFile>
 #include <QProcess>
 #include <QSet>
@@ -33,12 +39,14 @@ protected:
             file.write(path);
         }
     }
-    CliRun cli(const QStringList &arguments)
+    CliRun cli(const QStringList &arguments, const QString &zone = QString())
     {
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_DATA_HOME"), data.path());
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), data.path());
+        if (!zone.isEmpty())
+            environment.insert(QStringLiteral("TZ"), zone);
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(tree.path());
         process.start(QStringLiteral(NOMEN_CLI_PATH), arguments);
@@ -187,6 +195,88 @@ TEST_F(Cli, NamesInEveryScript)
     EXPECT_TRUE(failing.out.contains(R"("from": "ROOT/Script/ΟΔΟΣ 0.jpg", "to": "ROOT/Script/ΟΔΟΣ 0.jpg", "status": "unchanged", )"
                                      R"("reason": "Perl: Illegal modulus zero")")) << failing.out.toStdString();
     EXPECT_TRUE(QFile::exists(folder + QStringLiteral("/📷2.jpg"))) << "the other rows are renamed";
+}
+
+// The date each file was taken as exiftool reads it in that time zone: a
+// photograph's DateTimeOriginal or CreateDate as its camera's clock read, a
+// phone's own clock in a recording, else QuickTime's creation time (UTC,
+// shown in local time); none for QuickTime's zero date.
+QMap<QString, QString> exiftoolDates(const QString &folder, const QString &zone)
+{
+    QProcess exiftool;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TZ"), zone);
+    exiftool.setProcessEnvironment(environment);
+    exiftool.start(QStringLiteral("exiftool"), {"-api", "QuickTimeUTC", "-j", "-G", "-d", "%Y-%m-%d %H.%M.%S", "-EXIF:DateTimeOriginal",
+                                                "-EXIF:CreateDate", "-Keys:CreationDate", "-QuickTime:CreateDate", folder});
+    exiftool.waitForFinished(60000);
+    QMap<QString, QString> dates;
+    for (const QJsonValue &file : QJsonDocument::fromJson(exiftool.readAllStandardOutput()).array()) {
+        const QJsonObject tags = file.toObject();
+        for (const char *tag : {"EXIF:DateTimeOriginal", "EXIF:CreateDate", "QuickTime:CreationDate", "QuickTime:CreateDate"}) {
+            const QString date = tags.value(QLatin1String(tag)).toString();
+            if (!date.isEmpty() && date.left(4).toInt() > 1904) {
+                dates.insert(QFileInfo(tags.value("SourceFile").toString()).fileName(), date);
+                break;
+            }
+        }
+    }
+    return dates;
+}
+
+// Each row's date as nomen-cli gives it, by file name.
+QMap<QString, QString> namedDates(const QString &table)
+{
+    static const QRegularExpression row(QStringLiteral("^rename +ROOT/Dates/(\\S+) -> (\\d{4}-\\d\\d-\\d\\d \\d\\d\\.\\d\\d\\.\\d\\d) "),
+                                        QRegularExpression::MultilineOption);
+    QMap<QString, QString> dates;
+    for (auto match = row.globalMatch(table); match.hasNext();) {
+        const QRegularExpressionMatch found = match.next();
+        dates.insert(found.captured(1), found.captured(2));
+    }
+    return dates;
+}
+
+// Photographs and recordings of every format people shoot in, made by the
+// tools that make them, read in two time zones: each date is exiftool's,
+// and a file without a readable date keeps its own creation date.
+TEST_F(Cli, DatesTakenAsExiftoolReadsThemInEveryZone)
+{
+    const QString folder = tree.filePath("Dates");
+    QProcess make;
+    make.start(QStringLiteral(NOMEN_TEST_DATA "/dates/make-fixtures.sh"), {folder});
+    ASSERT_TRUE(make.waitForFinished(120000));
+    ASSERT_EQ(make.exitCode(), 0) << make.readAllStandardError().toStdString();
+    const QStringList rule = {"--date-source", "created", "--prefix", "«date %Y-%m-%d %H.%M.%S» ", folder};
+    for (const QString zone : {"UTC", "America/Los_Angeles"}) {
+        const QMap<QString, QString> expected = exiftoolDates(folder, zone);
+        ASSERT_GE(expected.size(), 23) << zone.toStdString();
+        const QMap<QString, QString> taken = namedDates(cli(QStringList{"--exif"} + rule, zone).out);
+        const QMap<QString, QString> own = namedDates(cli(rule, zone).out);
+        ASSERT_EQ(taken.size(), 27) << zone.toStdString();
+        for (auto file = taken.cbegin(); file != taken.cend(); ++file)
+            EXPECT_EQ(file.value(), expected.value(file.key(), own.value(file.key())))
+                << file.key().toStdString() << " in " << zone.toStdString();
+        // The rows of the table that started this, as the camera's clock read.
+        EXPECT_EQ(taken.value("jpeg_offset_east.jpg"), "2019-07-04 01.30.00");
+        EXPECT_EQ(taken.value("jpeg_new_years_eve.jpg"), "2021-12-31 23.15.00");
+        EXPECT_EQ(taken.value("heic_phone.heic"), "2023-04-05 06.07.08");
+        EXPECT_EQ(taken.value("mov_phone.mov"), "2022-09-10 13.12.13");
+        for (const char *undated : {"jpeg_no_date.jpg", "jpeg_damaged.jpg", "mp4_no_date.mp4", "notes.txt"})
+            EXPECT_FALSE(expected.contains(undated)) << undated;
+    }
+    EXPECT_EQ(namedDates(cli({"--date-taken", "--date-source", "created", "--prefix", "«date %Y-%m-%d %H.%M.%S» ", folder}, "UTC")
+                             .out)
+                  .value("mp4_utc.mp4"),
+              "2022-09-10 11.12.13");
+    // The offset recorded beside a date is what %z shows.
+    const QString zones = cli({"--exif", "--date-source", "created", "--prefix", "«date %z» ", folder}, "America/Los_Angeles").out;
+    EXPECT_TRUE(zones.contains("ROOT/Dates/jpeg_offset_east.jpg -> +0900 ")) << zones.toStdString();
+    EXPECT_TRUE(zones.contains("ROOT/Dates/mov_phone.mov -> +0200 ")) << zones.toStdString();
+    EXPECT_TRUE(zones.contains("ROOT/Dates/jpeg_original.jpg -> -0700 ")) << "none recorded: the local one";
+    // A saved rule keeps the choice.
+    ASSERT_EQ(cli(QStringList{"--exif", "--save-rule", "Taken"} + rule.mid(0, 4)).exitCode, 0);
+    EXPECT_EQ(cli({"--rule", "Taken", folder}, "UTC").out, cli(QStringList{"--exif"} + rule, "UTC").out);
 }
 
 TEST_F(Cli, AFolderNamedInBytesThatAreNotUtf8IsFound)
