@@ -53,10 +53,12 @@ Failure flushFolder(const QByteArray &folder)
 }
 
 // Extended attributes go with the copy. Those of the user must arrive, or
-// the copy fails; the system's own (security, trusted, ACLs) are copied
-// where the destination allows it.
-Failure copyAttributes(const QByteArray &from, const QByteArray &to)
+// the copy fails, unless the caller leaves behind what the destination
+// cannot hold; the system's own (security, trusted, ACLs) are copied where
+// the destination allows it.
+Failure copyAttributes(const QByteArray &from, const QByteArray &to, const Options &options)
 {
+    QList<QByteArray> leftBehind;
     QByteArray names(1024, '\0');
     ssize_t length;
     while ((length = llistxattr(from.constData(), names.data(), size_t(names.size()))) < 0 && errno == ERANGE)
@@ -78,10 +80,17 @@ Failure copyAttributes(const QByteArray &from, const QByteArray &to)
         if (lsetxattr(to.constData(), name.constData(), value.constData(), size_t(size), 0) == 0)
             continue;
         const int error = errno;
-        const bool optional = !name.startsWith("user.") && (error == EPERM || error == ENOTSUP || error == EACCES);
-        if (!optional)
-            return failed(error, QStringLiteral("cannot keep the extended attribute %1 on").arg(QString::fromLatin1(name)), to);
+        const bool cannotHold = error == EPERM || error == ENOTSUP || error == EACCES || error == E2BIG || error == ENOSPC;
+        if (cannotHold && !name.startsWith("user."))
+            continue;
+        if (cannotHold && options.attributesLeftBehind) {
+            leftBehind.append(name);
+            continue;
+        }
+        return failed(error, QStringLiteral("cannot keep the extended attribute %1 on").arg(QString::fromLatin1(name)), to);
     }
+    if (!leftBehind.isEmpty())
+        options.attributesLeftBehind(from, leftBehind);
     return {};
 }
 
@@ -178,9 +187,9 @@ Failure copyLink(const QByteArray &from, const QByteArray &to, const struct stat
     return {};
 }
 
-Failure copyTree(const QByteArray &from, const QByteArray &to, bool flush);
+Failure copyTree(const QByteArray &from, const QByteArray &to, bool flush, const Options &options);
 
-Failure copyFolder(const QByteArray &from, const QByteArray &to, bool flush)
+Failure copyFolder(const QByteArray &from, const QByteArray &to, bool flush, const Options &options)
 {
     if (mkdir(to.constData(), 0700) != 0)
         return failed(errno, QStringLiteral("cannot create"), to);
@@ -193,7 +202,7 @@ Failure copyFolder(const QByteArray &from, const QByteArray &to, bool flush)
         const QByteArray name(entry->d_name);
         if (name == "." || name == "..")
             continue;
-        if ((failure = copyTree(from + '/' + name, to + '/' + name, flush)))
+        if ((failure = copyTree(from + '/' + name, to + '/' + name, flush, options)))
             break;
         errno = 0;
     }
@@ -206,7 +215,7 @@ Failure copyFolder(const QByteArray &from, const QByteArray &to, bool flush)
 // Copies an item with everything in it; the destination must not exist.
 // With `flush`, every file and folder of the copy is on disk before the
 // answer.
-Failure copyTree(const QByteArray &from, const QByteArray &to, bool flush)
+Failure copyTree(const QByteArray &from, const QByteArray &to, bool flush, const Options &options)
 {
     struct stat info;
     if (lstat(from.constData(), &info) != 0)
@@ -217,11 +226,11 @@ Failure copyTree(const QByteArray &from, const QByteArray &to, bool flush)
     else if (S_ISREG(info.st_mode))
         failure = copyContents(from, to, flush);
     else if (S_ISDIR(info.st_mode))
-        failure = copyFolder(from, to, flush);
+        failure = copyFolder(from, to, flush, options);
     else
         failure = failed(ENOTSUP, QStringLiteral("cannot copy this kind of item:"), from);
     if (!failure && !S_ISLNK(info.st_mode))
-        failure = copyAttributes(from, to);
+        failure = copyAttributes(from, to, options);
     if (!failure)
         failure = copyOwnerAndMode(to, info);
     if (!failure)
@@ -285,7 +294,7 @@ Result moveAcross(const QByteArray &from, const QByteArray &to, const Options &o
     struct stat existing;
     if (lstat(to.constData(), &existing) == 0)
         return {EEXIST, {}, false};
-    Failure failure = copyTree(from, to, true);
+    Failure failure = copyTree(from, to, true, options);
     if (!failure)
         failure = flushFolder(PathNames::folderOf(to));
     if (!failure && options.copied)
@@ -340,7 +349,7 @@ QByteArray freeNameBeside(const QByteArray &path, const char *purpose)
 // The copy is made under a hidden name beside its destination and takes
 // the destination's name only when whole, so an interrupted copy is never
 // mistaken for a complete one.
-Result copy(const QByteArray &from, const QByteArray &to)
+Result copy(const QByteArray &from, const QByteArray &to, const Options &options)
 {
     if (from.isEmpty() || to.isEmpty())
         return {ENOENT, {}, false};
@@ -350,7 +359,7 @@ Result copy(const QByteArray &from, const QByteArray &to)
     const QByteArray staging = freeNameBeside(to, "copying");
     if (staging.isEmpty())
         return {EEXIST, {}, false};
-    Failure failure = copyTree(from, staging, false);
+    Failure failure = copyTree(from, staging, false, options);
     if (!failure) {
         const Result placed = move(staging, to);
         if (placed.error)

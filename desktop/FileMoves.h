@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <functional>
 
@@ -31,6 +32,11 @@ struct Options {
     // the original is removed: answer 0 to go on, or an errno value to give
     // up (the copy is removed and the original kept).
     std::function<int(const QByteArray &copy)> copied;
+    // What becomes of the user's extended attributes (user.*) that the
+    // destination cannot hold (a FAT stick holds none): unset, the copy
+    // fails; set, they are left behind, as cp -a leaves them, and each
+    // item's are told here with the item they were on.
+    std::function<void(const QByteArray &item, const QList<QByteArray> &names)> attributesLeftBehind;
 };
 
 Result move(const QString &from, const QString &to, const Options &options = {});
@@ -42,7 +48,7 @@ Result move(const QByteArray &from, const QByteArray &to, const Options &options
 // allow) to a destination that must not exist. The copy is made under a
 // hidden name beside the destination and renamed when whole; one that fails
 // part way is removed again.
-Result copy(const QByteArray &from, const QByteArray &to);
+Result copy(const QByteArray &from, const QByteArray &to, const Options &options = {});
 // A hidden name beside `path` that nothing has yet, for an item while it is
 // made; "" when none is found.
 QByteArray freeNameBeside(const QByteArray &path, const char *purpose);

@@ -8,6 +8,7 @@
 #include "PathConversion.h"
 #include "PathNames.h"
 #include "StringAdditions.h"
+#include "SystemLog.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -85,9 +86,25 @@ QString newPathFor(const QString &source, const QString &destination, Transfer k
     return destination;
 }
 
+// As cp -a does: an item goes where it is sent even when the destination
+// cannot hold some of its extended attributes; the log says which stayed
+// behind.
+const FileMoves::Options &asCopyDoes()
+{
+    static const FileMoves::Options options = [] {
+        FileMoves::Options made;
+        made.attributesLeftBehind = [](const QByteArray &item, const QList<QByteArray> &names) {
+            SystemLog::write(QStringLiteral("\"%1\" went without the extended attributes its new file system cannot hold: %2")
+                                 .arg(PathCodec::decode(item), QString::fromLatin1(names.join(", "))));
+        };
+        return made;
+    }();
+    return options;
+}
+
 bool put(const QByteArray &from, const QByteArray &to, Transfer kind)
 {
-    return (kind == Transfer::Move ? FileMoves::move(from, to) : FileMoves::copy(from, to)).error == 0;
+    return (kind == Transfer::Move ? FileMoves::move(from, to, asCopyDoes()) : FileMoves::copy(from, to, asCopyDoes())).error == 0;
 }
 
 // The new item is made beside the old one under a free hidden name, then
@@ -104,7 +121,7 @@ bool replaceWith(const QByteArray &from, const QByteArray &to, Transfer kind)
     if (FileMoves::remove(to).error == 0 && ::rename(staging.constData(), to.constData()) == 0)
         return true;
     if (kind == Transfer::Move)
-        FileMoves::move(staging, from);
+        FileMoves::move(staging, from, asCopyDoes());
     else
         FileMoves::remove(staging);
     return false;
@@ -140,6 +157,11 @@ bool transfer(const QString &sourcePath, const QString &destinationPath, bool re
         return false;
     const auto canonical = canonicalItem(to);
     if (!canonical || isProtected(*canonical))
+        return false;
+    // Nor is the folder that holds the source replaced: it would go with
+    // everything else in it.
+    const auto canonicalSource = canonicalItem(from);
+    if (!canonicalSource || canonicalSource->startsWith(*canonical + '/') || *canonical == "/")
         return false;
     return replaceWith(from, *canonical, kind);
 }
@@ -180,15 +202,23 @@ bool ROZ_MiscMethods::writeToFile(const QString &path, const QString &content, b
                                   const QString &fileType, bool randomize)
 {
     const QString posix = pathPOSIX(path);
-    QByteArray bytes = content.toUtf8();
-    if (append && itemExists(posix)) {
-        // What is there stays byte for byte, whatever its encoding.
-        const auto existing = FileBytes::read(posix);
-        if (!existing.bytes)
-            return false;
-        bytes.prepend(*existing.bytes);
-    }
-    if (!FileBytes::replaceContents(posix, bytes).isEmpty())
+    const QByteArray encoded = PathCodec::encode(posix);
+    struct stat info;
+    const bool exists = !encoded.isEmpty() && ::stat(encoded.constData(), &info) == 0;
+    if (exists && S_ISDIR(info.st_mode))
+        return false;
+    // An append goes at the end of the file itself, and so does a write to
+    // what is not a plain file of one name (a pipe, a device, a file with
+    // hard links): they stay what they are. A plain file is replaced in one
+    // step, keeping its permissions and attributes.
+    QString failure;
+    if (exists && append)
+        failure = FileBytes::writeInPlace(posix, content.toUtf8(), FileBytes::InPlace::Append);
+    else if (exists && (!S_ISREG(info.st_mode) || info.st_nlink > 1))
+        failure = FileBytes::writeInPlace(posix, content.toUtf8(), FileBytes::InPlace::Overwrite);
+    else
+        failure = FileBytes::replaceContents(posix, content.toUtf8());
+    if (!failure.isEmpty())
         return false;
     if (!ROZ_NSStringAdditions::isBlankString(creatorCode))
         setCreatorCode(posix, creatorCode);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace FileBytes {
@@ -35,10 +36,56 @@ QString writeAll(int fd, const QByteArray &bytes, const QByteArray &name)
             return failed(name, written < 0 ? errno : EIO);
         done += written;
     }
-    return ::fsync(fd) == 0 ? QString() : failed(name, errno);
+    // A pipe or a device cannot be flushed, and need not be.
+    return ::fsync(fd) == 0 || errno == EINVAL || errno == EROFS ? QString() : failed(name, errno);
+}
+
+// The extended attributes of the file being replaced, onto its new file.
+QString copyAttributes(const QByteArray &from, int to, const QByteArray &name)
+{
+    QByteArray names(1024, '\0');
+    ssize_t length;
+    while ((length = ::listxattr(from.constData(), names.data(), size_t(names.size()))) < 0 && errno == ERANGE)
+        names.resize(names.size() * 4);
+    if (length < 0)
+        return errno == ENOTSUP ? QString() : failed(from, errno);
+    for (const QByteArray &attribute : names.left(length).split('\0')) {
+        if (attribute.isEmpty())
+            continue;
+        QByteArray value(256, '\0');
+        ssize_t size;
+        while ((size = ::getxattr(from.constData(), attribute.constData(), value.data(), size_t(value.size()))) < 0
+               && errno == ERANGE)
+            value.resize(value.size() * 4);
+        if (size < 0 && errno == ENODATA)
+            continue;
+        // Attributes of the system (security labels, ACLs) that a user may
+        // not set are left to the system.
+        if (size < 0 || (::fsetxattr(to, attribute.constData(), value.constData(), size_t(size), 0) != 0
+                         && (attribute.startsWith("user.") || (errno != EPERM && errno != ENOTSUP && errno != EACCES))))
+            return failed(name, errno);
+    }
+    return QString();
 }
 
 } // namespace
+
+QString writeInPlace(const QString &path, const QByteArray &bytes, InPlace how)
+{
+    const QByteArray target = PathCodec::encode(path);
+    if (target.isEmpty())
+        return failed(target, ENOENT);
+    // Without a reader a pipe refuses at once (ENXIO) instead of waiting.
+    const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | (how == InPlace::Append ? O_APPEND : O_TRUNC);
+    const int fd = ::open(target.constData(), flags, 0666);
+    if (fd < 0)
+        return failed(target, errno);
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    QString error = writeAll(fd, bytes, target);
+    if (::close(fd) != 0 && error.isEmpty() && errno != EINTR)
+        error = failed(target, errno);
+    return error;
+}
 
 QString replaceContents(const QString &path, const QByteArray &bytes)
 {
@@ -71,7 +118,11 @@ QString replaceContents(const QString &path, const QByteArray &bytes)
     }
     if (fd < 0)
         return failed(PathNames::folderOf(target), EEXIST);
-    QString error = !existed || ::fchmod(fd, info.st_mode & 07777) == 0 ? writeAll(fd, bytes, target) : failed(target, errno);
+    QString error = !existed || ::fchmod(fd, info.st_mode & 07777) == 0 ? QString() : failed(target, errno);
+    if (error.isEmpty() && existed)
+        error = copyAttributes(target, fd, target);
+    if (error.isEmpty())
+        error = writeAll(fd, bytes, target);
     if (::close(fd) != 0 && error.isEmpty() && errno != EINTR)
         error = failed(target, errno);
     if (error.isEmpty() && ::rename(temporary.constData(), target.constData()) != 0)

@@ -9,7 +9,11 @@
 #include <QTemporaryDir>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <memory>
+#include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -113,11 +117,21 @@ TEST_F(FileOperations, ReplacingLosesOnlyTheReplacedItem)
     EXPECT_FALSE(M::copyItem(path("c/x.txt"), path("c/x.txt"), true));
     EXPECT_EQ(contentsOf(path("c/x.txt")), "x");
 
-    // A file replacing the folder that holds it: the file survives.
-    ASSERT_TRUE(QDir(path("a")).mkdir("x"));
-    write(path("a/x/x"), "inner");
-    EXPECT_TRUE(M::moveItem(path("a/x/x"), path("a/x"), true));
-    EXPECT_EQ(contentsOf(path("a/x")), "inner");
+    // The folder that holds the source is never replaced: it would go with
+    // everything in it.
+    ASSERT_TRUE(QDir(path("photos")).mkpath("."));
+    for (const char *name : {"p1.jpg", "p2.jpg", "p3.jpg"})
+        write(path("photos/") + name, name);
+    EXPECT_FALSE(M::copyItem(path("photos/p1.jpg"), path("photos"), true));
+    EXPECT_FALSE(M::moveItem(path("photos/p1.jpg"), path("photos"), true));
+    ASSERT_TRUE(QDir(path("projects/s")).mkpath("deep"));
+    write(path("projects/s/deep/plan.txt"), "plan");
+    write(path("projects/other.txt"), "other");
+    EXPECT_FALSE(M::moveItem(path("projects/s"), path("projects"), true)) << "\"projects\" ends with the name \"s\"";
+    EXPECT_FALSE(M::copyItem(path("projects/s/deep"), path("projects/s/../s/"), true));
+    EXPECT_EQ(entries("photos"), (QStringList{"p1.jpg", "p2.jpg", "p3.jpg"}));
+    EXPECT_EQ(entries("projects"), (QStringList{"other.txt", "s"}));
+    EXPECT_EQ(contentsOf(path("projects/s/deep/plan.txt")), "plan");
 
     // A folder is never copied into itself.
     EXPECT_FALSE(M::copyItem(path("b"), path("b/x.txt/b"), false));
@@ -148,6 +162,45 @@ TEST_F(FileOperations, ReplacingAcrossFileSystemsLosesOnlyTheReplacedItem)
     EXPECT_EQ(entries("a"), QStringList{"album"}) << "the copy's source stays, the moved file went";
     EXPECT_EQ(QDir(there.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               (QStringList{"album", "x.txt"}));
+}
+
+// A download moved or copied to a file system that holds no extended
+// attributes (as FAT holds none) arrives without them, as cp -a does it,
+// and the log names what stayed behind.
+TEST_F(FileOperations, WhatADestinationCannotHoldStaysBehindAndIsLogged)
+{
+    QTemporaryDir stick;
+    if (geteuid() != 0 || mount("ramfs", bytes(stick.path()).constData(), "ramfs", 0, nullptr) != 0)
+        GTEST_SKIP() << "a file system without extended attributes is mounted only by root";
+    const std::unique_ptr<QTemporaryDir, void (*)(QTemporaryDir *)> unmount(&stick, [](QTemporaryDir *mounted) {
+        umount2(bytes(mounted->path()).constData(), MNT_DETACH);
+    });
+    ASSERT_TRUE(QDir(path("a")).mkpath("album"));
+    for (const char *name : {"a/download.pdf", "a/album/photo.jpg"}) {
+        write(path(QString::fromLatin1(name)), name);
+        ASSERT_EQ(setxattr(bytes(path(QString::fromLatin1(name))).constData(), "user.xdg.origin.url", "https://e.org/", 14, 0), 0);
+    }
+    const QString log = folder.filePath(QStringLiteral("log.txt"));
+    const int savedError = dup(STDERR_FILENO);
+    const int logged = open(bytes(log).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    dup2(logged, STDERR_FILENO);
+    close(logged);
+    const bool moved = M::moveItem(path("a/download.pdf"), stick.path(), false);
+    const bool copied = M::copyItem(path("a/album"), stick.path() + u'/', false);
+    fflush(stderr);
+    dup2(savedError, STDERR_FILENO);
+    close(savedError);
+
+    EXPECT_TRUE(moved);
+    EXPECT_TRUE(copied);
+    EXPECT_EQ(contentsOf(stick.filePath("download.pdf")), "a/download.pdf");
+    EXPECT_EQ(contentsOf(stick.filePath("album/photo.jpg")), "a/album/photo.jpg");
+    EXPECT_FALSE(exists(path("a/download.pdf")));
+    const QString written = QString::fromUtf8(contentsOf(log));
+    EXPECT_TRUE(written.contains(path("a/download.pdf") + QStringLiteral("\" went without the extended attributes its new file "
+                                                                           "system cannot hold: user.xdg.origin.url")))
+        << written.toStdString();
+    EXPECT_TRUE(written.contains(path("a/album/photo.jpg"))) << written.toStdString();
 }
 
 // The root, the home folder and what holds it are never removed or
@@ -201,6 +254,51 @@ TEST_F(FileOperations, WritesAreWholeAndAppendsKeepEveryEarlierByte)
     EXPECT_FALSE(M::writeToFile(path("a/x.txt/inside"), QStringLiteral("no"), false, QString(), QString(), false));
     EXPECT_FALSE(M::writeToFile(path("b"), QStringLiteral("no"), false, QString(), QString(), false)) << "a folder";
     EXPECT_EQ(entries("b"), (QStringList{"notes.txt", "shortcut"})) << "no temporary file is left";
+}
+
+// What is written goes into the file itself wherever it must stay what it
+// is: an append keeps every attribute (the creator code just set among
+// them), a file with two names shows the text under both, a pipe gets it
+// when someone reads it; a plain file replaced in one step keeps them too.
+TEST_F(FileOperations, WritesKeepTheFilesAttributesLinksAndKind)
+{
+    const QString notes = path("b/notes.txt");
+    write(notes, "one\n");
+    ASSERT_EQ(setxattr(bytes(notes).constData(), "user.xdg.origin.url", "https://example.org/n", 21, 0), 0);
+    EXPECT_TRUE(M::writeToFile(notes, QStringLiteral("two\n"), true, "ttxt", "TEXT", false));
+    EXPECT_TRUE(M::writeToFile(notes, QStringLiteral("three\n"), true, QString(), QString(), false));
+    EXPECT_EQ(contentsOf(notes), "one\ntwo\nthree\n");
+    EXPECT_EQ(M::returnCreatorCode(notes), QStringLiteral("ttxt")) << "an append keeps the code it was given";
+    char url[64] = {};
+    EXPECT_EQ(getxattr(bytes(notes).constData(), "user.xdg.origin.url", url, sizeof url), 21);
+
+    EXPECT_TRUE(M::writeToFile(notes, QStringLiteral("replaced"), false, QString(), QString(), false));
+    EXPECT_EQ(contentsOf(notes), "replaced");
+    EXPECT_EQ(getxattr(bytes(notes).constData(), "user.xdg.origin.url", url, sizeof url), 21) << "a replaced file keeps them";
+    EXPECT_EQ(M::returnFileType(notes), QStringLiteral("TEXT"));
+
+    ASSERT_EQ(link(bytes(notes).constData(), bytes(path("b/other name")).constData()), 0);
+    EXPECT_TRUE(M::writeToFile(notes, QStringLiteral("both"), false, QString(), QString(), false));
+    EXPECT_TRUE(M::writeToFile(notes, QStringLiteral(" names"), true, QString(), QString(), false));
+    EXPECT_EQ(contentsOf(path("b/other name")), "both names");
+
+    const QString pipe = path("b/pipe");
+    ASSERT_EQ(mkfifo(bytes(pipe).constData(), 0600), 0);
+    EXPECT_FALSE(M::writeToFile(pipe, QStringLiteral("nobody reads"), false, QString(), QString(), false));
+    QByteArray heard;
+    std::thread reader([&] { heard = contentsOf(pipe); });
+    bool written = false;
+    for (int attempt = 0; attempt < 200 && !written; ++attempt) {
+        written = M::writeToFile(pipe, QStringLiteral("heard"), true, QString(), QString(), false);
+        if (!written)
+            usleep(5000); // until the reader has the pipe open
+    }
+    reader.join();
+    EXPECT_TRUE(written);
+    EXPECT_EQ(heard, "heard");
+    struct stat info;
+    ASSERT_EQ(lstat(bytes(pipe).constData(), &info), 0);
+    EXPECT_TRUE(S_ISFIFO(info.st_mode)) << "still a pipe";
 }
 
 TEST_F(FileOperations, FolderChainsAndFreeNames)
