@@ -1,7 +1,6 @@
 #include "DesktopMethods.h"
 
 #include "Alerts.h"
-#include "DictionaryAdditions.h"
 #include "MiscMethods.h"
 #include "NativeBinding.h"
 
@@ -109,7 +108,7 @@ void registerFileOperations(MethodRegistry &registry)
     addClassMethod(registry, C, QStringLiteral("returnUniquePath:"), &M::returnUniquePath);
     addClassMethod(registry, C, QStringLiteral("returnAppPath:"), &M::returnAppPath);
     addClassMethod(registry, C, QStringLiteral("returnAppPathFromBundleID:"), &M::returnAppPathFromBundleID);
-    addClassMethod(registry, C, QStringLiteral("osType:"), &ROZ_NSDictionaryAdditions::osType);
+    addClassMethod(registry, C, QStringLiteral("osType:"), &M::osType);
 }
 
 } // namespace

@@ -172,4 +172,57 @@ QString defaultForScheme(const QString &scheme)
     return identifierOf(info.get());
 }
 
+QString execWord(const QString &program)
+{
+    QString quoted = QStringLiteral("\"");
+    for (const QChar c : program) {
+        if (c == u'"' || c == u'`' || c == u'$' || c == u'\\')
+            quoted += u'\\';
+        quoted += c == u'%' ? QStringLiteral("%%") : QString(c);
+    }
+    quoted += u'"';
+    // GIO looks for the program before it turns "%%" back into "%", so a
+    // path holding "%" is started through env, which it finds.
+    if (program.contains(u'%'))
+        quoted.prepend(QStringLiteral("env "));
+    // The value is a string of the file: its backslashes doubled again.
+    QString written;
+    for (const QChar c : quoted)
+        written += c == u'\\' ? QStringLiteral("\\\\") : c == u'\n' ? QStringLiteral("\\n") : c == u'\t' ? QStringLiteral("\\t")
+                   : c == u'\r' ? QStringLiteral("\\r") : QString(c);
+    return written;
+}
+
+QString programOfExec(const QString &line)
+{
+    QString value;
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        if (line[i] != u'\\' || i + 1 == line.size()) {
+            value += line[i];
+            continue;
+        }
+        const QChar next = line[++i];
+        value += next == u's' ? u' ' : next == u'n' ? u'\n' : next == u't' ? u'\t' : next == u'r' ? u'\r' : next;
+    }
+    // The words, quoted ones with their escapes undone.
+    QStringList words;
+    for (qsizetype i = 0; i < value.size();) {
+        if (value[i] == u' ') {
+            ++i;
+            continue;
+        }
+        QString word;
+        if (value[i] == u'"') {
+            for (++i; i < value.size() && value[i] != u'"'; ++i)
+                word += value[i] == u'\\' && i + 1 < value.size() ? value[++i] : value[i];
+            ++i;
+        } else {
+            for (; i < value.size() && value[i] != u' '; ++i)
+                word += value[i];
+        }
+        words.append(word.replace(QStringLiteral("%%"), QStringLiteral("%")));
+    }
+    return words.value(words.value(0) == QLatin1String("env") ? 1 : 0);
+}
+
 } // namespace DesktopEntries

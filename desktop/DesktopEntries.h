@@ -36,4 +36,13 @@ QString defaultForFile(const QString &path);
 QString defaultForContentType(const QString &type);
 QString defaultForScheme(const QString &scheme);
 
+// A program's path as the first word of an Exec line, as a desktop entry
+// file holds it: in double quotes with ", `, $ and \ escaped, % doubled,
+// and then the file's own escapes for backslashes and line breaks, so any
+// path starts as itself (one holding "%" through env, for GIO's sake).
+QString execWord(const QString &program);
+// The program an Exec line (as the file holds it) starts: its first word
+// (the second after env), every escape undone.
+QString programOfExec(const QString &line);
+
 } // namespace DesktopEntries

@@ -61,9 +61,11 @@ bool setOwnership(const QString &path, const QString &owner, const QString &grou
 {
     const passwd *user = getpwnam(PathCodec::encode(owner).constData());
     const struct group *team = getgrnam(PathCodec::encode(group).constData());
-    if (user && team && chown(PathCodec::encode(path).constData(), user->pw_uid, team->gr_gid) == 0)
+    // The item itself: a link put in its place is changed, never what it
+    // names; and a path beginning with "-" is a path, not an option.
+    if (user && team && lchown(PathCodec::encode(path).constData(), user->pw_uid, team->gr_gid) == 0)
         return true;
-    return runAsAdministrator({QStringLiteral("chown"), owner + u':' + group, path});
+    return runAsAdministrator({QStringLiteral("chown"), QStringLiteral("-h"), owner + u':' + group, QStringLiteral("--"), path});
 }
 
 } // namespace
@@ -178,5 +180,5 @@ bool ROZ_MiscMethods::setItemPermissions(const QString &path, const QVariant &pe
     if (chmod(PathCodec::encode(posix).constData(), mode_t(requested) & 07777) == 0)
         return true;
     // The text form goes to chmod, which reads it as an octal mode.
-    return runAsAdministrator({QStringLiteral("chmod"), QString::number(requested), posix});
+    return runAsAdministrator({QStringLiteral("chmod"), QString::number(requested), QStringLiteral("--"), posix});
 }

@@ -270,6 +270,17 @@ QString ROZ_MiscMethods::returnUniquePath(const QString &path)
     }
 }
 
+quint32 ROZ_MiscMethods::osType(const QString &code)
+{
+    // As four-character codes are read: the first character in the highest
+    // byte ("TEXT" is 0x54455854), a short code filled with spaces.
+    const QByteArray bytes = code.leftJustified(4, u' ', true).toLatin1();
+    quint32 value = 0;
+    for (const char c : bytes)
+        value = (value << 8) | quint8(c);
+    return value;
+}
+
 QString ROZ_MiscMethods::returnAppPath(const QString &)
 {
     // Linux keeps no creator codes, so no application is known by one.

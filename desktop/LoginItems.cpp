@@ -1,3 +1,4 @@
+#include "DesktopEntries.h"
 #include "MiscMethods.h"
 #include "PathCodec.h"
 #include "UserFolders.h"
@@ -23,24 +24,6 @@ QString executable()
     return QFileInfo(QCoreApplication::applicationFilePath()).canonicalFilePath();
 }
 
-// The program an Exec line starts: its first word, quotes removed.
-QString programOf(const QString &exec)
-{
-    const QString line = exec.trimmed();
-    if (line.startsWith(u'"')) {
-        const qsizetype end = line.indexOf(u'"', 1);
-        return line.mid(1, end < 0 ? -1 : end - 1).replace(QStringLiteral("\\\\"), QStringLiteral("\\"));
-    }
-    return line.section(u' ', 0, 0);
-}
-
-QString quotedForExec(const QString &path)
-{
-    QString escaped = path;
-    escaped.replace(u'\\', QStringLiteral("\\\\")).replace(u'"', QStringLiteral("\\\"")).replace(u'$', QStringLiteral("\\$"));
-    return u'"' + escaped + u'"';
-}
-
 } // namespace
 
 bool ROZ_MiscMethods::returnStartupItem()
@@ -62,7 +45,7 @@ bool ROZ_MiscMethods::returnStartupItem()
         const QString key = line.section(u'=', 0, 0).trimmed();
         const QString value = line.section(u'=', 1).trimmed();
         if (key == QLatin1String("Exec"))
-            program = programOf(value);
+            program = DesktopEntries::programOfExec(value);
         else if (key == QLatin1String("Hidden"))
             hidden = value.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0;
     }
@@ -84,7 +67,7 @@ void ROZ_MiscMethods::setStartupItem(bool enabled)
         return;
     const QString entry = QStringLiteral("[Desktop Entry]\nType=Application\nName=Nomen\n"
                                          "Comment=Batch file renamer\nExec=%1\nHidden=false\nTerminal=false\n")
-                              .arg(quotedForExec(executable()));
-    file.write(entry.toUtf8());
+                              .arg(DesktopEntries::execWord(executable()));
+    file.write(PathCodec::encode(entry));
     file.commit();
 }

@@ -68,6 +68,9 @@ public:
     static QVariant makeTargetFolder(const QString &path); // the folder's alias, or NO
     static QString returnUniquePath(const QString &path);  // "report 1.txt" where "report.txt" is taken
     static QString returnAppPath(const QString &creatorCode);
+    // The platform's string-to-type conversion: first character highest.
+    // (The dictionary category's osType: keeps the bytes in memory order.)
+    static quint32 osType(const QString &code);
     static QString returnAppPathFromBundleID(const QString &identifier);
 
     // Processes and applications. Applications are desktop entries; the

@@ -94,6 +94,30 @@ pid_t launch(const QString &launchPath, const QStringList &arguments, const QStr
     return pid;
 }
 
+// How many bytes at the end begin a UTF-8 character that the bytes do not
+// finish: a lead byte within the last three with too few followers.
+qsizetype cutCharacter(QByteArrayView bytes)
+{
+    for (qsizetype back = 1; back <= 3 && back <= bytes.size(); ++back) {
+        const auto c = static_cast<unsigned char>(bytes[bytes.size() - back]);
+        if ((c & 0xC0) == 0x80)
+            continue; // a continuation byte: look further back
+        const qsizetype length = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
+        return length > back ? back : 0;
+    }
+    return 0;
+}
+
+void appendIfUtf8(QString &result, QByteArrayView bytes)
+{
+    if (bytes.isEmpty())
+        return;
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
+    const QString text = decoder.decode(bytes);
+    if (!decoder.hasError())
+        result += text;
+}
+
 // Feeds standard input while reading the output, so a tool that writes a lot
 // before it reads cannot block on a full pipe. Reading ends when every
 // writer has closed the output.
@@ -106,6 +130,7 @@ QString exchange(Pipe &input, Pipe &output, const QByteArray &toSend)
     else
         fcntl(input.write, F_SETFL, fcntl(input.write, F_GETFL) | O_NONBLOCK);
     char buffer[65536];
+    QByteArray carried;
     for (;;) {
         pollfd fds[2] = {{output.read, POLLIN, 0}, {input.write, POLLOUT, 0}};
         const nfds_t count = input.write >= 0 ? 2 : 1;
@@ -129,14 +154,16 @@ QString exchange(Pipe &input, Pipe &output, const QByteArray &toSend)
                 continue;
             if (got <= 0)
                 break;
-            // Each chunk is decoded on its own; one that is not valid UTF-8
-            // by itself is dropped.
-            QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
-            const QString chunk = decoder.decode(QByteArrayView(buffer, got));
-            if (!decoder.hasError())
-                result += chunk;
+            // Each read is decoded on its own and dropped when it is not
+            // UTF-8; a character the read's end cut in two goes on to the
+            // next read, so only output that really is not UTF-8 is lost.
+            carried.append(buffer, got);
+            const qsizetype whole = carried.size() - cutCharacter(carried);
+            appendIfUtf8(result, QByteArrayView(carried).first(whole));
+            carried.remove(0, whole);
         }
     }
+    appendIfUtf8(result, carried);
     return result;
 }
 

@@ -28,7 +28,10 @@ QString quoted(const QString &text)
             out += QStringLiteral("\\t");
             break;
         default:
-            if (c.unicode() < 0x20 || c.isSurrogate())
+            // The line and paragraph separators end a script's string
+            // literal (in the language's versions before 2019) though not a
+            // JSON one: escaped, the text serves both.
+            if (c.unicode() < 0x20 || c.isSurrogate() || c.unicode() == 0x2028 || c.unicode() == 0x2029)
                 out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
             else
                 out += c;

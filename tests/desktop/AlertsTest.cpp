@@ -199,8 +199,9 @@ TEST(Alerts, ASheetAnswersAtOnceAndStaysOnItsWindow)
 TEST(Dialogs, TextsReachTheDialogUnchangedWhateverTheyHold)
 {
     const MethodRegistry methods = buildMethodTable();
-    const QString message = QStringLiteral("He said \"hi\" \\ \n${HOME} `$(rm -rf x)` \");throw 1;(\" <b>bold</b> ") + QChar(0xDC80);
-    const QStringList buttons{QStringLiteral("Save & \"Quit\""), QStringLiteral("\\n"), QStringLiteral("Cancel")};
+    const QString message = QStringLiteral("He said \"hi\" \\ \n${HOME} `$(rm -rf x)` \");throw 1;(\" <b>bold</b> ") + QChar(0xDC80)
+                            + QStringLiteral(" line\u2028paragraph\u2029end");
+    const QStringList buttons{QStringLiteral("Save & \"Quit\""), QStringLiteral("\\n\u2028"), QStringLiteral("Cancel")};
     Seen seen;
     whenABoxOpens(recordAndClick(seen, buttons[0]));
     EXPECT_EQ(M::displayMessageWithTitle(methods, QStringLiteral("Title ${x}"), message, buttons, buttons[1], 2, false),

@@ -279,9 +279,20 @@ TEST_F(AdministratorFallback, AFailedChangeAsksForAdministratorRights)
     const QString file = make(QStringLiteral("f"));
     const QString group = M::returnItemGroup(file);
     EXPECT_TRUE(M::setItemOwner(hfs(file), QStringLiteral("no-such-user")));
-    EXPECT_EQ(asked(), QStringLiteral("chown no-such-user:%1 %2\n").arg(group, file));
+    EXPECT_EQ(asked(), QStringLiteral("chown -h no-such-user:%1 -- %2\n").arg(group, file));
     qputenv("PKEXEC_STATUS", "126"); // the prompt was cancelled
     EXPECT_FALSE(M::setItemGroup(file, QStringLiteral("no-such-group")));
+}
+
+// A path beginning with "-" reaches the helper as a path, after "--".
+TEST_F(AdministratorFallback, APathBeginningWithADashIsAPath)
+{
+    const QString here = QDir::currentPath();
+    QDir::setCurrent(dir.path());
+    make(QStringLiteral("-R"));
+    EXPECT_TRUE(M::setItemOwner(QStringLiteral("-R"), QStringLiteral("no-such-user")));
+    QDir::setCurrent(here);
+    EXPECT_TRUE(asked().endsWith(QStringLiteral(" -- -R\n"))) << asked().toStdString();
 }
 
 TEST_F(AdministratorFallback, APathThatIsNotUtf8ReachesTheHelperByteForByte)
@@ -331,7 +342,7 @@ TEST_F(AdministratorFallback, LockedItemsNeedAdministratorRights)
     EXPECT_TRUE(M::returnItemIsLocked(hfs(file)));
     EXPECT_EQ(M::attributesOfItem(file)->value("NSFileImmutable"), QVariant(true));
     EXPECT_TRUE(M::setItemPermissions(file, 0600)) << "the stand-in answers yes";
-    EXPECT_EQ(asked(), QStringLiteral("chmod 384 %1\n").arg(file)) << "the text form, read as octal by chmod";
+    EXPECT_EQ(asked(), QStringLiteral("chmod 384 -- %1\n").arg(file)) << "the text form, read as octal by chmod";
     setImmutable(file, false);
 }
 

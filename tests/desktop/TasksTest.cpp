@@ -48,6 +48,18 @@ TEST(RunTask, MixesStandardErrorAndDropsOnlyTrailingLineFeeds)
     EXPECT_EQ(run(sh, QStringList{"-c", "printf 'a\\r\\n'"}, std::nullopt), QStringLiteral("a\r"));
 }
 
+// Output arrives in reads of at most 64 KiB; a character a read's end cuts
+// in two is not output that is not UTF-8, so nothing of it is lost. Output
+// that really is not UTF-8 is dropped.
+TEST(RunTask, ACharacterCutByAReadIsKeptAndOnlyBytesThatAreNotUtf8AreDropped)
+{
+    const QString accents = run(QStringLiteral("/usr/bin/perl"),
+                                QStringList{"-CS", "-e", "print 'a' . \"\\x{e9}\" x 100000; print \"\\x{1F4F7}\" x 30000"},
+                                std::nullopt);
+    EXPECT_EQ(accents, QStringLiteral("a") + QString(100000, QChar(0xE9)) + QString::fromUtf8("📷").repeated(30000));
+    EXPECT_EQ(run(sh, QStringList{"-c", "printf 'ok'; sleep 0.1; printf '\\377'"}, std::nullopt), QStringLiteral("ok"));
+}
+
 TEST(RunTask, BlankWorkingDirectoryMeansTheCurrentOne)
 {
     QTemporaryDir dir;

@@ -22,6 +22,18 @@ TEST(NomenScript, AnswersEverySelectorByName)
     EXPECT_TRUE(run.err.contains(QStringLiteral("] a (null) b\n"))) << "log writes to the system log";
 }
 
+// A line or paragraph separator in a dialog's texts ends no string of the
+// dialog's script: the dialog appears and answers.
+TEST(NomenScript, ADialogWhoseTextsHoldLineSeparatorsAppears)
+{
+    const ScriptRun run = nomenScript({QStringLiteral("-e"),
+                                       QStringLiteral("JSON.stringify(callClassMethod('ROZ_MiscMethods', "
+                                                      "'displayMessage:withButtons:withDefaultButton:withIcon:giveUpAfter:', "
+                                                      "['one\\u2028two\\u2029three', ['O\\u2028K'], 'O\\u2028K', 1, 0]))")});
+    EXPECT_EQ(run.out, QStringLiteral("\"O\u2028K\"\n")) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("dialog: : one\u2028two\u2029three [O\u2028K] -> O\u2028K"))) << run.err.toStdString();
+}
+
 // Without a display nobody can answer: each alert and dialog is written to
 // standard error, answered with its default button, and the texts arrive
 // unchanged through the dialog script.
@@ -134,7 +146,8 @@ TEST(NomenScript, AnswersEveryFileItemSelectorByName)
          "isSymbolicLink", "isSocket", "isCharacterSpecial", "isBlockSpecial", "isUnknownType", "isExtensionHidden",
          "hfsCreatorCode", "hfsTypeCode", "isReadOnly", "isAppendOnly"].forEach(function (s) { show(s, callMethod(attrs, s)); });
         show("isType:", callMethod(attrs, "isType:", ["NSFileTypeRegular"]));
-        show("osType:", callClassMethod("NSDictionary", "osType:", ["TXT"]));
+        show("osType:", ["TEXT", "TXT"].map(function (code) {
+            return [callClassMethod("NSDictionary", "osType:", [code]), callClassMethod("ROZ_MiscMethods", "osType:", [code])]; }));
         ["itemExists:", "returnItemName:", "returnItemDisplayedName:", "returnItemExtension:", "returnItemContainer:",
          "returnItemIsLocked:", "returnItemVisiblity:", "returnItemIsFolder:", "returnItemIsPackage:",
          "returnItemIsWritable:", "returnItemUTI:", "returnItemIsImage:", "returnCreatorCode:", "returnFileType:",
