@@ -33,7 +33,7 @@ packages=(
   fonts-dejavu-core libespeak-ng-dev espeak-ng-data
   procps openbox
   qt6-speech-dev qt6-svg-dev
-  desktop-file-utils groff-base
+  desktop-file-utils groff-base appstream
   imagemagick libimage-exiftool-perl libheif-examples ffmpeg jhead
 )
 

@@ -30,7 +30,10 @@ cp "$prefix/share/nomen/translations/ui_en.qm" "$prefix/share/nomen/translations
 german | grep -q -- '-> «JJJJ-MM-TT» a.jpg' || fail "the German table came from outside the prefix: $(german)"
 
 desktop-file-validate "$prefix/share/applications/nomen.desktop" || fail "desktop entry"
-grep -qx 'Categories=Graphics;Utility;' "$prefix/share/applications/nomen.desktop" || fail "categories"
+[[ -z $(desktop-file-validate "$prefix/share/applications/nomen.desktop") ]] || fail "desktop entry hints: one main category"
+grep -qx 'Categories=Utility;FileTools;' "$prefix/share/applications/nomen.desktop" || fail "categories"
+appstreamcli validate --no-net "$prefix/share/metainfo/io.nomen.Nomen.metainfo.xml" >"$work/appstream" 2>&1 ||
+    fail "AppStream metadata: $(cat "$work/appstream")"
 grep -qx 'Exec=nomen %F' "$prefix/share/applications/nomen.desktop" || fail "Exec line"
 
 for page in nomen-cli nomen-script; do

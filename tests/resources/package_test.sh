@@ -20,6 +20,7 @@ for wanted in ./usr/bin/nomen ./usr/bin/nomen-cli ./usr/bin/nomen-script \
     ./usr/share/nomen/main.js ./usr/share/nomen/MainWindow.ui ./usr/share/nomen/Info.plist \
     ./usr/share/nomen/Scripts/perl.scpt ./usr/share/nomen/translations/ui_de.qm \
     ./usr/share/applications/nomen.desktop ./usr/share/icons/hicolor/scalable/apps/nomen.svg \
+    ./usr/share/metainfo/io.nomen.Nomen.metainfo.xml \
     ./usr/share/kio/servicemenus/nomen-rename.desktop ./usr/share/nautilus-python/extensions/nomen-rename.py \
     "./usr/share/nomen/file-managers/Rename with Nomen" \
     ./usr/share/man/man1/nomen-cli.1 ./usr/share/man/man1/nomen-script.1 \
