@@ -6,6 +6,8 @@
 #include "WindowLevels.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -307,18 +309,34 @@ void ROZ_CustomWindow::closeEvent(QCloseEvent *event)
         close();
 }
 
+namespace {
+
+// What a click on the control does: a button's click, a text field's
+// action, a popup's choice.
+void click(QWidget *control)
+{
+    if (!control->isEnabled())
+        return;
+    if (auto *button = qobject_cast<QAbstractButton *>(control))
+        button->click();
+    else if (auto *field = qobject_cast<QLineEdit *>(control))
+        emit field->returnPressed();
+    else if (auto *popup = qobject_cast<QComboBox *>(control))
+        emit popup->activated(popup->currentIndex());
+}
+
+} // namespace
+
 // A disabled control still takes its key, so the key goes nowhere else.
 void ROZ_CustomWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape && m_cancelObject) {
-        if (m_cancelObject->isEnabled())
-            m_cancelObject->click();
+        click(m_cancelObject);
         return;
     }
     const bool returnOrEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (returnOrEnter && m_defaultObject) {
-        if (m_defaultObject->isEnabled())
-            m_defaultObject->click();
+        click(m_defaultObject);
         return;
     }
     QWidget::keyPressEvent(event);

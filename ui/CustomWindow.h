@@ -51,10 +51,12 @@ public:
     void setPadding(float value) { m_padding = value; }
     bool useFade() const { return m_useFade; }
     void setUseFade(bool value) { m_useFade = value; }
-    QAbstractButton *defaultObject() const { return m_defaultObject; }
-    void setDefaultObject(QAbstractButton *button) { m_defaultObject = button; }
-    QAbstractButton *cancelObject() const { return m_cancelObject; }
-    void setCancelObject(QAbstractButton *button) { m_cancelObject = button; }
+    // Any control that can be clicked: a button or check box is clicked, a
+    // text field's action (Return in it) is sent, a popup's choice made again.
+    QWidget *defaultObject() const { return m_defaultObject; }
+    void setDefaultObject(QWidget *control) { m_defaultObject = control; }
+    QWidget *cancelObject() const { return m_cancelObject; }
+    void setCancelObject(QWidget *control) { m_cancelObject = control; }
     // The object whose "closeAndRelease" runs once the window is put away.
     void setWindowController(QObject *controller) { m_controller = controller; }
 
@@ -106,8 +108,8 @@ private:
     QRectF m_lastFrame;
     QTimer *m_timer = nullptr;
     bool m_useFade = true;
-    QPointer<QAbstractButton> m_defaultObject;
-    QPointer<QAbstractButton> m_cancelObject;
+    QPointer<QWidget> m_defaultObject;
+    QPointer<QWidget> m_cancelObject;
     QPointer<QObject> m_controller;
     bool m_snapsToEdges = false;
     float m_snapTolerance = 15.0f;

@@ -7,7 +7,8 @@
 
 // A date formatter for a calendar format, as scripts hold one: it writes
 // dates in the format and reads them back, and failing that reads what the
-// user's locale writes or the default form.
+// user's locale writes, the default form, or a date in words ("today",
+// "tomorrow at 9:30", "next friday").
 struct DateFormatter {
     QString format;
 

@@ -100,8 +100,8 @@ void registerCustomWindow(MethodRegistry &registry)
     addInstanceMethod(registry, C, QStringLiteral("padding"), &get<&W::padding>);
     addInstanceMethod(registry, C, QStringLiteral("setPadding:"), &set<&W::setPadding, float>);
     addInstanceMethod(registry, C, QStringLiteral("setUseFade:"), &set<&W::setUseFade, bool>);
-    addInstanceMethod(registry, C, QStringLiteral("setDefaultObject:"), &set<&W::setDefaultObject, QAbstractButton *>);
-    addInstanceMethod(registry, C, QStringLiteral("setCancelObject:"), &set<&W::setCancelObject, QAbstractButton *>);
+    addInstanceMethod(registry, C, QStringLiteral("setDefaultObject:"), &set<&W::setDefaultObject, QWidget *>);
+    addInstanceMethod(registry, C, QStringLiteral("setCancelObject:"), &set<&W::setCancelObject, QWidget *>);
     addInstanceMethod(registry, C, QStringLiteral("setUserAdjustedFromControl:"),
                       +[](W *, bool value) { W::setUserAdjustedFromControl(value); });
     addInstanceMethod(registry, C, QStringLiteral("windowMoved:"), +[](W *window, const QVariant &) { window->windowMoved(); });

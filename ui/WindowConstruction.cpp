@@ -33,22 +33,46 @@ Qt::WindowFlags flagsFor(Kind kind, int style)
     return flags;
 }
 
-// Keeps a child window at the same offset from its parent as the parent moves.
+// Keeps a child window with its parent: at the same offset as the parent
+// moves, hidden while the parent is hidden and shown again with it, below
+// it.
 class ChildFollower final : public QObject {
 public:
-    ChildFollower(QWidget *child, QWidget *parent) : QObject(parent), m_child(child) {}
+    ChildFollower(QWidget *child, QWidget *parent) : QObject(parent), m_child(child), m_parent(parent) {}
+
+    QWidget *child() const { return m_child; }
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Move && m_child) {
+        if (!m_child)
+            return QObject::eventFilter(watched, event);
+        switch (event->type()) {
+        case QEvent::Move: {
             const auto *move = static_cast<QMoveEvent *>(event);
             m_child->move(m_child->pos() + move->pos() - move->oldPos());
+            break;
+        }
+        case QEvent::Hide:
+            m_hiddenWithParent = m_child->isVisible();
+            m_child->hide();
+            break;
+        case QEvent::Show:
+            if (m_hiddenWithParent) {
+                m_child->show();
+                m_parent->raise();
+            }
+            m_hiddenWithParent = false;
+            break;
+        default:
+            break;
         }
         return QObject::eventFilter(watched, event);
     }
 
 private:
     QPointer<QWidget> m_child;
+    QWidget *m_parent;
+    bool m_hiddenWithParent = false;
 };
 
 } // namespace
@@ -85,7 +109,20 @@ QRectF frameOf(const QWidget *window)
 
 void setFrame(QWidget *window, const QRectF &frame)
 {
-    window->setGeometry(ScreenPoints::toTopLeft(frame).toRect());
+    setGeometry(window, ScreenPoints::toTopLeft(frame).toRect());
+}
+
+void setGeometry(QWidget *window, const QRect &geometry)
+{
+    // Whether a window is resizable is about the user's handles: the
+    // program gets exactly the size it asks for, and a fixed window stays
+    // fixed, at that size.
+    if (window->minimumSize() == window->maximumSize()) {
+        window->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        window->setMinimumSize(geometry.size());
+        window->setMaximumSize(geometry.size());
+    }
+    window->setGeometry(geometry);
 }
 
 void setTransparency(QWidget *window, float alpha)
@@ -125,6 +162,10 @@ void attachChildWindow(QWidget *child, QWidget *parent)
 {
     if (!child || !parent || child == parent)
         return;
+    // Attached once however often asked: a second follower would move it twice.
+    for (const ChildFollower *follower : parent->findChildren<ChildFollower *>(Qt::FindDirectChildrenOnly))
+        if (follower->child() == child)
+            return;
     parent->installEventFilter(new ChildFollower(child, parent));
     if (child->isVisible())
         child->lower();

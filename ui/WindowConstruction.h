@@ -45,6 +45,9 @@ QWidget *make(Kind kind, const QRectF &contentRect, int style);
 // give and read it.
 QRectF frameOf(const QWidget *window);
 void setFrame(QWidget *window, const QRectF &frame);
+// The window's geometry (top-left coordinates) exactly as asked, whether or
+// not the user may resize it; a fixed window is fixed at the new size.
+void setGeometry(QWidget *window, const QRect &geometry);
 
 // Each of these leaves a nil window alone (and answers 0 or NO for it).
 void setTransparency(QWidget *window, float alpha);

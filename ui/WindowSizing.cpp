@@ -1,5 +1,7 @@
 #include "WindowSizing.h"
 
+#include "WindowConstruction.h"
+
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPropertyAnimation>
@@ -30,12 +32,24 @@ void setFrameHeight(QWidget *window, int frameHeight, bool keepTop, bool animate
     else
         target.setTop(target.bottom() + 1 - contentHeight);
     if (!animate || !window->isVisible()) {
-        window->setGeometry(target);
+        WindowConstruction::setGeometry(window, target);
         return;
+    }
+    // A fixed window is free while it grows or shrinks, and fixed again at
+    // the size it reaches.
+    const bool fixed = window->minimumSize() == window->maximumSize();
+    if (fixed) {
+        window->setMinimumSize(0, 0);
+        window->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     }
     auto *animation = new QPropertyAnimation(window, "geometry", window);
     animation->setDuration(animationMilliseconds);
     animation->setEndValue(target);
+    if (fixed)
+        QObject::connect(animation, &QAbstractAnimation::finished, window, [window, target] {
+            window->setFixedSize(target.size());
+            window->setGeometry(target);
+        });
     animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 

@@ -13,6 +13,7 @@
 #include "TextViews.h"
 #include "WindowConstruction.h"
 #include "WindowLevels.h"
+#include "WindowSizing.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -22,6 +23,7 @@
 #include <QThread>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <memory>
 #include <gtest/gtest.h>
 
 #include <X11/Xatom.h>
@@ -326,14 +328,57 @@ TEST(WindowLevels, KeepFloatingWindowsAboveAndDesktopWindowsBelowANormalWindowWh
     })) << "desktop, normal, floating at " << ::testing::PrintToString(order());
 }
 
-TEST(ChildWindows, MoveWithTheirParent)
+// Attached twice, a child still moves as far as its parent, is hidden with
+// it, and comes back with it.
+TEST(ChildWindows, MoveHideAndShowWithTheirParentHoweverOftenAttached)
 {
     QWidget parent, child;
     ASSERT_NO_FATAL_FAILURE(showAt(parent, {100, 100, 300, 200}));
     ASSERT_NO_FATAL_FAILURE(showAt(child, {420, 100, 100, 100}));
     WindowConstruction::attachChildWindow(&child, &parent);
+    WindowConstruction::attachChildWindow(&child, &parent);
     parent.move(parent.pos() + QPoint(30, -20));
     EXPECT_TRUE(waitFor([&] { return ScreenPoints::toBottomLeft(QRectF(child.geometry())).topLeft() == QPointF(450, 120); }));
+    settle(child);
+    EXPECT_EQ(ScreenPoints::toBottomLeft(QRectF(child.geometry())).topLeft(), QPointF(450, 120)) << "moved once";
+    parent.hide();
+    EXPECT_TRUE(waitFor([&] { return !child.isVisible(); }));
+    parent.show();
+    EXPECT_TRUE(waitFor([&] { return child.isVisible() && parent.isVisible(); }));
+}
+
+// Whether a window is resizable is about the user's handles: every kind of
+// window takes exactly the frame the program gives it, and a fixed one
+// stays fixed at it.
+TEST(WindowFrames, EveryKindOfWindowTakesExactlyTheFrameItIsGiven)
+{
+    using namespace WindowConstruction;
+    const QRectF made(100, 100, 200, 100);
+    ROZ_CustomWindow custom;
+    setFrame(&custom, made);
+    const std::unique_ptr<QWidget> borderless(make(Kind::Window, made, Borderless));
+    const std::unique_ptr<QWidget> fixed(make(Kind::Window, made, windowStyle({true, false, true, true, false, false})));
+    const std::unique_ptr<QWidget> resizable(make(Kind::Window, made, windowStyle({true, false, true, true, true, false})));
+    const std::unique_ptr<QWidget> panel(make(Kind::Panel, made, panelStyle({true, false, true, false, false, false})));
+    const std::pair<const char *, QWidget *> windows[] = {
+        {"borderless", borderless.get()}, {"titled fixed", fixed.get()}, {"titled resizable", resizable.get()},
+        {"panel", panel.get()}, {"custom", &custom}};
+    for (const auto &[kind, window] : windows) {
+        ASSERT_NO_FATAL_FAILURE(showAt(*window, made));
+        setFrame(window, {100, 100, 300, 150});
+        EXPECT_TRUE(waitFor([window = window] { return frameOf(window) == QRectF(100, 100, 300, 150); }))
+            << kind << " at " << ::testing::PrintToString(frameOf(window));
+        // Disclosed to a content height of 260 under a title bar; a window
+        // without one takes the height a title bar would have added too.
+        const int expected = window->frameGeometry().height() > window->height() ? 260 : 260 + 22;
+        WindowSizing::discloseWindow(window, 260, false);
+        EXPECT_TRUE(waitFor([window = window, expected] { return window->height() == expected; }))
+            << kind << " disclosed to " << window->height();
+        EXPECT_EQ(window->width(), 300) << kind;
+        const bool userMayResize = window->minimumSize() != window->maximumSize();
+        EXPECT_EQ(userMayResize, window == resizable.get() || window == &custom) << kind;
+        window->hide();
+    }
 }
 
 // A custom window with a background view in front of the main window, for a

@@ -109,6 +109,21 @@ TEST(DateFormatterSelectors, WriteAndReadTheirFormatAndRefuseImpossibleDates)
               "[\"22.11.2026 02:05 PM\",null,\"2026-11-22T13:05:00.000Z\",\"2025-03-03T00:00:00.000Z\"]");
 }
 
+// A formatter reads dates written in words, as a person types them.
+TEST(DateFormatterSelectors, ReadDatesInWords)
+{
+    EXPECT_EQ(run("var f = callClassMethod(M, 'makeDateFormatter:', ['%Y-%m-%d']);\n"
+                  "function day(offset, hours, minutes) { var d = new Date(); d.setDate(d.getDate() + offset);\n"
+                  "    d.setHours(hours, minutes, 0, 0); return d.getTime(); }\n"
+                  "function read(text) { var d = callMethod(f, 'dateFromString:', [text]); return d === null ? null : d.getTime(); }\n"
+                  "var friday = (5 - new Date().getDay() + 7) % 7 || 7;\n"
+                  "[read('today') === day(0, 12, 0), read('Tomorrow') === day(1, 12, 0), read('yesterday') === day(-1, 12, 0),\n"
+                  " read('tomorrow at 9:30 pm') === day(1, 21, 30), read('today 7:05') === day(0, 7, 5),\n"
+                  " read('next friday') === day(friday, 12, 0), read('last friday') === day(friday - 7, 12, 0),\n"
+                  " Math.abs(read('now') - Date.now()) < 60000, read('someday'), read('tomorrow at 13 pm')]"),
+              "[true,true,true,true,true,true,true,true,null,null]");
+}
+
 TEST(ResourceAndKeySelectors, FindRtfResourcesAndAnswerNoWithoutADisplay)
 {
     EXPECT_EQ(run("var p = callClassMethod(M, 'returnRTFPath:', ['Help']);\n"

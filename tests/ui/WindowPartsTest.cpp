@@ -17,6 +17,9 @@
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QLineEdit>
+#include <QComboBox>
+#include <QCheckBox>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTemporaryDir>
@@ -147,6 +150,25 @@ TEST(CustomWindowKeys, ClickTheDefaultAndCancelControlsAndSwallowTheKeyWhenDisab
     EXPECT_EQ(keyed.oks, 2);
     EXPECT_EQ(keyed.cancels, 1);
     EXPECT_FALSE(keyed.press(Qt::Key_A)) << "other keys go on to the window's parent";
+
+    // Any control that can be clicked: a text field's action, a check box, a popup.
+    auto *field = new QLineEdit(&keyed.window);
+    auto *box = new QCheckBox(&keyed.window);
+    auto *popup = new QComboBox(&keyed.window);
+    popup->addItems({QStringLiteral("a"), QStringLiteral("b")});
+    int sent = 0, chosen = 0;
+    QObject::connect(field, &QLineEdit::returnPressed, [&sent] { ++sent; });
+    QObject::connect(popup, &QComboBox::activated, [&chosen](int index) { chosen += index + 1; });
+    keyed.window.setDefaultObject(field);
+    keyed.window.setCancelObject(box);
+    EXPECT_TRUE(keyed.press(Qt::Key_Return));
+    EXPECT_TRUE(keyed.press(Qt::Key_Escape));
+    EXPECT_EQ(sent, 1);
+    EXPECT_TRUE(box->isChecked());
+    popup->setCurrentIndex(1);
+    keyed.window.setDefaultObject(popup);
+    EXPECT_TRUE(keyed.press(Qt::Key_Return));
+    EXPECT_EQ(chosen, 2);
 }
 
 class Controller : public QObject {
