@@ -8,7 +8,11 @@
 #include <QTimer>
 #include <QVoice>
 
+#include <cerrno>
+#include <fcntl.h>
 #include <functional>
+#include <sys/file.h>
+#include <unistd.h>
 
 namespace Speech {
 
@@ -23,15 +27,43 @@ bool &speaking()
     return flag;
 }
 
-// Handles events in steps of 50 ms until the condition holds or time runs out.
-void waitUntil(const std::function<bool()> &done, QDeadlineTimer deadline)
+// Handles events in steps of 50 ms until the condition holds.
+void waitUntil(const std::function<bool()> &done)
 {
-    while (!done() && !deadline.hasExpired()) {
+    while (!done()) {
         QEventLoop loop;
         QTimer::singleShot(pollMilliseconds, &loop, &QEventLoop::quit);
         loop.exec();
     }
 }
+
+// Nomen's speech in other processes: whoever speaks holds a lock in the
+// user's runtime folder, so two runs never talk over each other.
+class SpeechTurn {
+public:
+    SpeechTurn()
+    {
+        const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+        const QByteArray path = (folder.isEmpty() ? QByteArray("/tmp") : folder) + "/nomen-speech.lock";
+        m_descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        if (m_descriptor >= 0)
+            waitUntil([this] { return ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; });
+    }
+    ~SpeechTurn()
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor); // and the lock with it
+    }
+    SpeechTurn(const SpeechTurn &) = delete;
+    SpeechTurn &operator=(const SpeechTurn &) = delete;
+
+private:
+    int m_descriptor = -1;
+};
+
+// Speech that has not begun this long after it was asked for never will
+// (no sound device to play it on).
+constexpr qint64 startMilliseconds = 10000;
 
 } // namespace
 
@@ -57,17 +89,22 @@ void speak(const QString &text, const QString &voiceName)
                 break;
             }
     }
-    const QDeadlineTimer deadline(std::max<qint64>(5000, qint64(text.size()) * 200));
-    waitUntil([] { return !speaking(); }, deadline);
-    // Saying is asynchronous: done once speech has begun and ended, or failed.
+    // One voice at a time, however long the one before takes.
+    waitUntil([] { return !speaking(); });
+    speaking() = true;
+    const SpeechTurn turn;
+    // Saying is asynchronous: done once speech has begun and ended, or
+    // failed. The whole of it is waited for, however long it is.
     bool started = false, ended = false;
     QObject::connect(&engine, &QTextToSpeech::stateChanged, [&](QTextToSpeech::State state) {
         started = started || state == QTextToSpeech::Speaking;
         ended = ended || state == QTextToSpeech::Error || (started && state == QTextToSpeech::Ready);
     });
-    speaking() = true;
     engine.say(text);
-    waitUntil([&] { return ended || engine.state() == QTextToSpeech::Error; }, deadline);
+    const QDeadlineTimer beginning(startMilliseconds);
+    waitUntil([&] {
+        return ended || engine.state() == QTextToSpeech::Error || (!started && beginning.hasExpired());
+    });
     if (!ended)
         engine.stop();
     speaking() = false;
