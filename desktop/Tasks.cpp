@@ -102,7 +102,9 @@ qsizetype cutCharacter(QByteArrayView bytes)
         const auto c = static_cast<unsigned char>(bytes[bytes.size() - back]);
         if ((c & 0xC0) == 0x80)
             continue; // a continuation byte: look further back
-        const qsizetype length = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
+        if (c < 0xC2 || c > 0xF4)
+            return 0; // no lead byte: nothing begun
+        const qsizetype length = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : 2;
         return length > back ? back : 0;
     }
     return 0;

@@ -35,7 +35,7 @@ packages=(
   qt6-speech-dev qt6-svg-dev
   desktop-file-utils groff-base appstream
   imagemagick libimage-exiftool-perl libheif-examples ffmpeg jhead
-  pulseaudio pulseaudio-utils bc
+  pulseaudio pulseaudio-utils bc x11-xkb-utils
 )
 
 missing=()

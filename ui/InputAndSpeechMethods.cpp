@@ -2,6 +2,7 @@
 
 #include "ArgumentConversion.h"
 #include "MethodRegistry.h"
+#include "NamedException.h"
 #include "NativeBinding.h"
 #include "Speech.h"
 #include "UserInput.h"
@@ -37,7 +38,10 @@ void registerInputAndSpeechMethods(MethodRegistry &registry)
     addClassMethod(registry, M, QStringLiteral("clickAsUserAtPointX:andY:"),
                    +[](float x, float y) { UserInput::clickAt({x, y}); });
     addClassMethod(registry, M, QStringLiteral("typeAsUser:"),
-                   +[](const QVariantList &records) { UserInput::type(strokesFrom(records)); });
+                   +[](const QVariantList &records) {
+                       if (const QString refused = UserInput::type(strokesFrom(records)); !refused.isEmpty())
+                           throw NamedException(NSInvalidArgumentException, QStringLiteral("typeAsUser: ") + refused);
+                   });
     addClassMethod(registry, M, QStringLiteral("returnSpeechVoices"), &Speech::voiceNames);
     addClassMethod(registry, M, QStringLiteral("speak:usingVoice:"), &Speech::speak);
 }

@@ -5,7 +5,10 @@
 #include "XConnection.h"
 
 #include <X11/Xlib.h>
+#include <X11/XKBlib.h>
 #include <X11/extensions/XTest.h>
+
+#include <QHash>
 
 #include <cmath>
 
@@ -39,17 +42,59 @@ QList<KeyEvent> eventsFor(const QList<KeyStroke> &strokes)
     return events;
 }
 
-void type(const QList<KeyStroke> &strokes)
+namespace {
+
+// The X key codes of the keys at these places, by the keyboard's own
+// description (its key names); 0 for a name the keyboard lacks.
+QHash<QByteArray, KeyCode> keysNamed(Display *x)
 {
+    QHash<QByteArray, KeyCode> keys;
+    XkbDescPtr keyboard = XkbGetMap(x, 0, XkbUseCoreKbd);
+    if (!keyboard)
+        return keys;
+    if (XkbGetNames(x, XkbKeyNamesMask | XkbKeyAliasesMask, keyboard) == Success && keyboard->names) {
+        for (int code = keyboard->min_key_code; code <= keyboard->max_key_code; ++code) {
+            const QByteArray name(keyboard->names->keys[code].name, qstrnlen(keyboard->names->keys[code].name, XkbKeyNameLength));
+            if (!name.isEmpty() && !keys.contains(name))
+                keys.insert(name, KeyCode(code));
+        }
+        // An alias names a key by another name ("LatQ" for "AD01").
+        for (int i = 0; i < keyboard->names->num_key_aliases; ++i) {
+            const XkbKeyAliasRec &alias = keyboard->names->key_aliases[i];
+            const QByteArray name(alias.alias, qstrnlen(alias.alias, XkbKeyNameLength));
+            const QByteArray real(alias.real, qstrnlen(alias.real, XkbKeyNameLength));
+            if (!keys.contains(name) && keys.contains(real))
+                keys.insert(name, keys.value(real));
+        }
+    }
+    XkbFreeKeyboard(keyboard, 0, True);
+    return keys;
+}
+
+} // namespace
+
+QString type(const QList<KeyStroke> &strokes)
+{
+    for (const KeyStroke &stroke : strokes)
+        if (!KeyCodes::keyNameFor(stroke.keyCode))
+            return QStringLiteral("no key has the virtual key code %1").arg(stroke.keyCode);
     Display *x = XConnection::shared();
     if (!x)
-        return;
+        return QString();
+    const QHash<QByteArray, KeyCode> keys = keysNamed(x);
+    QList<std::pair<KeyCode, bool>> posted;
     for (const KeyEvent &event : eventsFor(strokes)) {
-        const KeyCode key = XKeysymToKeycode(x, KeyCodes::keySymbolFor(event.keyCode));
-        if (key)
-            XTestFakeKeyEvent(x, key, event.down, CurrentTime);
+        const KeyCode key = keys.value(KeyCodes::keyNameFor(event.keyCode));
+        if (!key)
+            return QStringLiteral("this keyboard has no key at the place of virtual key code %1 (%2)")
+                .arg(event.keyCode)
+                .arg(QLatin1String(KeyCodes::keyNameFor(event.keyCode)));
+        posted.append({key, event.down});
     }
+    for (const auto &[key, down] : posted)
+        XTestFakeKeyEvent(x, key, down, CurrentTime);
     XSync(x, False);
+    return QString();
 }
 
 void moveMouseTo(QPointF point)

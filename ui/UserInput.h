@@ -30,10 +30,12 @@ struct KeyEvent {
 // modifiers come up in that same order.
 QList<KeyEvent> eventsFor(const QList<KeyStroke> &strokes);
 
-// Posts the events of the strokes in one batch. The X server cannot hold
-// the real keyboard off meanwhile; the batch reaches it at once, so the
-// user's own keys can only fall before or after it.
-void type(const QList<KeyStroke> &strokes);
+// Posts the events of the strokes in one batch, each key at the place its
+// code names, whatever the keyboard layout. The X server cannot hold the
+// real keyboard off meanwhile; the batch reaches it at once, so the user's
+// own keys can only fall before or after it. A code no key has is refused
+// before anything is posted: the answer says why ("" when typed).
+QString type(const QList<KeyStroke> &strokes);
 
 void moveMouseTo(QPointF point);
 QPointF mouseLocation();

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QProcess>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -39,6 +40,24 @@ TEST(TypedKeys, ArriveInATextFieldWithTheirModifiers)
     // Control+A selects everything, so the next key replaces it.
     UserInput::type({{0, false, false, false, true}, {7}});
     EXPECT_TRUE(waitFor([&] { return field->text() == QLatin1String("x"); })) << field->text().toStdString();
+}
+
+// A code names a place on the keyboard: on a German keyboard the key
+// where a US one has Z types "y". A code no key has is refused, and
+// nothing of the list is typed.
+TEST(TypedKeys, AreTheKeysAtTheirPlacesWhateverTheLayout)
+{
+    QWidget window;
+    auto *field = new QLineEdit(&window);
+    window.resize(300, 60);
+    ASSERT_NO_FATAL_FAILURE(showWithFocus(window, *field));
+    ASSERT_EQ(QProcess::execute(QStringLiteral("setxkbmap"), {"de"}), 0);
+    EXPECT_EQ(UserInput::type({{6}, {16}, {0}}), QString());
+    EXPECT_TRUE(waitFor([&] { return field->text() == QLatin1String("yza"); })) << field->text().toStdString();
+    EXPECT_EQ(UserInput::type({{0}, {52}}), QStringLiteral("no key has the virtual key code 52"));
+    waitFor([] { return false; }, 100);
+    EXPECT_EQ(field->text(), QStringLiteral("yza")) << "nothing of a refused list is typed";
+    ASSERT_EQ(QProcess::execute(QStringLiteral("setxkbmap"), {"us"}), 0);
 }
 
 // Every key press and release the window gets, as key symbol and direction.
