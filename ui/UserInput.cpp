@@ -17,9 +17,18 @@ namespace UserInput {
 KeyStroke KeyStroke::fromRecord(const QVariantMap &record)
 {
     using namespace ROZ_NSDictionaryAdditions;
-    const auto flag = [&](const char *key) { return boolForKey(record, QLatin1String(key)); };
-    return {quint16(integerForKey(record, QStringLiteral("key_code"))), flag("command_down"), flag("shift_down"),
-            flag("option_down"), flag("control_down")};
+    // Numbers and booleans as scripts give them; text as the platform reads it.
+    const auto number = [&](const char *key) {
+        const QVariant value = record.value(QLatin1String(key));
+        return isNumber(value) ? value.toLongLong() : qlonglong(integerForKey(record, QLatin1String(key)));
+    };
+    const auto flag = [&](const char *key) {
+        const QVariant value = record.value(QLatin1String(key));
+        // (X names a type Bool, so the type is asked by its C++ name.)
+        return isNumber(value) || value.metaType() == QMetaType::fromType<bool>() ? value.toBool()
+                                                                                 : boolForKey(record, QLatin1String(key));
+    };
+    return {quint16(number("key_code")), flag("command_down"), flag("shift_down"), flag("option_down"), flag("control_down")};
 }
 
 QList<KeyEvent> eventsFor(const QList<KeyStroke> &strokes)

@@ -67,7 +67,9 @@ TEST(WindowSelectors, RejectRectanglesOfTheWrongShapeAndKeyStrokesThatAreNoRecor
     }
 }
 
-TEST(WindowSelectors, LeaveNilWindowsAndMenusAlone)
+// A window that is not resizable still takes every frame the script gives
+// it; selectors given a nil window or menu change nothing else.
+TEST(WindowSelectors, AFixedWindowTakesItsFrameAndNilWindowsAreLeftAlone)
 {
     EXPECT_EQ(run("var w = W([[0, 0, 50, 50], true, false, false, false, false, false]);\n"
                   "for (var call of [['setWindowLevel:toLevel:', [null, 'NSFloatingWindowLevel']],\n"
@@ -78,8 +80,10 @@ TEST(WindowSelectors, LeaveNilWindowsAndMenusAlone)
                   "                  ['insertSeparator:atIndex:', [null, -1]], ['removeMenuItems:shouldRelease:', [null, true]]])\n"
                   "  callClassMethod(M, call[0], call[1]);\n"
                   "callMethod(w, 'setFrameOrigin:', [[5, 5]]);\n"
-                  "var f = callMethod(w, 'frame'); [f.x, f.y]"),
-              "[5,5]");
+                  "var f = callMethod(w, 'frame'); var moved = [f.x, f.y, f.width, f.height];\n"
+                  "callMethod(w, 'setFrame:display:', [[100, 100, 300, 150], true]);\n"
+                  "f = callMethod(w, 'frame'); [moved, [f.x, f.y, f.width, f.height]]"),
+              "[[5,5,50,50],[100,100,300,150]]");
 }
 
 TEST(CustomWindowSelectors, StartBorderlessFloatingAndZoomThereAndBack)
@@ -177,16 +181,18 @@ TEST(SizingSelectors, AnswerScriptsAndLeaveNilViewsAlone)
               "[true,172]");
 }
 
-// A speech that could not return would stop the run at the script timeout.
-TEST(InputAndSpeechSelectors, ListVoicesAndReturnWithoutADisplayOrASoundDevice)
+// A speech that could not return would stop the run at the script timeout;
+// a key code no key has is refused even without a display.
+TEST(InputAndSpeechSelectors, ListVoicesRefuseUnknownKeysAndReturnWithoutADisplayOrASoundDevice)
 {
     EXPECT_EQ(run("var voices = callClassMethod(M, 'returnSpeechVoices');\n"
                   "callClassMethod(M, 'typeAsUser:', [[{key_code: 0, command_down: true}]]);\n"
+                  "var refused; try { callClassMethod(M, 'typeAsUser:', [[{key_code: 52}]]); } catch (e) { refused = e.reason; }\n"
                   "callClassMethod(M, 'clickAsUserAtPointX:andY:', [10, 10]);\n"
                   "callClassMethod(M, 'moveMouseToPointX:andY:', [10, 10]);\n"
                   "for (var text of ['Hello there', '', ' ']) callClassMethod(M, 'speak:usingVoice:', [text, 'nobody']);\n"
-                  "[voices.indexOf('slt') >= 0, callClassMethod(M, 'getCurrentMouseLocationAsNumbers')]"),
-              "[true,[0,0]]");
+                  "[voices.indexOf('slt') >= 0, callClassMethod(M, 'getCurrentMouseLocationAsNumbers'), refused]"),
+              "[true,[0,0],\"typeAsUser: no key has the virtual key code 52\"]");
 }
 
 } // namespace

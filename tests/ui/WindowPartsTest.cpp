@@ -10,6 +10,7 @@
 #include "NamedException.h"
 #include "TestPrinting.h"
 #include "TextViews.h"
+#include "UserInput.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -134,6 +135,19 @@ struct KeyedWindow {
         return event.isAccepted();
     }
 };
+
+// Records as scripts write them: numbers and booleans, or text.
+TEST(KeyStrokeRecords, ReadNumbersBooleansAndText)
+{
+    using UserInput::KeyStroke;
+    const KeyStroke script = KeyStroke::fromRecord({{"key_code", 36.0}, {"shift_down", true}, {"option_down", 1}});
+    EXPECT_EQ(script.keyCode, 36);
+    EXPECT_TRUE(script.shift && script.option);
+    EXPECT_FALSE(script.command || script.control) << "a missing flag is NO";
+    const KeyStroke text = KeyStroke::fromRecord({{"key_code", "6"}, {"control_down", "YES"}});
+    EXPECT_EQ(text.keyCode, 6);
+    EXPECT_TRUE(text.control);
+}
 
 TEST(CustomWindowKeys, ClickTheDefaultAndCancelControlsAndSwallowTheKeyWhenDisabled)
 {
