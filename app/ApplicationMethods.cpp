@@ -2,7 +2,11 @@
 
 #include "DefaultsBindings.h"
 
-#include "BatchRenaming.h"
+#include "ChildOutput.h"
+#include "ErrnoText.h"
+#include "PathCodec.h"
+#include "DatesTaken.h"
+#include "ScriptRequests.h"
 #include "Dialogs.h"
 #include "OutletValues.h"
 #include "FileMoves.h"
@@ -63,13 +67,40 @@ QVariantList outcomesToScript(const std::vector<SafeMover::Outcome> &outcomes)
 {
     static const char *const names[] = {"renamed", "unchanged", "conflict", "failed"};
     QVariantList list;
-    for (const SafeMover::Outcome &outcome : outcomes)
-        list.append(QVariantMap{{QStringLiteral("from"), outcome.move.from},
-                                {QStringLiteral("to"), outcome.move.to},
-                                {QStringLiteral("status"), QString::fromLatin1(names[int(outcome.status)])},
-                                {QStringLiteral("reason"), outcome.reason},
-                                {QStringLiteral("warning"), outcome.warning}});
+    for (const SafeMover::Outcome &outcome : outcomes) {
+        QVariantMap answer{{QStringLiteral("from"), outcome.move.from},
+                           {QStringLiteral("to"), outcome.move.to},
+                           {QStringLiteral("status"), QString::fromLatin1(names[int(outcome.status)])},
+                           {QStringLiteral("reason"), outcome.reason},
+                           {QStringLiteral("warning"), outcome.warning}};
+        if (outcome.row >= 0)
+            answer.insert(QStringLiteral("row"), outcome.row);
+        list.append(answer);
+    }
     return list;
+}
+
+// The new names the last batch pass gave the table's rows.
+QStringList tableNewNames(const std::vector<ItemRecord> &rows)
+{
+    QStringList names;
+    names.reserve(qsizetype(rows.size()));
+    for (const ItemRecord &row : rows)
+        names.append(row.newName);
+    return names;
+}
+
+// A tool's standard output and standard error, read together to the end
+// and decoded as ASCII. Raises NSInvalidArgumentException when it cannot
+// start; the tool is not waited for: the end of its output ends the call.
+QString runCommand(const QString &launchPath, const QStringList &arguments)
+{
+    const ChildOutput tool = ChildOutput::read(launchPath, arguments, true);
+    if (tool.launchError != 0)
+        throw NamedException(NSInvalidArgumentException,
+                             QStringLiteral("launch path not accessible: %1: %2").arg(launchPath, errnoText(tool.launchError)));
+    tool.reapAside();
+    return QString::fromLatin1(tool.output);
 }
 
 // A batch that was refused moved nothing: the script hears why as an error.
@@ -133,11 +164,11 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant();
     });
     add(registry, "setConstantData:", [](RZApplication &app, const QVariantList &args) {
-        app.setConstantData(convert<QVariantList>(args[0], 0));
+        app.engine().useRule(ScriptRequests::ruleFromSettings(convert<QVariantList>(args[0], 0)));
         return QVariant();
     });
     add(registry, "generateNewName:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.generateNewName(convert<QVariantList>(args[0], 0)));
+        return QVariant(app.generateNewName(ScriptRequests::compositionRequest(convert<QVariantList>(args[0], 0))));
     });
     add(registry, "addLeadingZeros:", [](RZApplication &, const QVariantList &args) {
         const QVariantList numbers = convert<QVariantList>(args[0], 0);
@@ -145,14 +176,17 @@ void registerApplicationMethods(MethodRegistry &registry)
                                                       convert<qint32>(numbers.value(2), 0)));
     });
     add(registry, "changeCase:theCase:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.engine().composer.changeCase(convert<QString>(args[0], 0), convert<QString>(args[1], 1)));
+        // A case is named exactly; any other name leaves the text as it is.
+        const QString text = convert<QString>(args[0], 0);
+        const auto theCase = RenameRule::caseNamed(convert<QString>(args[1], 1));
+        return QVariant(theCase ? app.engine().composer.changeCase(text, *theCase) : text);
     });
     add(registry, "replaceInsertConstants:withDate:", [](RZApplication &app, const QVariantList &args) {
         return QVariant(app.engine().composer.replaceInsertConstants(convert<QString>(args[0], 0), convert<QDateTime>(args[1], 1)));
     });
     add(registry, "getEXIFDate:", [](RZApplication &app, const QVariantList &args) { return app.getEXIFDate(args[0]); });
     add(registry, "setUseEXIFDate:", [](RZApplication &app, const QVariantList &args) {
-        app.engine().use_exif_date = convert<bool>(args[0], 0);
+        app.engine().readsDatesTaken = convert<bool>(args[0], 0);
         return QVariant();
     });
     add(registry, "snrGrep:searchFor:replaceWith:consideringCase:", [](RZApplication &app, const QVariantList &args) {
@@ -166,14 +200,15 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(GrepReplace::escapeStringT(convert<QString>(args[0], 0)));
     });
     add(registry, "runPERL:", [](RZApplication &, const QVariantList &args) {
-        return GrepReplace::runPERL(convert<QStringList>(args[0], 0));
+        const std::optional<QString> output = GrepReplace::runPERL(convert<QStringList>(args[0], 0));
+        return output ? QVariant(*output) : QVariant(false);
     });
     add(registry, "textDidChange:", [](RZApplication &app, const QVariantList &args) {
         app.textDidChange(fieldOf(app, args[0]));
         return QVariant();
     });
     add(registry, "setDisplayRealtimePreview:", [](RZApplication &app, const QVariantList &args) {
-        app.engine().display_realtime_preview = convert<bool>(args[0], 0);
+        app.engine().previewsAsTyped = convert<bool>(args[0], 0);
         return QVariant();
     });
 
@@ -191,10 +226,10 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(FolderListing::directoryContents(convert<QString>(args[0], 0), convert<bool>(args[1], 1)));
     });
     add(registry, "getFileInfo:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.engine().listing().getFileInfo(convert<QString>(args[0], 0)));
+        return QVariant(ScriptRequests::fileInfo(app.engine().listing().fileInfo(convert<QString>(args[0], 0)), app.engine().dates));
     });
     add(registry, "getFolderInfo:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.engine().listing().getFolderInfo(convert<QString>(args[0], 0)));
+        return QVariant(ScriptRequests::folderInfo(app.engine().listing().folderInfo(convert<QString>(args[0], 0)), app.engine().dates));
     });
     add(registry, "containerAndItemName:", [](RZApplication &, const QVariantList &args) {
         return QVariant(FolderListing::containerAndItemName(convert<QString>(args[0], 0)));
@@ -215,15 +250,11 @@ void registerApplicationMethods(MethodRegistry &registry)
     // last batch pass: {from, to, row} for each row whose name changes.
     add(registry, "tableMoves", [](RZApplication &app, const QVariantList &) {
         const std::vector<ItemRecord> &rows = app.fileTableDataSource().rows();
-        QStringList names;
-        for (const ItemRecord &row : rows)
-            names.append(row.newName);
         QVariantList moves;
-        for (const BatchRenaming::RowMove &rowMove : BatchRenaming::movesFor(rows, names))
-            if (!names[rowMove.row].isEmpty() && names[rowMove.row] != rows[size_t(rowMove.row)].name)
-                moves.append(QVariantMap{{QStringLiteral("from"), rowMove.move.from},
-                                         {QStringLiteral("to"), rowMove.move.to},
-                                         {QStringLiteral("row"), rowMove.row}});
+        for (const BatchPlan::RowMove &rowMove : BatchPlan::movesOf(rows, tableNewNames(rows)))
+            moves.append(QVariantMap{{QStringLiteral("from"), rowMove.move.from},
+                                     {QStringLiteral("to"), rowMove.move.to},
+                                     {QStringLiteral("row"), rowMove.row}});
         return QVariant(moves);
     });
     add(registry, "getValueForColumn:atRow:", [](RZApplication &app, const QVariantList &args) {
@@ -261,10 +292,10 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(FileMoves::moveWithoutReplacing(convert<QString>(args[0], 0), convert<QString>(args[1], 1)) == 0);
     });
     add(registry, "cleanData:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(BatchRenaming::cleanData(convert<QVariantList>(args[0], 0), app.engine().dates.date1904));
+        return QVariant(ScriptRequests::cleanData(convert<QVariantList>(args[0], 0), app.engine().dates.date1904));
     });
     add(registry, "runCommand:withArguments:", [](RZApplication &, const QVariantList &args) {
-        return QVariant(BatchRenaming::runCommand(convert<QString>(args[0], 0), convert<QStringList>(args[1], 1)));
+        return QVariant(runCommand(convert<QString>(args[0], 0), convert<QStringList>(args[1], 1)));
     });
     registry.addClassMethod(QStringLiteral("ASKDataSource"), QStringLiteral("registerViewForDraggedTableRows:"),
                             [](Invocation &invocation) {
@@ -286,6 +317,17 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "applyRenames:", [](RZApplication &app, const QVariantList &args) {
         const std::vector<SafeMover::Move> moves = movesFromScript(convert<QVariantList>(args[0], 0));
         return moving(app, [&moves](SafeMover &mover) { return mover.apply(moves); });
+    });
+    // The table's ticked rows to the new names of the last batch pass,
+    // planned and renamed as nomen-cli renames its rows; each answer also
+    // names its "row".
+    add(registry, "planTableRenames", [](RZApplication &app, const QVariantList &) {
+        const std::vector<ItemRecord> &rows = app.fileTableDataSource().rows();
+        return QVariant(outcomesToScript(SafeMover::plan(rows, tableNewNames(rows))));
+    });
+    add(registry, "applyTableRenames", [](RZApplication &app, const QVariantList &) {
+        const std::vector<ItemRecord> rows = app.fileTableDataSource().rows();
+        return moving(app, [&rows](SafeMover &mover) { return mover.apply(rows, tableNewNames(rows)); });
     });
     add(registry, "undoLastRename", [](RZApplication &app, const QVariantList &) {
         return moving(app, [](SafeMover &mover) { return mover.undoLast(); });
@@ -397,5 +439,8 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(answers);
     });
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),
-                                  &RenameEngine::exifDate);
+                                  +[](const QString &path) {
+                                      const std::optional<DateTaken> taken = DatesTaken::read(PathCodec::encode(path));
+                                      return taken ? QVariant(taken->toDateTime()) : QVariant(false);
+                                  });
 }

@@ -33,22 +33,20 @@ PreviewScheduler::PreviewScheduler(RenameEngine &engine, FileTableModel &table, 
     connect(&m_table, &QAbstractItemModel::modelReset, this, [this] { ++m_conflictGeneration; });
 }
 
-void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExcluded)
+void PreviewScheduler::refresh(const RenameRule &rule, bool advanceExcluded)
 {
-    if (settings.size() < RenameSettings::count)
-        return;
     const std::shared_ptr<const std::vector<ItemRecord>> rows = m_table.snapshot();
-    // A copy as it stands after the settings were captured: the preview of
-    // the first name has already advanced the engine's own counters once.
+    // A copy of the engine's composer with the rule's counters at their
+    // starts: the preview of the first name has already advanced the
+    // engine's own once.
     NameComposer copy = m_engine.composer;
-    copy.settings = m_engine.settings();
-    copy.settings.setConstantData(settings);
+    copy.useRule(rule);
     PassRequest request;
-    request.prefixChoice = copy.settings._prefix_date_to_use;
-    request.suffixChoice = copy.settings._suffix_date_to_use;
+    request.prefixChoice = rule.prefix.date;
+    request.suffixChoice = rule.suffix.date;
     request.supplied = QDateTime::currentDateTime();
     request.advanceExcluded = advanceExcluded;
-    const bool grep = copy.settings._search_type_1 == QLatin1String("GREP") && !copy.settings._filename_search_1.isEmpty();
+    const bool grep = rule.searchesByGrep();
     const quint64 generation = ++m_generation;
     if (!grep)
         emit patternChecked(QString());
@@ -58,7 +56,7 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     clock.start();
     if (!grep && rows->size() <= size_t(immediateRows)) {
         copy.baseNameCache = m_bases; // this thread's own, kept between keystrokes
-        m_table.setNewNames(BatchPass::newNames(copy, *rows, request, m_engine.dates));
+        m_table.setNewNames(RenameEngine::composeTable(copy, *rows, request, m_engine.dates).names);
         lastInBackground = false;
         emit applied();
         lastMs = clock.elapsed(); // with what the new names set off
@@ -68,18 +66,11 @@ void PreviewScheduler::refresh(const QVariantList &settings, bool advanceExclude
     QThreadPool::globalInstance()->start([this, copy, rows, request, generation, grep, clock]() mutable {
         if (generation != m_generation)
             return; // already stale
-        QString patternError = grep ? GrepPrefetch::patternError(copy.settings) : QString();
-        if (grep && !rows->empty()) {
-            QStringList names;
-            names.reserve(qsizetype(rows->size()));
-            for (const ItemRecord &row : *rows)
-                names.append(row.name);
-            copy.grep = GrepPrefetch::replacementFor(copy.settings, names);
-        }
-        QStringList failures;
-        const QStringList names = BatchPass::newNames(copy, *rows, request, m_engine.dates, &failures);
+        QString patternError = grep ? GrepPrefetch::patternError(copy.rule) : QString();
+        const Composed composed = RenameEngine::composeTable(copy, *rows, request, m_engine.dates);
         if (patternError.isEmpty())
-            patternError = runFailure(*rows, failures);
+            patternError = runFailure(*rows, composed.grepFailures);
+        const QStringList names = composed.names;
         QMetaObject::invokeMethod(this, [this, names, patternError, grep, generation, clock] {
             if (generation != m_generation)
                 return; // the rules changed again meanwhile

@@ -23,7 +23,7 @@ public:
 
     // The rule's 24 entries as the controls gave them, and whether excluded
     // rows use up counter values (as the batch pass was last asked).
-    void refresh(const QVariantList &settings, bool advanceExcluded);
+    void refresh(const RenameRule &rule, bool advanceExcluded);
     void checkConflicts();
 
     // How long the last preview took, and whether it ran aside.

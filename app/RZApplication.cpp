@@ -1,10 +1,11 @@
 #include "RZApplication.h"
+
+#include "ScriptRequests.h"
 #include "ResourceFolder.h"
 #include "DefaultsBindings.h"
 #include "FileTableView.h"
 
 #include "BatchPass.h"
-#include "BatchRenaming.h"
 #include "FormatString.h"
 #include "GrepReplace.h"
 #include "ItemRecordValues.h"
@@ -127,23 +128,24 @@ void RZApplication::init(const MethodRegistry &methods)
                 return new FileTableView(parent);
             return nullptr;
         });
-    m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine->stopProgressBool);
+    m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine->stop);
     m_preview = new PreviewScheduler(*m_engine, *m_table, this);
     m_table->runAside = [this](const std::function<void()> &work) { m_progress->runAside(work); };
     loadInterface();
     DefaultsBindings::bind(window());
-    is104Plus = ROZ_MiscMethods::return104Plus();
+    systemIsRelease104OrLater = ROZ_MiscMethods::return104Plus();
     m_perl = loadHelper(methods, QStringLiteral("perl"));
     m_exifInfo = loadHelper(methods, QStringLiteral("exif_info"));
     ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_exifInfo, QStringLiteral("init"));
-    const QFileInfo exiftime(resourceDirectory() + QStringLiteral("/exiftime"));
-    m_engine->exiftime = exiftime.exists() ? exiftime.absoluteFilePath() : QString();
 }
 
 QString RZApplication::snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase)
 {
+    // The helper's answer replaces the text only when it is a string: a
+    // failed call answers the error pair.
     return GrepReplace::snrGrep(text, pattern, replacement, consideringCase, [this](const QString &program) {
-        return ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_perl, QStringLiteral("execute_perl"), program);
+        const QVariant answer = ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_perl, QStringLiteral("execute_perl"), program);
+        return answer.typeId() == QMetaType::QString ? std::optional(answer.toString()) : std::nullopt;
     });
 }
 
@@ -380,7 +382,7 @@ QVariant RZApplication::parseItems(const QVariantList &request)
     m_progress->yieldNow(); // a Stop pressed just before the listing counts at once
     FolderListing listing = m_engine->listing();
     listing.keepResponsive = [this] { m_progress->keepResponsive(); };
-    return ItemRecordValues::toScript(listing.list(ListingRequest::fromArray(request)), m_engine->dates);
+    return ItemRecordValues::toScript(listing.list(ScriptRequests::listingRequest(request)), m_engine->dates);
 }
 
 QVariantMap RZApplication::listIntoTable(const QVariantList &request)
@@ -389,10 +391,10 @@ QVariantMap RZApplication::listIntoTable(const QVariantList &request)
     m_progress->yieldNow();
     FolderListing listing = m_engine->listing();
     listing.keepResponsive = [this] { m_progress->keepResponsive(); };
-    Listing listed = listing.list(ListingRequest::fromArray(request));
+    Listing listed = listing.list(ScriptRequests::listingRequest(request));
     const bool stopped = listed.stopped || !listed.stoppedInside.empty();
     m_table->setRows(std::move(listed.items));
-    m_table->setShowsDatesTaken(m_engine->use_exif_date);
+    m_table->setShowsDatesTaken(m_engine->readsDatesTaken);
     showNewListing();
     return {{QStringLiteral("rows"), m_table->rowCount()}, {QStringLiteral("stopped"), stopped}};
 }
@@ -400,7 +402,7 @@ QVariantMap RZApplication::listIntoTable(const QVariantList &request)
 QVariantList RZApplication::makeReplacementNames(const QVariantList &entries)
 {
     const ProgressPanel::LongPass longPass(*m_progress);
-    const BatchRequest request = BatchRequest::fromArray(entries);
+    const ScriptRequests::BatchRequest request = ScriptRequests::batchRequest(entries);
     std::vector<ItemRecord> rows = m_table->rows();
     if (request.rowCount < 0 || size_t(request.rowCount) > rows.size())
         throw NamedException(NSInvalidArgumentException, QStringLiteral("makeReplacementNames: the request counts %1 rows, "
@@ -408,11 +410,6 @@ QVariantList RZApplication::makeReplacementNames(const QVariantList &entries)
                                                              .arg(request.rowCount)
                                                              .arg(rows.size()));
     rows.resize(size_t(request.rowCount));
-    QStringList names;
-    names.reserve(request.rowCount);
-    for (const ItemRecord &row : rows)
-        names.append(row.name);
-    m_engine->prefetchGrep(names);
     m_engine->composer.prefixZerosControlConnected = RuleForm::prefixZerosConnected(*m_form);
     m_engine->composer.suffixZerosControlConnected = RuleForm::suffixZerosConnected(*m_form);
     m_advanceExcluded = request.advanceExcluded;
@@ -426,7 +423,7 @@ QVariantList RZApplication::makeReplacementNames(const QVariantList &entries)
             m_progress->update(n, count, request.upperText,
                                FormatString::apply(request.lowerFormat, {qlonglong(n), qlonglong(count), request.word}));
     };
-    const QStringList newNames = BatchPass::newNames(m_engine->composer, rows, pass, m_engine->dates);
+    const QStringList newNames = m_engine->composeTable(rows, pass).names;
     for (size_t i = 0; i < rows.size(); ++i)
         rows[i].newName = newNames[qsizetype(i)];
     return ItemRecordValues::toScript(rows, m_engine->dates);
@@ -434,26 +431,21 @@ QVariantList RZApplication::makeReplacementNames(const QVariantList &entries)
 
 void RZApplication::getConstantData()
 {
-    m_capturedSettings = RuleForm::settings(*m_form);
-    setConstantData(m_capturedSettings);
+    m_capturedRule = RuleForm::rule(*m_form);
+    m_engine->useRule(m_capturedRule);
 }
 
-void RZApplication::setConstantData(const QVariantList &entries)
-{
-    m_engine->settings().setConstantData(entries);
-}
-
-QString RZApplication::generateNewName(const QVariantList &request)
+QString RZApplication::generateNewName(const CompositionRequest &request)
 {
     // The counter is padded whenever the leading-zeros control exists.
     m_engine->composer.prefixZerosControlConnected = RuleForm::prefixZerosConnected(*m_form);
     m_engine->composer.suffixZerosControlConnected = RuleForm::suffixZerosConnected(*m_form);
-    return m_engine->composer.generateNewName(CompositionRequest::fromArray(request));
+    return m_engine->composer.generateNewName(request);
 }
 
 void RZApplication::textDidChange(QObject *field)
 {
-    if (!m_engine || !m_engine->display_realtime_preview || !field || !previewFields.contains(field->objectName())
+    if (!m_engine || !m_engine->previewsAsTyped || !field || !previewFields.contains(field->objectName())
         || outlet(field->objectName()) != field)
         return;
     refreshPreview();
@@ -464,9 +456,7 @@ void RZApplication::refreshPreview()
     if (!m_engine)
         return;
     getConstantData();
-    RenameSettings &settings = m_engine->settings();
-    settings._prefix_date_to_use = RuleForm::prefixDateChoice(*m_form);
-    settings._suffix_date_to_use = RuleForm::suffixDateChoice(*m_form);
+    const RenameRule &rule = m_capturedRule;
 
     const std::vector<ItemRecord> &rows = m_table->rows();
     ItemRecord sample;
@@ -482,16 +472,16 @@ void RZApplication::refreshPreview()
     const QDateTime now = QDateTime::currentDateTime();
     const QString preview = generateNewName(
         {sample.name, rowCount, false, QString(QLatin1String("")),
-         BatchPass::dateFor(settings._prefix_date_to_use, now, sample, m_engine->dates),
-         BatchPass::dateFor(settings._suffix_date_to_use, now, sample, m_engine->dates)});
+         BatchPass::dateFor(rule.prefix.date, now, sample, m_engine->dates),
+         BatchPass::dateFor(rule.suffix.date, now, sample, m_engine->dates)});
     if (auto *previewField = m_form->control<QLineEdit>(QStringLiteral("preview_name")))
         previewField->setText(preview);
-    m_engine->sample_name = sample.name;
+    m_engine->sampleName = sample.name;
     // The names in the table are stale now.
     if (QWidget *rename = outlet(QStringLiteral("rename")))
         rename->setEnabled(false);
     if (QWidget *update = outlet(QStringLiteral("update")))
         if (auto *folder = m_form->control<QLineEdit>(QStringLiteral("source_folder")))
             update->setEnabled(!folder->text().isEmpty());
-    m_preview->refresh(m_capturedSettings, m_advanceExcluded);
+    m_preview->refresh(m_capturedRule, m_advanceExcluded);
 }

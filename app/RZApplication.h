@@ -47,9 +47,9 @@ public:
     ProgressPanel &progress() { return *m_progress; }
     PreviewScheduler &preview() { return *m_preview; }
 
+    // The rule from the controls as they stand, into the engine.
     void getConstantData();
-    void setConstantData(const QVariantList &entries);
-    QString generateNewName(const QVariantList &request);
+    QString generateNewName(const CompositionRequest &request);
     void textDidChange(QObject *field);
     // The preview of the first name and of the whole table, from the
     // controls as they stand (what an edit of a rule field does).
@@ -92,9 +92,9 @@ private:
     FileTableModel *m_table = nullptr;
     PreviewScheduler *m_preview = nullptr;
     bool m_sorting = false;
-    QVariantList m_capturedSettings; // as last read from the controls
+    RenameRule m_capturedRule;      // as last read from the controls
     bool m_advanceExcluded = false;  // as the batch pass was last asked
 };
 
 // Whether the system counts as release 10.4 or later, set once at start-up.
-inline bool is104Plus = false;
+inline bool systemIsRelease104OrLater = false;

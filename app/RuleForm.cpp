@@ -91,21 +91,21 @@ RenameRule rule(const InterfaceFile &form)
     rule.includeOriginal = checked(form, "inc_original_name");
     rule.search = text(form, "search_1");
     rule.replace = text(form, "replace_1");
-    rule.grep = selected(form, "snr_type_1") == 1;
+    rule.searchKind = selected(form, "snr_type_1") == 1 ? RenameRule::Search::Grep : RenameRule::Search::Literal;
     rule.considerCase = checked(form, "snr_consider_case_1");
     rule.trimStart = integer(form, "trim_start");
     rule.trimEnd = integer(form, "trim_end");
-    rule.caseName = checked(form, "change_case") ? text(form, "the_case") : QString();
+    rule.nameCase = checked(form, "change_case") ? RenameRule::caseNamed(text(form, "the_case")) : std::nullopt;
     rule.stripAccents = checked(form, "orig_strip_diacriticals");
     switch (selected(form, "extension_matrix")) {
     case 1:
-        rule.newExtension = text(form, "extension");
+        rule.newExtension = RenameRule::extensionWithStop(text(form, "extension"));
         break;
     case 2:
-        rule.newExtension = text(form, "extension_popup");
+        rule.newExtension = RenameRule::extensionWithStop(text(form, "extension_popup"));
         break;
     case 3:
-        rule.extensionCase = text(form, "ext_case");
+        rule.extensionCase = RenameRule::caseNamed(text(form, "ext_case"));
         break;
     default:
         break;
@@ -126,19 +126,20 @@ void apply(const InterfaceFile &form, const RenameRule &rule)
     set(form, QStringLiteral("inc_original_name"), rule.includeOriginal);
     set(form, QStringLiteral("search_1"), rule.search);
     set(form, QStringLiteral("replace_1"), rule.replace);
-    set(form, QStringLiteral("snr_type_1"), rule.grep ? 1 : 0);
+    set(form, QStringLiteral("snr_type_1"), rule.searchKind == RenameRule::Search::Grep ? 1 : 0);
     set(form, QStringLiteral("snr_consider_case_1"), rule.considerCase);
     set(form, QStringLiteral("trim_start"), QString::number(rule.trimStart));
     set(form, QStringLiteral("trim_end"), QString::number(rule.trimEnd));
-    set(form, QStringLiteral("change_case"), !rule.caseName.isEmpty());
-    if (!rule.caseName.isEmpty())
-        set(form, QStringLiteral("the_case"), rule.caseName);
+    set(form, QStringLiteral("change_case"), rule.nameCase.has_value());
+    if (rule.nameCase)
+        set(form, QStringLiteral("the_case"), RenameRule::caseName(*rule.nameCase));
     set(form, QStringLiteral("orig_strip_diacriticals"), rule.stripAccents);
     if (rule.newExtension) {
-        set(form, QStringLiteral("extension"), *rule.newExtension);
+        // The field shows the extension without its stop.
+        set(form, QStringLiteral("extension"), rule.newExtension->startsWith(u'.') ? rule.newExtension->mid(1) : *rule.newExtension);
         set(form, QStringLiteral("extension_matrix"), 1);
-    } else if (!rule.extensionCase.isEmpty()) {
-        set(form, QStringLiteral("ext_case"), rule.extensionCase);
+    } else if (rule.extensionCase) {
+        set(form, QStringLiteral("ext_case"), RenameRule::caseName(*rule.extensionCase));
         set(form, QStringLiteral("extension_matrix"), 3);
     } else {
         set(form, QStringLiteral("extension_matrix"), 0);
@@ -149,26 +150,6 @@ void apply(const InterfaceFile &form, const RenameRule &rule)
     set(form, QStringLiteral("folder_rows"), rule.folders);
     set(form, QStringLiteral("long_names"), rule.longNames);
     set(form, QStringLiteral("dates_taken"), rule.datesTaken);
-}
-
-QVariantList settings(const InterfaceFile &form)
-{
-    QVariantList entries = rule(form).settings();
-    // The case popups are read as they stand, whether or not their change
-    // is on.
-    entries[13] = text(form, "the_case");
-    entries[23] = text(form, "ext_case");
-    return entries;
-}
-
-qint32 prefixDateChoice(const InterfaceFile &form)
-{
-    return selected(form, "prefix_date_to_use") + 1;
-}
-
-qint32 suffixDateChoice(const InterfaceFile &form)
-{
-    return selected(form, "suffix_date_to_use") + 1;
 }
 
 bool prefixZerosConnected(const InterfaceFile &form)

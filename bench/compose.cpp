@@ -28,19 +28,19 @@ RenameEngine &engine()
     return shared;
 }
 
-void useRule(RenameSettings &s, bool grep)
+RenameRule ruleFor(bool grep)
 {
-    s = RenameSettings();
-    s._prefix = QStringLiteral("«#»_");
-    s._prefix_start_num = 1;
-    s._prefix_ai_counter = 1;
-    s._inc_original_name = true;
-    s._search_type_1 = grep ? QStringLiteral("GREP") : QStringLiteral("literal");
-    s._filename_search_1 = grep ? QStringLiteral("IMG_(\\d+)") : QStringLiteral("IMG_");
-    s._filename_replace_1 = grep ? QStringLiteral("Photo $1") : QStringLiteral("Photo ");
-    s._change_case = true;
-    s._case_transformation = QStringLiteral("Title Case");
-    s._orig_strip_diacriticals = true;
+    RenameRule rule = RenameRule::blank();
+    rule.prefix.text = QStringLiteral("«#»_");
+    rule.prefix.start = 1;
+    rule.prefix.step = 1;
+    rule.includeOriginal = true;
+    rule.searchKind = grep ? RenameRule::Search::Grep : RenameRule::Search::Literal;
+    rule.search = grep ? QStringLiteral("IMG_(\\d+)") : QStringLiteral("IMG_");
+    rule.replace = grep ? QStringLiteral("Photo $1") : QStringLiteral("Photo ");
+    rule.nameCase = RenameRule::Case::Title;
+    rule.stripAccents = true;
+    return rule;
 }
 
 void compose(benchmark::State &state, bool grep)
@@ -50,7 +50,7 @@ void compose(benchmark::State &state, bool grep)
     for (auto _ : state) {
         // As a batch pass does: the rule, an empty duplicate list, and the
         // GREP answers for all names in one exchange.
-        useRule(e.settings(), grep);
+        e.useRule(ruleFor(grep));
         e.composer.duplicate_check_list.clear();
         e.prefetchGrep(list);
         for (const QString &name : list)

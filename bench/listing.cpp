@@ -131,16 +131,16 @@ void RecordsForAScript100k(benchmark::State &state)
 
 NameComposer rule()
 {
+    RenameRule rule = RenameRule::blank();
+    rule.prefix.text = QStringLiteral("«ƒ» «#» ");
+    rule.prefix.start = 1;
+    rule.prefix.step = 1;
+    rule.includeOriginal = true;
+    rule.search = QStringLiteral("IMG_");
+    rule.nameCase = RenameRule::Case::Title;
+    rule.stripAccents = true;
     NameComposer composer;
-    composer.settings._prefix = QStringLiteral("«ƒ» «#» ");
-    composer.settings._prefix_start_num = 1;
-    composer.settings._prefix_ai_counter = 1;
-    composer.settings._inc_original_name = true;
-    composer.settings._search_type_1 = QStringLiteral("literal");
-    composer.settings._filename_search_1 = QStringLiteral("IMG_");
-    composer.settings._change_case = true;
-    composer.settings._case_transformation = QStringLiteral("Title Case");
-    composer.settings._orig_strip_diacriticals = true;
+    composer.useRule(rule);
     return composer;
 }
 

@@ -136,7 +136,7 @@ RenameRule rule(const QCommandLineParser &options, RenameRule base)
     if (given("replace"))
         rule.replace = options.value("replace");
     if (given("grep"))
-        rule.grep = true;
+        rule.searchKind = RenameRule::Search::Grep;
     if (given("ignore-case"))
         rule.considerCase = false;
     if (given("trim-start"))
@@ -144,14 +144,13 @@ RenameRule rule(const QCommandLineParser &options, RenameRule base)
     if (given("trim-end"))
         rule.trimEnd = number(options, "trim-end");
     if (given("case"))
-        rule.caseName = options.value("case");
+        rule.nameCase = RenameRule::caseNamed(options.value("case"));
     if (given("strip-diacritics"))
         rule.stripAccents = true;
     if (given("extension"))
-        rule.newExtension = options.value("extension").startsWith(u'.') ? options.value("extension").mid(1)
-                                                                        : options.value("extension");
+        rule.newExtension = RenameRule::extensionWithStop(options.value("extension"));
     if (given("ext-case"))
-        rule.extensionCase = options.value("ext-case");
+        rule.extensionCase = RenameRule::caseNamed(options.value("ext-case"));
     if (given("ext-filter"))
         rule.extensions = list("ext-filter");
     if (given("type"))

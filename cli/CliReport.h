@@ -17,14 +17,10 @@ enum ExitCode { Success = 0, Conflicts = 1, Failures = 2, Refused = 3, Usage = 6
 
 void say(FILE *stream, const QString &text);
 
-// Where each outcome's item was and is to be: its own move, or (for a
-// table's outcomes, whose moves are left empty) one made as it is printed.
-using MoveOf = std::function<SafeMover::Move(size_t outcome)>;
-
 // The rows and a summary line; the exit code they call for.
-int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied, const MoveOf &moveOf = {});
+int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied);
 // A whole report of the mover: a refusal, the rows, an interruption.
-int report(const SafeMover::Report &report, bool json, const MoveOf &moveOf = {});
+int report(const SafeMover::Report &report, bool json);
 // Why nothing can be renamed, with what to do next; its exit code.
 int refusal(SafeMover::Refusal refusal, const QString &text);
 

@@ -70,25 +70,17 @@ void sortRows(std::vector<ItemRecord> &rows, const QString &order)
 
 // The rows of the named folders and files, in order, with the names the
 // rule gives them.
-struct Composed {
+struct Table {
     std::vector<ItemRecord> rows;
-    QStringList newNames;
-    QStringList grepFailures;  // per row: why its GREP program failed, or ""
-    std::vector<int> included; // the rows the outcomes speak of, in order
-
-    SafeMover::Move moveOf(size_t outcome) const
-    {
-        const ItemRecord &row = rows[size_t(included[outcome])];
-        return {row.path(), row.location + newNames[included[outcome]]};
-    }
+    Composed composed;
 };
 
-Composed compose(const QCommandLineParser &options, const RenameRule &rule, const QStringList &roots)
+Table compose(const QCommandLineParser &options, const RenameRule &rule, const QStringList &roots)
 {
     RenameEngine engine;
-    engine.use_exif_date = rule.datesTaken;
-    Composed composed;
-    std::vector<ItemRecord> &rows = composed.rows;
+    engine.readsDatesTaken = rule.datesTaken;
+    Table table;
+    std::vector<ItemRecord> &rows = table.rows;
     for (const QString &root : roots) {
         ListingRequest request;
         request.paths = {root};
@@ -105,38 +97,23 @@ Composed compose(const QCommandLineParser &options, const RenameRule &rule, cons
             rows.insert(rows.end(), std::make_move_iterator(listing.items.begin()), std::make_move_iterator(listing.items.end()));
     }
     sortRows(rows, options.value("sort"));
-    engine.settings().setConstantData(rule.settings());
-    QStringList names;
-    names.reserve(qsizetype(rows.size()));
-    for (const ItemRecord &row : rows)
-        names.append(row.name);
-    engine.prefetchGrep(names);
+    engine.useRule(rule);
     PassRequest pass;
     pass.prefixChoice = rule.prefix.date;
     pass.suffixChoice = rule.suffix.date;
     pass.supplied = QDateTime::currentDateTime();
-    composed.newNames = BatchPass::newNames(engine.composer, rows, pass, engine.dates, &composed.grepFailures);
-    for (size_t i = 0; i < rows.size(); ++i)
-        if (rows[i].include)
-            composed.included.push_back(int(i));
-    return composed;
+    table.composed = engine.composeTable(rows, pass);
+    return table;
 }
 
 // A row whose GREP program failed stays as it is, and says why.
-std::vector<SafeMover::Outcome> withGrepFailures(std::vector<SafeMover::Outcome> outcomes, const Composed &composed)
+std::vector<SafeMover::Outcome> withGrepFailures(std::vector<SafeMover::Outcome> outcomes, const Table &table)
 {
-    for (size_t i = 0; i < outcomes.size(); ++i)
-        if (const QString &failure = composed.grepFailures[composed.included[i]]; !failure.isEmpty())
-            outcomes[i].reason = QStringLiteral("Perl: ") + failure;
+    for (SafeMover::Outcome &outcome : outcomes)
+        if (outcome.row >= 0)
+            if (const QString &failure = table.composed.grepFailures[outcome.row]; !failure.isEmpty())
+                outcome.reason = QStringLiteral("Perl: ") + failure;
     return outcomes;
-}
-
-// Why the rule's GREP search and replace cannot run at all, in Perl's words.
-QString grepProblem(const RenameRule &rule)
-{
-    RenameSettings settings;
-    settings.setConstantData(rule.settings());
-    return GrepPrefetch::patternError(settings);
 }
 
 // --undo, --finish, --roll-back: the journal alone says what to do.
@@ -230,7 +207,7 @@ int main(int argc, char **argv)
     }
     const RenameRule rule = CliOptions::rule(options, base);
     if (!options.isSet("list-rules") && !options.isSet("map")) {
-        if (const QString problem = grepProblem(rule); !problem.isEmpty()) {
+        if (const QString problem = GrepPrefetch::patternError(rule); !problem.isEmpty()) {
             say(stderr, QStringLiteral("nomen-cli: the search pattern cannot be used: ") + problem);
             return CliReport::Usage;
         }
@@ -261,14 +238,10 @@ int main(int argc, char **argv)
         if (const QString busy = mover.hold(); !busy.isEmpty())
             return CliReport::refusal(SafeMover::Refusal::Busy, busy);
     }
-    if (const auto pending = mover.pending()) {
-        const QString text = pending->problem.isEmpty()
-                                 ? QStringLiteral("a batch of renames was cut short (%1 items in \"%2\")").arg(pending->items).arg(pending->folder)
-                                 : QStringLiteral("the journal \"%1\" cannot be believed (%2)").arg(mover.store().pendingPath(), pending->problem);
-        const SafeMover::Refusal kind = pending->problem.isEmpty() ? SafeMover::Refusal::Pending : SafeMover::Refusal::Distrusted;
+    if (const auto refused = mover.pendingRefusal()) {
         if (apply)
-            return CliReport::refusal(kind, text);
-        CliReport::refusal(kind, text + QStringLiteral("; this dry run goes on"));
+            return CliReport::refusal(refused->refusal, refused->refusalText);
+        CliReport::refusal(refused->refusal, refused->refusalText + QStringLiteral("; this dry run goes on"));
     }
     const bool json = options.isSet("json");
     if (options.isSet("map")) {
@@ -279,16 +252,14 @@ int main(int argc, char **argv)
         return CliReport::report(mover.apply(map.moves), json);
     }
     try {
-        const Composed composed = compose(options, rule, roots);
-        const auto moveOf = [&composed](size_t outcome) { return composed.moveOf(outcome); };
+        const Table table = compose(options, rule, roots);
         if (!apply)
-            return CliReport::rows(withGrepFailures(SafeMover::plan(composed.rows, composed.newNames), composed), json,
-                                   false, moveOf);
+            return CliReport::rows(withGrepFailures(SafeMover::plan(table.rows, table.composed.names), table), json, false);
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
-        SafeMover::Report report = mover.apply(composed.rows, composed.newNames);
-        report.outcomes = withGrepFailures(std::move(report.outcomes), composed);
-        return CliReport::report(report, json, moveOf);
+        SafeMover::Report report = mover.apply(table.rows, table.composed.names);
+        report.outcomes = withGrepFailures(std::move(report.outcomes), table);
+        return CliReport::report(report, json);
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));
         return CliReport::Failures;

@@ -1,4 +1,5 @@
 #include "MiscMethods.h"
+#include "ErrnoText.h"
 
 #include "NamedException.h"
 #include "PathCodec.h"
@@ -31,7 +32,7 @@ struct Pipe {
         int fds[2];
         if (pipe2(fds, O_CLOEXEC) != 0)
             throw NamedException(QStringLiteral("NSFileHandleOperationException"),
-                                 QStringLiteral("cannot create a pipe: %1").arg(QString::fromLocal8Bit(strerror(errno))));
+                                 QStringLiteral("cannot create a pipe: %1").arg(errnoText(errno)));
         read = fds[0];
         write = fds[1];
     }
@@ -61,7 +62,7 @@ pid_t launch(const QString &launchPath, const QStringList &arguments, const QStr
     if (path.isEmpty() || access(path.constData(), X_OK) != 0)
         throw NamedException(NSInvalidArgumentException,
                              QStringLiteral("launch path not accessible: %1: %2")
-                                 .arg(launchPath, QString::fromLocal8Bit(strerror(path.isEmpty() ? ENOENT : errno))));
+                                 .arg(launchPath, errnoText(path.isEmpty() ? ENOENT : errno)));
     const QByteArray cwd = PathCodec::encode(directory);
     if (access(cwd.constData(), X_OK) != 0)
         throw NamedException(NSInvalidArgumentException,
@@ -90,7 +91,7 @@ pid_t launch(const QString &launchPath, const QStringList &arguments, const QStr
     posix_spawnattr_destroy(&attributes);
     if (status != 0)
         throw NamedException(NSInvalidArgumentException,
-                             QStringLiteral("launch failed: %1: %2").arg(launchPath, QString::fromLocal8Bit(strerror(status))));
+                             QStringLiteral("launch failed: %1: %2").arg(launchPath, errnoText(status)));
     return pid;
 }
 

@@ -225,24 +225,24 @@ function renameFiles() {
     if (rowCount === 0)
         return;
     var rows = workOutNewNames();
-    // {from, to, row} for each ticked row whose name changes.
-    var moves = call("tableMoves");
-    if (moves.length === 0) {
+    // Each ticked row to its new name, planned as nomen-cli plans it: every
+    // conflict is shown before anything moves.
+    var planned = call("planTableRenames").filter(function (outcome) { return outcome.status !== "unchanged"; });
+    if (planned.length === 0) {
         showError("Nothing to rename", "The new names are the same as the old ones.");
         return;
     }
-    // Every conflict is shown before anything moves.
     var reasons = rows.map(function () { return ""; });
     var refused = 0;
-    call("planRenames:", [moves]).forEach(function (outcome, index) {
+    planned.forEach(function (outcome) {
         if (outcome.status === "conflict" || outcome.status === "failed") {
-            reasons[moves[index].row] = outcome.reason;
+            reasons[outcome.row] = outcome.reason;
             refused += 1;
         }
     });
     call("markConflicts:", [reasons]);
     if (refused > 0) {
-        var choice = ask(plural(refused, "file", "files") + " of " + moves.length + " cannot be renamed",
+        var choice = ask(plural(refused, "file", "files") + " of " + planned.length + " cannot be renamed",
                          "Their rows are marked in the table; point at one to see why. Rename the others?",
                          ["Rename Others", "Cancel"]);
         if (choice !== "Rename Others")
@@ -250,7 +250,7 @@ function renameFiles() {
     }
     var outcomes;
     try {
-        outcomes = call("applyRenames:", [moves]);
+        outcomes = call("applyTableRenames");
     } catch (refused) {
         showError("Nothing was renamed", refused.reason || String(refused));
         return;

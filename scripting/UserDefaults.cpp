@@ -1,4 +1,5 @@
 #include "UserDefaults.h"
+#include "ErrnoText.h"
 
 #include "DictionaryAdditions.h"
 #include "FileBytes.h"
@@ -216,7 +217,7 @@ void ROZ_UserDefaults::touchBundleDate()
 {
     const QString folder = ResourceFolder::path();
     if (::utimensat(AT_FDCWD, PathCodec::encode(folder).constData(), nullptr, 0) != 0)
-        SystemLog::write(QStringLiteral("touchBundleDate: %1: %2").arg(folder, QString::fromLocal8Bit(std::strerror(errno))));
+        SystemLog::write(QStringLiteral("touchBundleDate: %1: %2").arg(folder, errnoText(errno)));
 }
 
 QVariant ROZ_UserDefaults::returnPlistValue(const QString &key)

@@ -1,4 +1,5 @@
 #include "FileBytes.h"
+#include "ErrnoText.h"
 
 #include "PathCodec.h"
 #include "PathNames.h"
@@ -17,13 +18,13 @@ namespace {
 
 Contents failure(const QString &path, int error)
 {
-    const QString reason = QString::fromLocal8Bit(std::strerror(error));
+    const QString reason = errnoText(error);
     return {std::nullopt, reason, QStringLiteral("%1: %2").arg(path, reason)};
 }
 
 QString failed(const QByteArray &path, int error)
 {
-    return QStringLiteral("%1: %2").arg(PathCodec::decode(path), QString::fromLocal8Bit(std::strerror(error)));
+    return QStringLiteral("%1: %2").arg(PathCodec::decode(path), errnoText(error));
 }
 
 QString writeAll(int fd, const QByteArray &bytes, const QByteArray &name)

@@ -3,6 +3,7 @@
 #include "PathCodec.h"
 #include "NamedException.h"
 #include "RZApplication.h"
+#include "ScriptRequests.h"
 #include "RuleForm.h"
 #include "TestPrinting.h"
 #include "UserDefaults.h"
@@ -66,7 +67,7 @@ TEST(Outlets, EveryRuleControlIsConnected)
     EXPECT_EQ(app().outlet(QStringLiteral("no_such_control")), nullptr);
 }
 
-TEST(Outlets, SettingsAreReadFromTheControls)
+TEST(Outlets, TheRuleIsReadFromTheControls)
 {
     control<QLineEdit>("prefix")->setText("IMG_«#»");
     control<QLineEdit>("prefix_start_num")->setText(" 7x");
@@ -74,83 +75,39 @@ TEST(Outlets, SettingsAreReadFromTheControls)
     control<QLineEdit>("search_1")->setText("a");
     choose("snr_type_1", 1);
     control<QComboBox>("the_case")->setCurrentText("Title Case");
+    control<QCheckBox>("change_case")->setChecked(true);
     choose("extension_matrix", 1);
     control<QLineEdit>("extension")->setText("jpg");
     app().getConstantData();
-    RenameSettings &s = app().engine().settings();
-    EXPECT_EQ(s._prefix, QStringLiteral("IMG_«#»"));
-    EXPECT_EQ(s._prefix_start_num, 7);
-    EXPECT_EQ(s._prefix_ai_counter, 0) << "a blank field reads as 0";
-    EXPECT_EQ(s._search_type_1, QStringLiteral("GREP"));
-    EXPECT_EQ(s._case_transformation, QStringLiteral("Title Case"));
-    EXPECT_EQ(s._extension, QStringLiteral(".jpg")) << "a full stop is added";
-    EXPECT_TRUE(s._use_new_extension);
+    const RenameRule &rule = app().engine().rule();
+    EXPECT_EQ(rule.prefix.text, QStringLiteral("IMG_«#»"));
+    EXPECT_EQ(rule.prefix.start, 7);
+    EXPECT_EQ(rule.prefix.step, 0) << "a blank field reads as 0";
+    EXPECT_EQ(rule.searchKind, RenameRule::Search::Grep);
+    EXPECT_EQ(rule.nameCase, RenameRule::Case::Title);
+    EXPECT_EQ(rule.newExtension, QStringLiteral(".jpg")) << "a full stop is added";
 
     control<QLineEdit>("extension")->setText(".tiff");
     app().getConstantData();
-    EXPECT_EQ(s._extension, QStringLiteral(".tiff")) << "kept as typed";
+    EXPECT_EQ(app().engine().rule().newExtension, QStringLiteral(".tiff")) << "kept as typed";
     control<QLineEdit>("extension")->setText("");
     app().getConstantData();
-    EXPECT_EQ(s._extension, QString());
-    EXPECT_TRUE(s._use_new_extension) << "a blank new extension drops the extension";
+    EXPECT_EQ(app().engine().rule().newExtension, QString()) << "a blank new extension drops the extension";
 
     choose("extension_matrix", 2);
     control<QComboBox>("extension_popup")->setCurrentText("png");
     app().getConstantData();
-    EXPECT_EQ(s._extension, QStringLiteral(".png"));
-    choose("extension_matrix", 3);
-    app().getConstantData();
-    EXPECT_TRUE(s._ext_change_case);
-    EXPECT_FALSE(s._use_new_extension);
-    choose("extension_matrix", 0);
-    choose("snr_type_1", 0);
-    app().getConstantData();
-    EXPECT_EQ(s._search_type_1, QStringLiteral("literal"));
-    EXPECT_EQ(s._extension, QString());
-}
-
-TEST(Preview, UserEditsOfTheElevenFieldsRefreshIt)
-{
-    QLineEdit *prefix = control<QLineEdit>("prefix");
-    QLineEdit *preview = control<QLineEdit>("preview_name");
-    control<QLineEdit>("prefix_start_num")->setText("1");
-    control<QLineEdit>("prefix_add_leading_zeros_min")->setText("0");
-    control<QCheckBox>("inc_original_name")->setChecked(true);
-    control<QLineEdit>("search_1")->setText("");
-    control<QLineEdit>("source_folder")->setText("");
-    prefix->setText("");
-    preview->setText("unchanged");
-
-    prefix->setText("X«#»_"); // set by the program: not an edit
-    EXPECT_EQ(preview->text(), QStringLiteral("unchanged"));
-
-    prefix->setText("");
-    type(prefix, "«#»_");
-    EXPECT_EQ(preview->text(), QStringLiteral("01_Sample Name.jpg")) << "an empty table counts as ten rows";
-    EXPECT_FALSE(control<QPushButton>("rename")->isEnabled());
-    EXPECT_FALSE(control<QPushButton>("update")->isEnabled()) << "no source folder";
-
-    preview->setText("unchanged");
-    type(control<QLineEdit>("prefix_ai_counter"), "5");
-    EXPECT_EQ(preview->text(), QStringLiteral("unchanged")) << "the increment fields refresh nothing";
-
-    control<QLineEdit>("source_folder")->setText("/tmp");
-    app().engine().display_realtime_preview = false;
-    type(prefix, "a");
-    EXPECT_EQ(preview->text(), QStringLiteral("unchanged"));
-    app().engine().display_realtime_preview = true;
-    type(prefix, "b");
-    EXPECT_EQ(preview->text(), QStringLiteral("01_abSample Name.jpg"));
-    EXPECT_TRUE(control<QPushButton>("update")->isEnabled());
-    prefix->setText("");
+    EXPECT_EQ(app().engine().rule().newExtension, QStringLiteral(".png"));
+    control<QCheckBox>("change_case")->setChecked(false);
+    control<QLineEdit>("prefix")->setText("");
 }
 
 TEST(Preview, ADisconnectedLeadingZerosControlLeavesCountersUnpadded)
 {
     delete app().outlet(QStringLiteral("prefix_add_leading_zeros"));
-    app().setConstantData({"«#»", 3, 1, false, 0, false, "", "", "literal", false, 0, 0, false, "", false, "", 0, 0,
-                           false, 0, "", false, false, ""});
-    EXPECT_EQ(app().generateNewName({"a.jpg", 100, false, "", QVariant(), QVariant()}), QStringLiteral("3.jpg"));
+    app().engine().useRule(ScriptRequests::ruleFromSettings({"«#»", 3, 1, false, 0, false, "", "", "literal", false, 0, 0,
+                                                              false, "", false, "", 0, 0, false, 0, "", false, false, ""}));
+    EXPECT_EQ(app().generateNewName({"a.jpg", 100, false, "", {}, {}}), QStringLiteral("3.jpg"));
 }
 
 TEST(Progress, ScreenUpdatesAreThinnedByTheMaximum)
@@ -187,7 +144,7 @@ TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
     QTimer::singleShot(0, [] { control<QPushButton>("stop_progress")->click(); });
     const QVariant result = app().parseItems({paths, QStringList(), QStringList(), false, false, false, false, true, dir.path()});
     EXPECT_EQ(result, QVariant(false));
-    EXPECT_TRUE(app().engine().stopProgressBool.load()) << "set back for the next listing";
+    EXPECT_TRUE(app().engine().stop.load()) << "set back for the next listing";
 }
 
 TEST(Progress, AListingGoesStraightIntoTheTableInNaturalOrderAndSaysWhenStopped)
@@ -287,8 +244,8 @@ TEST(Preview, ThePreviewShowsTheNamesTheBatchPassGives)
         const QStringList previewed = app().fileTableDataSource().previewedNames();
         app().getConstantData();
         const QVariantList batch = app().makeReplacementNames(
-            {"files", QDateTime::currentDateTime(), "Working", "%d of %d %@", RuleForm::prefixDateChoice(app().form()),
-             RuleForm::suffixDateChoice(app().form()), qint32(rows.size()), false});
+            {"files", QDateTime::currentDateTime(), "Working", "%d of %d %@", RuleForm::rule(app().form()).prefix.date,
+             RuleForm::rule(app().form()).suffix.date, qint32(rows.size()), false});
         QStringList given;
         for (const QVariant &record : batch)
             given.append(record.toMap().value("new").toString());

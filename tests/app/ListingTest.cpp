@@ -1,6 +1,7 @@
 #include "FolderListing.h"
 #include "ItemRecordValues.h"
 #include "PathCodec.h"
+#include "ScriptRequests.h"
 #include "TestPrinting.h"
 
 #include <QDir>
@@ -148,21 +149,21 @@ TEST_F(Listings, DatesAreClampedAndSizesKept)
     utime(PathCodec::encode(old).constData(), &oldTimes);
     utime(PathCodec::encode(future).constData(), &futureTimes);
     utime(PathCodec::encode(epoch).constData(), &epochTimes);
-    EXPECT_EQ(listing.getFileInfo(old).value("modification").toDateTime().date(), QDate(1904, 1, 1));
-    EXPECT_EQ(listing.getFileInfo(future).value("modification").toDateTime(), QDateTime(QDate(2040, 2, 6), QTime(5, 28, 15), Qt::UTC));
-    EXPECT_EQ(listing.getFileInfo(epoch).value("modification").toDateTime(), QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime));
-    EXPECT_EQ(listing.getFileInfo(old).value("file_size").toULongLong(), 5u);
-    EXPECT_EQ(listing.getFileInfo(old).value("the_extension"), QVariant(QStringLiteral("txt")));
-    const QVariantMap missing = listing.getFileInfo(root() + "/missing");
+    EXPECT_EQ(ScriptRequests::fileInfo(listing.fileInfo(old), dates).value("modification").toDateTime().date(), QDate(1904, 1, 1));
+    EXPECT_EQ(ScriptRequests::fileInfo(listing.fileInfo(future), dates).value("modification").toDateTime(), QDateTime(QDate(2040, 2, 6), QTime(5, 28, 15), Qt::UTC));
+    EXPECT_EQ(ScriptRequests::fileInfo(listing.fileInfo(epoch), dates).value("modification").toDateTime(), QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::LocalTime));
+    EXPECT_EQ(ScriptRequests::fileInfo(listing.fileInfo(old), dates).value("file_size").toULongLong(), 5u);
+    EXPECT_EQ(ScriptRequests::fileInfo(listing.fileInfo(old), dates).value("the_extension"), QVariant(QStringLiteral("txt")));
+    const QVariantMap missing = ScriptRequests::fileInfo(listing.fileInfo(root() + "/missing"), dates);
     EXPECT_EQ(missing.value("creation").toDateTime().date(), QDate(1904, 1, 1));
     EXPECT_EQ(missing.value("file_size").toULongLong(), 0u);
     listing.dateTaken = [](const QByteArray &) {
         return DateTaken::atWallClock(QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8)), -8 * 3600);
     };
-    const QDateTime taken = listing.getFileInfo(old).value("creation").toDateTime();
+    const QDateTime taken = ScriptRequests::fileInfo(listing.fileInfo(old), dates).value("creation").toDateTime();
     EXPECT_EQ(taken, QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8), Qt::OffsetFromUTC, -8 * 3600)) << "dates taken when chosen";
     EXPECT_EQ(taken.time(), QTime(6, 7, 8)) << "as the camera's clock read, wherever it is renamed";
-    EXPECT_EQ(listing.getFolderInfo(root() + "/missing").value("modification").toDateTime().date(), QDate(1904, 1, 1));
+    EXPECT_EQ(ScriptRequests::folderInfo(listing.folderInfo(root() + "/missing"), dates).value("modification").toDateTime().date(), QDate(1904, 1, 1));
 }
 
 // Dates taken are read for every file once, on several threads, and each

@@ -4,7 +4,7 @@
 
 #include "CliRunner.h"
 #include "TestPrinting.h"
-#include "app/FileTree.h"
+#include "engine/FileTree.h"
 
 #include <QTemporaryDir>
 #include <csignal>

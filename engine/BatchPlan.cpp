@@ -1,0 +1,537 @@
+#include "BatchPlan.h"
+#include "ErrnoText.h"
+
+#include "PathCodec.h"
+
+#include <algorithm>
+#include <QHash>
+#include <QRandomGenerator>
+#include <QSet>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <linux/magic.h>
+#include <functional>
+#include <map>
+#include <set>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+using Batch::Move;
+using Batch::Outcome;
+using Batch::Status;
+
+namespace {
+
+// Whether names exist, for a plan: the names of a folder that many moves
+// touch are read once (one pass over the folder instead of a file status
+// call per name, each walking the whole path again). Only on file systems
+// that compare names byte for byte; elsewhere each name is looked up.
+class ExistingItems {
+public:
+    void readFoldersOf(const QHash<QString, int> &usesPerFolder)
+    {
+        for (auto use = usesPerFolder.cbegin(); use != usesPerFolder.cend(); ++use)
+            if (use.value() >= 64)
+                if (auto names = namesIn(use.key()))
+                    m_names.insert(use.key(), std::move(*names));
+    }
+
+    bool contains(const QString &folder, const QString &name) const
+    {
+        const auto names = m_names.constFind(folder);
+        if (names != m_names.cend())
+            return names->contains(PathCodec::encode(name));
+        struct stat info;
+        return lstat(PathCodec::encode(folder + u'/' + name).constData(), &info) == 0;
+    }
+
+private:
+    static bool comparesBytes(int folder)
+    {
+        struct statfs system;
+        if (fstatfs(folder, &system) != 0)
+            return false;
+        switch (system.f_type) {
+        case EXT4_SUPER_MAGIC: // also ext2 and ext3
+        case XFS_SUPER_MAGIC:
+        case BTRFS_SUPER_MAGIC:
+        case TMPFS_MAGIC: {
+            // ext4 and tmpfs can fold case in single folders.
+            long flags = 0;
+            return ioctl(folder, FS_IOC_GETFLAGS, &flags) != 0 || !(flags & 0x40000000 /* FS_CASEFOLD_FL */);
+        }
+        default:
+            return false;
+        }
+    }
+
+    static std::optional<QSet<QByteArray>> namesIn(const QString &folder)
+    {
+        const int descriptor = open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (descriptor < 0)
+            return std::nullopt;
+        DIR *listing = comparesBytes(descriptor) ? fdopendir(descriptor) : nullptr;
+        if (!listing) {
+            close(descriptor);
+            return std::nullopt;
+        }
+        QSet<QByteArray> names;
+        errno = 0;
+        while (const dirent *entry = readdir(listing))
+            names.insert(QByteArray(entry->d_name));
+        const bool whole = errno == 0;
+        closedir(listing);
+        return whole ? std::optional(std::move(names)) : std::nullopt;
+    }
+
+    QHash<QString, QSet<QByteArray>> m_names;
+};
+
+// Folders made absolute and free of links, each worked out once.
+class FolderResolver {
+public:
+    FolderResolver()
+    {
+        char here[PATH_MAX];
+        if (getcwd(here, sizeof here))
+            m_current = PathCodec::decode(here);
+    }
+
+    // The resolved folder, or the errno value that stood in the way.
+    std::variant<QString, int> resolve(const QString &folder)
+    {
+        const auto known = m_known.constFind(folder);
+        if (known != m_known.cend())
+            return *known;
+        const QString absolute = folder.startsWith(u'/') ? folder : m_current + u'/' + folder;
+        std::variant<QString, int> answer;
+        if (char *real = realpath(PathCodec::encode(absolute).constData(), nullptr)) {
+            answer = PathCodec::decode(real);
+            free(real);
+        } else {
+            answer = errno;
+        }
+        m_known.insert(folder, answer);
+        return answer;
+    }
+
+private:
+    QString m_current;
+    QHash<QString, std::variant<QString, int>> m_known;
+};
+
+QString withoutTrailingSlash(QString path)
+{
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+QString invalidNameReason(const QString &name)
+{
+    if (name.isEmpty())
+        return QStringLiteral("the new name is empty");
+    if (name == QLatin1String(".") || name == QLatin1String(".."))
+        return QStringLiteral("\"%1\" cannot be a name").arg(name);
+    if (name.contains(u'/'))
+        return QStringLiteral("the new name \"%1\" holds \"/\"").arg(name);
+    if (name.contains(QChar(0)))
+        return QStringLiteral("the new name holds a NUL character");
+    if (PathCodec::encode(name).size() > NAME_MAX)
+        return QStringLiteral("the new name is longer than 255 bytes");
+    return {};
+}
+
+QString surprise(const QString &name, const QString &newName)
+{
+    if (newName.startsWith(u'.') && !name.startsWith(u'.'))
+        return QStringLiteral("the new name starts with \".\": the item will be hidden");
+    if (newName.startsWith(u' ') && !name.startsWith(u' '))
+        return QStringLiteral("the new name starts with a space");
+    if (newName.endsWith(u' ') && !name.endsWith(u' '))
+        return QStringLiteral("the new name ends with a space");
+    // Tabs, line breaks and the like show as nothing, or break a listing in
+    // two; NUL and "/" are refused before this.
+    const auto control = [](const QString &text) {
+        return std::any_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x20 || c.unicode() == 0x7f; });
+    };
+    if (control(newName) && !control(name))
+        return QStringLiteral("the new name holds a control character (a tab, a line break or the like)");
+    return {};
+}
+
+// What the plan is asked of one row: the folder as given, the item's name
+// there and its new name. From a list of moves each path is split; from a
+// table the rows' own strings are used as they are.
+struct Request {
+    const Move *move = nullptr; // as reported back; none for a table's row
+    QString folder;
+    QString name;
+    QString newName;
+    std::optional<FileIdentity> identity;
+    Status refusedAs = Status::Renamed; // a move that cannot be split
+    QString refusal;
+
+    QString path() const
+    {
+        return move ? move->from : folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+    }
+};
+
+Request requestFor(const Move &move)
+{
+    Request request{&move, {}, {}, {}, std::nullopt, Status::Renamed, {}};
+    QStringView from(move.from);
+    while (from.size() > 1 && from.endsWith(u'/'))
+        from.chop(1);
+    const qsizetype slash = from.lastIndexOf(u'/');
+    const QStringView prefix = from.left(slash + 1);
+    const QStringView name = from.mid(slash + 1);
+    if (name.isEmpty() || name == u"." || name == u"..") {
+        request.refusedAs = Status::Failed;
+        request.refusal = QStringLiteral("\"%1\" does not name an item").arg(move.from);
+    } else if (!QStringView(move.to).startsWith(prefix)) {
+        request.refusedAs = Status::Conflict;
+        request.refusal = QStringLiteral("\"%1\" is not in the folder of \"%2\"").arg(move.to, move.from);
+    }
+    request.folder = slash < 0 ? QStringLiteral(".") : slash == 0 ? QStringLiteral("/") : from.left(slash).toString();
+    request.name = name.toString();
+    request.newName = QStringView(move.to).mid(prefix.size()).toString();
+    return request;
+}
+
+// A rule works on the characters of a name: what it makes of them may not
+// hold half of one, nor bytes the name never had.
+Request requestFor(const ItemRecord &row, const QString &newName, const Move &move)
+{
+    const bool known = row.identity.inode != 0;
+    Request request{&move, row.location, row.name, newName, known ? std::optional(row.identity) : std::nullopt,
+                    Status::Renamed, {}};
+    if (PathCodec::splitsCharacter(row.name, newName)) {
+        request.refusedAs = Status::Conflict;
+        request.refusal = QStringLiteral("the new name would split a character (it would hold bytes that are not "
+                                         "UTF-8 and were not in the name)");
+    }
+    return request;
+}
+
+// A row that will be renamed, as the plan works it out: the folder (an index
+// into the resolved folders), its name and the new one.
+struct Candidate {
+    int row;
+    int folder;
+    QString name;
+    QString newName;
+    FileIdentity identity;
+};
+
+// A name in a folder, as a hash key made of strings the plan already holds.
+struct NameKey {
+    int folder;
+    QString name;
+    bool operator==(const NameKey &) const = default;
+};
+
+size_t qHash(const NameKey &key, size_t seed = 0)
+{
+    return qHashMulti(seed, key.folder, key.name);
+}
+
+class Planner {
+public:
+    // The rows' requests are made one at a time, as each row is checked.
+    Planner(size_t count, std::function<Request(size_t)> requestAt, BatchPlan &plan)
+        : m_count(count), m_requestAt(std::move(requestAt)), m_plan(plan)
+    {
+    }
+
+    void run(bool ordered)
+    {
+        m_candidates.resize(m_count);
+        m_plan.outcomes.reserve(m_count);
+        for (size_t row = 0; row < m_count; ++row)
+            m_plan.outcomes.push_back(check(int(row)));
+        refuseDuplicates();
+        refuseTakenNames();
+        for (Outcome &outcome : m_plan.outcomes)
+            if (outcome.status != Status::Renamed)
+                outcome.warning.clear();
+        if (ordered)
+            order();
+    }
+
+private:
+    QString pathOf(int folder, const QString &name) const
+    {
+        const QString &path = m_folderPaths[folder];
+        return path.endsWith(u'/') ? path + name : path + u'/' + name;
+    }
+
+    // The resolved folder's index; rows of one folder usually follow each
+    // other, so the last answer is tried first.
+    std::variant<int, int> folderIndex(const QString &raw)
+    {
+        if (m_lastRaw && raw == *m_lastRaw)
+            return m_lastAnswer;
+        const auto resolved = m_resolver.resolve(raw);
+        std::variant<int, int> answer;
+        if (const int *error = std::get_if<int>(&resolved)) {
+            answer.emplace<1>(*error);
+        } else {
+            const QString &folder = std::get<QString>(resolved);
+            auto known = m_folderIndex.constFind(folder);
+            if (known == m_folderIndex.cend()) {
+                known = m_folderIndex.insert(folder, int(m_folderPaths.size()));
+                m_folderPaths.append(folder);
+            }
+            answer.emplace<0>(*known);
+        }
+        m_lastRaw = raw;
+        m_lastAnswer = answer;
+        return answer;
+    }
+
+    // One row on its own: the name, its folder, its file.
+    Outcome check(int row)
+    {
+        const Request request = m_requestAt(size_t(row));
+        Outcome outcome{request.move ? *request.move : Move(), Status::Renamed, {}, {}};
+        auto refuse = [&](Status status, const QString &reason) {
+            outcome.status = status;
+            outcome.reason = reason;
+            return outcome;
+        };
+        if (!request.refusal.isEmpty())
+            return refuse(request.refusedAs, request.refusal);
+        if (request.newName == request.name) {
+            outcome.status = Status::Unchanged;
+            return outcome;
+        }
+        if (const QString reason = invalidNameReason(request.newName); !reason.isEmpty())
+            return refuse(Status::Conflict, reason);
+        const auto folder = folderIndex(request.folder);
+        if (folder.index() == 1) {
+            const int error = std::get<1>(folder);
+            const QString shown = withoutTrailingSlash(request.folder);
+            return refuse(Status::Failed, error == ENOENT ? QStringLiteral("no such folder \"%1\"").arg(shown)
+                                                          : QStringLiteral("the folder \"%1\" cannot be reached: %2")
+                                                                .arg(shown, errnoText(error)));
+        }
+        Candidate candidate{row, std::get<0>(folder), request.name, request.newName, {}};
+        const auto identity =
+            request.identity ? request.identity : FileIdentity::at(PathCodec::encode(pathOf(candidate.folder, candidate.name)));
+        if (!identity)
+            return refuse(Status::Failed, errno == ENOENT ? QStringLiteral("\"%1\" is no longer there").arg(request.path())
+                                                          : QStringLiteral("\"%1\": %2").arg(request.path(), errnoText(errno)));
+        candidate.identity = *identity;
+        outcome.warning = surprise(candidate.name, candidate.newName);
+        m_candidates[size_t(row)] = std::move(candidate);
+        return outcome;
+    }
+
+    void refuse(int row, const QString &reason)
+    {
+        m_plan.outcomes[size_t(row)].status = Status::Conflict;
+        m_plan.outcomes[size_t(row)].reason = reason;
+        m_candidates[size_t(row)].reset();
+    }
+
+    // Two rows may not want one name, nor move one file (under one name or
+    // two: hard links share an identity, and a journal tells items apart
+    // by it).
+    void refuseDuplicates()
+    {
+        QHash<NameKey, int> wanted;
+        wanted.reserve(qsizetype(m_candidates.size()));
+        for (const auto &candidate : m_candidates)
+            if (candidate)
+                wanted[{candidate->folder, candidate->newName}] += 1;
+        QSet<NameKey> sources;
+        QHash<FileIdentity, int> files;
+        for (size_t row = 0; row < m_candidates.size(); ++row) {
+            const auto &candidate = m_candidates[row];
+            if (!candidate)
+                continue;
+            if (wanted.value({candidate->folder, candidate->newName}) > 1) {
+                refuse(int(row), QStringLiteral("another row takes the same new name \"%1\"").arg(candidate->newName));
+            } else if (sources.contains({candidate->folder, candidate->name})) {
+                refuse(int(row), QStringLiteral("an earlier row moves the same file"));
+            } else if (const auto other = files.constFind(candidate->identity); other != files.cend()) {
+                refuse(int(row), QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
+                                     .arg(candidate->name, m_candidates[size_t(*other)]->name));
+            } else {
+                sources.insert({candidate->folder, candidate->name});
+                files.insert(candidate->identity, int(row));
+            }
+        }
+    }
+
+    // A name already on disk is free only if the item there moves away; a
+    // row that cannot move keeps its name taken, so this is repeated until
+    // nothing changes.
+    void refuseTakenNames()
+    {
+        QHash<QString, int> usesPerFolder;
+        for (const auto &candidate : m_candidates)
+            if (candidate)
+                usesPerFolder[m_folderPaths[candidate->folder]] += 2;
+        m_existing.readFoldersOf(usesPerFolder);
+        for (bool changed = true; changed;) {
+            changed = false;
+            QSet<NameKey> leaving;
+            for (const auto &candidate : m_candidates)
+                if (candidate)
+                    leaving.insert({candidate->folder, candidate->name});
+            for (size_t row = 0; row < m_candidates.size(); ++row) {
+                const auto &candidate = m_candidates[row];
+                if (!candidate || leaving.contains({candidate->folder, candidate->newName})
+                    || !m_existing.contains(m_folderPaths[candidate->folder], candidate->newName))
+                    continue;
+                // The same file under another case, on a file system that ignores case.
+                if (FileIdentity::at(PathCodec::encode(pathOf(candidate->folder, candidate->newName))) == candidate->identity)
+                    continue;
+                refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(candidate->newName));
+                changed = true;
+            }
+        }
+    }
+
+    QString temporaryName(int folder)
+    {
+        if (m_token.isEmpty())
+            m_token = QString::number(QRandomGenerator::global()->generate64() & 0xffffffffffffULL, 16);
+        for (;;) {
+            const QString name = QStringLiteral(".nomen-moving-%1-%2").arg(m_token).arg(++m_temporaries);
+            struct stat info;
+            if (lstat(PathCodec::encode(pathOf(folder, name)).constData(), &info) != 0)
+                return name;
+        }
+    }
+
+    // Deepest folders first, so the items in a folder move before the
+    // folder does. Every move stays in its folder, so each folder is
+    // ordered on its own: a move waits for the item on its new name to
+    // leave, and in a cycle one item steps aside to a temporary name.
+    void order()
+    {
+        BatchJournal &journal = m_plan.journal;
+        journal.folders.clear();
+        for (const QString &folder : std::as_const(m_folderPaths))
+            journal.folders.append(folder.isEmpty() ? QStringLiteral("/") : folder);
+        QHash<int, std::vector<int>> itemsOfFolder;
+        for (const auto &candidate : m_candidates) {
+            if (!candidate)
+                continue;
+            itemsOfFolder[candidate->folder].push_back(int(journal.items.size()));
+            journal.items.push_back({candidate->row, candidate->folder, {candidate->name, candidate->newName}, candidate->identity, std::nullopt});
+        }
+        std::vector<int> folders(itemsOfFolder.keyBegin(), itemsOfFolder.keyEnd());
+        const auto depth = [this](int folder) {
+            return m_folderPaths[folder] == QLatin1String("/") ? 0 : m_folderPaths[folder].count(u'/');
+        };
+        std::sort(folders.begin(), folders.end(), [&](int a, int b) {
+            return depth(a) != depth(b) ? depth(a) > depth(b) : a < b;
+        });
+        for (const int folder : folders)
+            orderFolder(folder, itemsOfFolder.value(folder));
+    }
+
+    void orderFolder(int folder, const std::vector<int> &items)
+    {
+        BatchJournal &journal = m_plan.journal;
+        std::set<int> pending(items.cbegin(), items.cend());
+        QHash<QString, int> bySource; // the name each waiting item has now
+        QHash<QString, int> byTarget;
+        for (const int item : items) {
+            bySource.insert(journal.items[size_t(item)].names[0], item);
+            byTarget.insert(journal.items[size_t(item)].names[1], item);
+        }
+        std::vector<int> ready;
+        for (const int item : items)
+            if (!bySource.contains(journal.items[size_t(item)].names[1]))
+                ready.push_back(item);
+        // The item waiting for a name, once that name is free.
+        auto wakeWaiterFor = [&](const QString &freed) {
+            const auto waiter = byTarget.constFind(freed);
+            if (waiter != byTarget.cend() && pending.count(*waiter))
+                ready.push_back(*waiter);
+        };
+        while (!pending.empty()) {
+            if (ready.empty()) {
+                const int item = *pending.begin();
+                BatchJournal::Item &entry = journal.items[size_t(item)];
+                const QString from = entry.names[0];
+                entry.names.insert(1, temporaryName(folder));
+                journal.steps.push_back({item, 1});
+                bySource.remove(from);
+                bySource.insert(entry.names[1], item);
+                wakeWaiterFor(from);
+                continue;
+            }
+            const int item = ready.back();
+            ready.pop_back();
+            if (!pending.erase(item))
+                continue;
+            const BatchJournal::Item &entry = journal.items[size_t(item)];
+            journal.steps.push_back({item, entry.last()});
+            bySource.remove(entry.names[entry.last() - 1]);
+            wakeWaiterFor(entry.names[0]);
+        }
+    }
+
+    size_t m_count;
+    std::function<Request(size_t)> m_requestAt;
+    BatchPlan &m_plan;
+    FolderResolver m_resolver;
+    ExistingItems m_existing;
+    QStringList m_folderPaths;          // resolved; "" for the root
+    QHash<QString, int> m_folderIndex;
+    std::optional<QString> m_lastRaw;
+    std::variant<int, int> m_lastAnswer;
+    std::vector<std::optional<Candidate>> m_candidates; // by row
+    QString m_token;
+    int m_temporaries = 0;
+};
+
+} // namespace
+
+BatchPlan BatchPlan::make(const std::vector<Move> &moves, BatchJournal::Kind kind, bool ordered)
+{
+    BatchPlan plan;
+    plan.journal.kind = kind;
+    Planner(moves.size(), [&moves](size_t row) { return requestFor(moves[row]); }, plan).run(ordered);
+    return plan;
+}
+
+std::vector<BatchPlan::RowMove> BatchPlan::movesOf(const std::vector<ItemRecord> &rows, const QStringList &newNames)
+{
+    std::vector<RowMove> moves;
+    for (size_t i = 0; i < rows.size() && qsizetype(i) < newNames.size(); ++i)
+        if (rows[i].include)
+            moves.push_back({int(i), {rows[i].path(), rows[i].location + newNames[qsizetype(i)]}});
+    return moves;
+}
+
+BatchPlan BatchPlan::make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind, bool ordered)
+{
+    BatchPlan plan;
+    const std::vector<RowMove> moves = movesOf(rows, newNames);
+    for (const RowMove &move : moves)
+        plan.rows.push_back(move.row);
+    plan.journal.kind = kind;
+    const auto requestAt = [&](size_t outcome) {
+        const int row = moves[outcome].row;
+        return requestFor(rows[size_t(row)], newNames[row], moves[outcome].move);
+    };
+    Planner(plan.rows.size(), requestAt, plan).run(ordered);
+    for (size_t i = 0; i < plan.outcomes.size(); ++i)
+        plan.outcomes[i].row = plan.rows[i];
+    return plan;
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "BatchJournal.h"
+#include "ItemRecord.h"
+
+#include <QString>
+#include <optional>
+#include <vector>
+
+// What a batch asks and what becomes of each row.
+namespace Batch {
+
+struct Move {
+    QString from; // full paths; the new one in the same folder
+    QString to;
+};
+
+enum class Status { Renamed, Unchanged, Conflict, Failed };
+
+struct Outcome {
+    Move move;
+    Status status = Status::Renamed;
+    QString reason;  // why a row is a conflict or failed, naming the files
+    QString warning; // a name that will be given but may surprise (hidden, a space at an end)
+    int row = -1;    // planned from a table: the table row it speaks of
+};
+
+} // namespace Batch
+
+// Checks every row of a batch and orders its moves, before anything moves:
+//   check  a new name is a single name (not empty, ".", "..", no "/" or NUL,
+//          at most 255 bytes); two rows may not want one name or move one
+//          file; a name taken on disk is free only if its item moves away;
+//   order  deeper items before the folders that hold them; a chain (a->b,
+//          b->c) back to front; a swap or cycle through a temporary name in
+//          the same folder.
+// Paths are made absolute and their folders resolved, so a journal names
+// the same files from wherever it is read.
+struct BatchPlan {
+    std::vector<Batch::Outcome> outcomes; // one per row, in the rows' order
+    BatchJournal journal;                 // the rows that will be renamed
+    std::vector<int> rows;                // planned from a table: the table row of each outcome
+
+    // Without `ordered` only the outcomes are worked out, as for a dry run.
+    static BatchPlan make(const std::vector<Batch::Move> &moves, BatchJournal::Kind kind, bool ordered = true);
+    // A table's included rows, each to take its new name, planned from the
+    // rows' own strings and identities; each outcome names its row.
+    static BatchPlan make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind,
+                          bool ordered = true);
+
+    // The moves that give a table's included rows their new names, one per
+    // included row in row order, each with its row: the one way rows
+    // become moves.
+    struct RowMove {
+        int row;
+        Batch::Move move;
+    };
+    static std::vector<RowMove> movesOf(const std::vector<ItemRecord> &rows, const QStringList &newNames);
+};

@@ -1,0 +1,420 @@
+#include "FolderListing.h"
+
+#include "HiddenItems.h"
+#include "PathCodec.h"
+#include "PathNames.h"
+#include "StringAdditions.h"
+
+#include <QSet>
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+bool isBlankFilter(const QStringList &filter)
+{
+    return filter.size() == 1 && ROZ_NSStringAdditions::isBlankString(filter.first());
+}
+
+QString extensionOf(const QString &name)
+{
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot > 0 ? name.mid(dot + 1) : QString(QLatin1String(""));
+}
+
+qint64 milliseconds(const statx_timestamp &time)
+{
+    return qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
+}
+
+QString withoutTrailingSlashes(QString path)
+{
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+// A path as the listing reads it: absolute (a relative one is taken from
+// the working folder), without trailing slashes.
+QString absolute(const QString &path)
+{
+    if (path.startsWith(u'/'))
+        return withoutTrailingSlashes(path);
+    char here[PATH_MAX];
+    const QString current = getcwd(here, sizeof here) ? PathCodec::decode(here) : QStringLiteral("/");
+    return withoutTrailingSlashes(FolderListing::fullPath(current, path));
+}
+
+} // namespace
+
+FolderListing::FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool)
+    : m_dates(dates), m_stop(stopProgressBool)
+{
+}
+
+QString FolderListing::fullPath(const QString &folder, const QString &name)
+{
+    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+QStringList FolderListing::directoryContents(const QString &folder, bool withInvisibles)
+{
+    if (withInvisibles)
+        return FileStatus::entryNames(folder).value_or(QStringList());
+    QStringList names;
+    forEachVisible(fullPath(folder, QString()), [&names](Scanned &item, const QByteArray &) {
+        names.append(item.name);
+        return true;
+    });
+    return names;
+}
+
+QStringList FolderListing::listFolder(const QString &folder)
+{
+    QStringList paths;
+    for (const QString &name : directoryContents(folder, false))
+        paths.append(fullPath(folder, name));
+    return paths;
+}
+
+QStringList FolderListing::containerAndItemName(const QString &path)
+{
+    const QString name = PathNames::lastComponent(path);
+    return {name, ROZ_NSStringAdditions::desuffix(path, name)};
+}
+
+bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)
+{
+    for (const QString &entry : set) {
+        // Exactly four characters make a code.
+        if (entry.size() != 4)
+            continue;
+        quint32 value = 0;
+        bool latin = true;
+        for (QChar c : entry) {
+            latin = latin && c.unicode() <= 0xFF;
+            value = (value << 8) | (c.unicode() & 0xFF);
+        }
+        if (latin && value == code)
+            return true;
+    }
+    return false;
+}
+
+// What the file system says of one item: plain values, so any thread may
+// read them without allocating.
+struct FolderListing::Status {
+    bool exists = false;
+    struct statx status;
+    std::optional<FinderInfo::Info> finder;
+};
+
+FolderListing::Status FolderListing::statusAt(int at, const char *relative, const QByteArray &path)
+{
+    Status found;
+    const unsigned int wanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_MTIME | STATX_BTIME;
+    found.exists = statx(at, relative, AT_SYMLINK_NOFOLLOW, wanted, &found.status) == 0;
+    found.finder = FinderInfo::read(path, false);
+    return found;
+}
+
+// Reads one item: `relative` is its name in the folder `at` (or its whole
+// path, with AT_FDCWD); `path` is its whole path in any case.
+FolderListing::Scanned FolderListing::scan(int at, const char *relative, const QByteArray &path, const QString &location,
+                                           QString name)
+{
+    return scanned(statusAt(at, relative, path), location, std::move(name));
+}
+
+FolderListing::Scanned FolderListing::scanned(const Status &found, const QString &location, QString name)
+{
+    Scanned item;
+    item.location = location;
+    item.name = std::move(name);
+    item.finder = found.finder;
+    if (!found.exists)
+        return item;
+    const struct statx &status = found.status;
+    item.exists = true;
+    item.isFolder = S_ISDIR(status.stx_mode);
+    item.isLink = S_ISLNK(status.stx_mode);
+    item.identity = {makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, 0};
+    item.size = status.stx_size;
+    item.modified = milliseconds(status.stx_mtime);
+    if (status.stx_mask & STATX_BTIME) {
+        item.created = milliseconds(status.stx_btime);
+        item.identity.born = qint64(status.stx_btime.tv_sec) * 1000000000 + status.stx_btime.tv_nsec;
+    }
+    return item;
+}
+
+FolderListing::Scanned FolderListing::scanPath(const QString &path)
+{
+    const QString whole = absolute(path);
+    const qsizetype slash = whole.lastIndexOf(u'/');
+    const QByteArray bytes = PathCodec::encode(whole);
+    return scan(AT_FDCWD, bytes.constData(), bytes, whole.left(slash + 1), whole.mid(slash + 1));
+}
+
+// The visibility rules, from what was already read. A link's invisible
+// flag is its target's.
+bool FolderListing::visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden)
+{
+    if (item.name.startsWith(u'.') || (item.location == QLatin1String("/") && HiddenItems::isSystemPath(u'/' + item.name)))
+        return false;
+    const auto finder = item.isLink ? FinderInfo::read(path, true) : item.finder;
+    if (finder && (finder->flags & FinderInfo::InvisibleFlag))
+        return false;
+    return !hidden.contains(item.name);
+}
+
+// A folder's visible items in the order the file system gives them, read
+// through one descriptor for the folder. Entries are taken in blocks, each
+// read by this thread and a helper (two system calls an item are most of a
+// listing's time), then used in order here.
+void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each)
+{
+    const QString folder = withoutTrailingSlashes(location);
+    const QByteArray folderBytes = PathCodec::encode(folder);
+    const int descriptor = open(folderBytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR *entries = descriptor < 0 ? nullptr : fdopendir(descriptor);
+    if (!entries) {
+        if (descriptor >= 0)
+            close(descriptor);
+        return;
+    }
+    const QSet<QString> hidden = HiddenItems::listedIn(folder);
+    const QString shared = fullPath(folder, QString()); // one location for every row of the folder
+    const QByteArray base = folderBytes == "/" ? folderBytes : folderBytes + '/';
+    constexpr size_t block = 1024;
+    std::vector<QByteArray> names;
+    std::vector<QByteArray> paths(block);
+    std::vector<Status> found(block);
+    std::vector<Scanned> items(block);
+    // The helper thread only makes system calls: whatever allocates stays
+    // on this thread.
+    const auto readRange = [&](size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i)
+            found[i] = statusAt(descriptor, names[i].constData(), paths[i]);
+    };
+    for (bool more = true; more;) {
+        names.clear();
+        while (names.size() < block) {
+            const dirent *entry = readdir(entries);
+            if (!entry) {
+                more = false;
+                break;
+            }
+            if (entry->d_name[0] == '.' && (entry->d_name[1] == 0 || (entry->d_name[1] == '.' && entry->d_name[2] == 0)))
+                continue;
+            names.emplace_back(entry->d_name);
+        }
+        const size_t count = names.size();
+        for (size_t i = 0; i < count; ++i)
+            paths[i] = base + names[i];
+        if (count >= 64) {
+            std::thread helper(readRange, count / 2, count);
+            readRange(0, count / 2);
+            helper.join();
+        } else {
+            readRange(0, count);
+        }
+        for (size_t i = 0; i < count; ++i)
+            items[i] = scanned(found[i], shared, PathCodec::decode(names[i]));
+        for (size_t i = 0; i < count; ++i)
+            if (visible(items[i], paths[i], hidden) && !each(items[i], paths[i])) {
+                more = false;
+                break;
+            }
+    }
+    closedir(entries);
+}
+
+ItemRecord FolderListing::fileRecord(const Scanned &item, bool include) const
+{
+    ItemRecord record;
+    record.name = item.name;
+    record.location = item.location;
+    record.created = m_dates.clamp(item.created);
+    record.modified = m_dates.clamp(item.modified);
+    record.size = item.size;
+    record.typeCode = item.finder ? item.finder->type : 0;
+    record.creatorCode = item.finder ? item.finder->creator : 0;
+    record.include = include;
+    record.identity = item.identity;
+    return record;
+}
+
+// A folder's dates are not clamped; a missing one is 1 January 1904.
+ItemRecord FolderListing::folderRecord(const Scanned &item) const
+{
+    ItemRecord record;
+    record.name = item.name;
+    record.location = item.location;
+    record.created = item.created.value_or(m_dates.date1904.toMSecsSinceEpoch());
+    record.modified = item.modified.value_or(m_dates.date1904.toMSecsSinceEpoch());
+    record.identity = item.identity;
+    return record;
+}
+
+void FolderListing::useDateTaken(ItemRecord &record, const std::optional<DateTaken> &taken) const
+{
+    if (!taken)
+        return;
+    // Outside the dates an item may have, the date is clamped as any is,
+    // and then it is no longer the camera's clock.
+    record.created = m_dates.clamp(taken->milliseconds);
+    record.createdOffset = record.created == taken->milliseconds ? taken->offset : ItemRecord::NoOffset;
+}
+
+// Dates taken are read after the listing, the files shared among threads
+// (reading a photograph's metadata is most of the time, and files are
+// independent); this thread takes its share in small steps so a window
+// stays live and Stop is heard.
+void FolderListing::takeDatesTaken(const ListingRequest &request, Listing &listing)
+{
+    std::vector<size_t> files;
+    for (size_t i = 0; i < listing.items.size(); ++i)
+        if (listing.items[i].size)
+            files.push_back(i);
+    if (files.empty())
+        return;
+    std::vector<QByteArray> paths(files.size());
+    for (size_t i = 0; i < files.size(); ++i)
+        paths[i] = PathCodec::encode(listing.items[files[i]].path());
+    std::vector<std::optional<DateTaken>> taken(files.size());
+    std::atomic<size_t> next{0};
+    std::atomic<bool> abandoned{false};
+    constexpr size_t step = 16;
+    const auto work = [&] {
+        for (size_t from; !abandoned.load() && (from = next.fetch_add(step)) < files.size();)
+            for (size_t i = from; i < std::min(from + step, files.size()); ++i)
+                taken[i] = dateTaken(paths[i]);
+    };
+    const unsigned helpers = files.size() < 2 * step ? 0 : std::clamp(std::thread::hardware_concurrency(), 2u, 8u) - 1;
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < helpers; ++i)
+        threads.emplace_back(work);
+    for (size_t from; (from = next.fetch_add(step)) < files.size();) {
+        for (size_t i = from; i < std::min(from + step, files.size()); ++i)
+            taken[i] = dateTaken(paths[i]);
+        if (shouldStop(request)) {
+            abandoned.store(true);
+            break;
+        }
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    if (abandoned.load()) {
+        listing = Listing{{}, true, {}};
+        return;
+    }
+    for (size_t i = 0; i < files.size(); ++i)
+        useDateTaken(listing.items[files[i]], taken[i]);
+}
+
+FolderListing::ItemInfo FolderListing::fileInfo(const QString &path) const
+{
+    const Scanned item = scanPath(path);
+    ItemRecord record = fileRecord(item, true);
+    if (dateTaken && item.exists && !item.isFolder)
+        useDateTaken(record, dateTaken(PathCodec::encode(path)));
+    return {extensionOf(item.name), record.typeCode, record.created, record.takenOffset(), record.modified,
+            record.size.value_or(0)};
+}
+
+FolderListing::ItemInfo FolderListing::folderInfo(const QString &path) const
+{
+    const ItemRecord record = folderRecord(scanPath(path));
+    return {QString(), 0, record.created, std::nullopt, record.modified, 0};
+}
+
+Listing FolderListing::list(const ListingRequest &request)
+{
+    const Filters filters{isBlankFilter(request.typeCodes), isBlankFilter(request.extensions),
+                          (isBlankFilter(request.typeCodes) && isBlankFilter(request.extensions))
+                              || (request.typeCodes.isEmpty() && request.extensions.isEmpty()),
+                          QSet<QString>(request.extensions.cbegin(), request.extensions.cend()),
+                          withoutTrailingSlashes(request.root)};
+    Listing listing;
+    bool stopped = false;
+    for (const QString &path : request.paths) {
+        if (shouldStop(request)) {
+            stopped = true;
+            break;
+        }
+        addItem(request, filters, scanPath(path), request.descend, listing);
+    }
+    if (stopped)
+        listing = Listing{{}, true, {}};
+    else if (dateTaken)
+        takeDatesTaken(request, listing);
+    return listing;
+}
+
+bool FolderListing::shouldStop(const ListingRequest &request)
+{
+    if (keepResponsive)
+        keepResponsive();
+    if (!request.honourStop || m_stop.load())
+        return false;
+    m_stop.store(true);
+    return true;
+}
+
+void FolderListing::addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
+                              Listing &listing, bool &stopped)
+{
+    forEachVisible(location, [&](Scanned &item, const QByteArray &) {
+        if (shouldStop(request)) {
+            stopped = true;
+            return false;
+        }
+        addItem(request, filters, item, descend, listing);
+        return true;
+    });
+}
+
+void FolderListing::addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend,
+                            Listing &listing)
+{
+    if (item.isFolder) {
+        const QString path = item.location + item.name;
+        if (request.folderRows && path != filters.root)
+            listing.items.push_back(folderRecord(item));
+        if (descend || path == filters.root) {
+            // A stop inside a subfolder drops that folder's rows and is
+            // noted where they would have been; the parent goes on.
+            const size_t mark = listing.items.size();
+            bool nestedStop = false;
+            addFolder(request, filters, fullPath(path, QString()), descend, listing, nestedStop);
+            if (nestedStop) {
+                listing.items.resize(mark);
+                listing.stoppedInside.push_back(mark);
+            }
+        }
+        return;
+    }
+    bool include = false;
+    bool listed = true;
+    if (request.longNames) {
+        if (item.name.size() >= 32 && request.folderRows)
+            include = true;
+        else
+            listed = request.listUnmatched && !request.folderRows;
+    } else {
+        include = (filters.none && !request.folderRows)
+                  || (!filters.typeBlank && fileTypeCode(item.finder ? item.finder->type : 0u, request.typeCodes))
+                  || (!filters.extensionBlank && filters.extensions.contains(extensionOf(item.name)));
+        if (!include)
+            listed = request.listUnmatched && !request.folderRows;
+    }
+    if (listed)
+        listing.items.push_back(fileRecord(item, include));
+}

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "ClampedDates.h"
+#include "DatesTaken.h"
+#include "FileStatus.h"
+#include "ItemRecord.h"
+
+#include <QSet>
+#include <QStringList>
+#include <atomic>
+#include <functional>
+#include <optional>
+#include <vector>
+
+// What a listing is asked.
+struct ListingRequest {
+    QStringList paths;
+    QStringList typeCodes;
+    QStringList extensions;
+    bool longNames = false;
+    bool descend = false;
+    bool folderRows = false;
+    bool listUnmatched = false;
+    bool honourStop = false;
+    QString root;
+};
+
+// What a listing found: the rows in the order found, each folder's entries
+// as the file system gives them, depth first.
+struct Listing {
+    std::vector<ItemRecord> items;
+    bool stopped = false;              // a stop at the top level: nothing to show
+    std::vector<size_t> stoppedInside; // where a subfolder's listing was stopped, as positions in items
+};
+
+// Turns folders and files into the rows of the file table, dates clamped to
+// 1904..2040, attributes read without following symbolic links: each item
+// is read once (one statx relative to its folder, one extended attribute).
+class FolderListing {
+public:
+    FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool);
+
+    // Set when creation dates are the dates photographs were taken and
+    // recordings made: a file's date taken, or none (it keeps its own
+    // creation date). Read for every file row once, on several threads.
+    std::function<std::optional<DateTaken>(const QByteArray &path)> dateTaken;
+    // Called now and then during a long listing, so a window can stay live
+    // (and its Stop button be pressed).
+    std::function<void()> keepResponsive;
+
+    Listing list(const ListingRequest &request);
+
+    static QStringList listFolder(const QString &folder);
+    static QStringList directoryContents(const QString &folder, bool withInvisibles);
+    // One item read on its own, as a file or as a folder is listed.
+    struct ItemInfo {
+        QString extension;
+        quint32 typeCode = 0;
+        qint64 created = 0;
+        std::optional<qint32> createdOffset; // a date taken, shown at this offset
+        qint64 modified = 0;
+        quint64 size = 0;
+    };
+    ItemInfo fileInfo(const QString &path) const;
+    ItemInfo folderInfo(const QString &path) const;
+    static QStringList containerAndItemName(const QString &path);
+    static bool fileTypeCode(quint32 code, const QStringList &set);
+    static QString fullPath(const QString &folder, const QString &name);
+
+private:
+    // One item as the listing reads it.
+    struct Scanned {
+        QString name;
+        QString location; // ends with "/"
+        bool exists = false;
+        bool isFolder = false;
+        bool isLink = false;
+        FileIdentity identity;
+        quint64 size = 0;
+        std::optional<qint64> created;
+        std::optional<qint64> modified;
+        std::optional<FinderInfo::Info> finder;
+    };
+    // What the request's filters make of a listing.
+    struct Filters {
+        bool typeBlank, extensionBlank, none;
+        QSet<QString> extensions;
+        QString root;
+    };
+    struct Status;
+    static Status statusAt(int at, const char *relative, const QByteArray &path);
+    static Scanned scan(int at, const char *relative, const QByteArray &path, const QString &location, QString name);
+    static Scanned scanned(const Status &found, const QString &location, QString name);
+    static Scanned scanPath(const QString &path);
+    static bool visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden);
+    // Calls `each` with every visible item of a folder and its path, until
+    // it answers false.
+    static void forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each);
+    ItemRecord fileRecord(const Scanned &item, bool include) const;
+    ItemRecord folderRecord(const Scanned &item) const;
+    bool shouldStop(const ListingRequest &request);
+    void takeDatesTaken(const ListingRequest &request, Listing &listing);
+    void useDateTaken(ItemRecord &record, const std::optional<DateTaken> &taken) const;
+    void addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend, Listing &listing);
+    void addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
+                   Listing &listing, bool &stopped);
+
+    const ClampedDates &m_dates;
+    std::atomic<bool> &m_stop;
+};
