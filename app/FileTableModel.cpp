@@ -69,11 +69,17 @@ bool FileTableModel::setValue(const QVariant &value, const QString &identifier, 
     return true;
 }
 
-void FileTableModel::setNewNames(const QStringList &names)
+// One text per row of the new-name column, and the column shown again.
+void FileTableModel::setNewNameColumnTexts(QStringList &texts, const QStringList &given)
 {
-    m_newNames = names.mid(0, qsizetype(m_rows->size()));
+    texts = given.mid(0, qsizetype(m_rows->size()));
     if (!m_rows->empty())
         emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
+}
+
+void FileTableModel::setNewNames(const QStringList &names)
+{
+    setNewNameColumnTexts(m_newNames, names);
 }
 
 int FileTableModel::rowCount(const QModelIndex &parent) const
@@ -123,20 +129,14 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
 
 void FileTableModel::setConflicts(const QStringList &reasons)
 {
-    if (reasons == m_conflicts)
-        return;
-    m_conflicts = reasons.mid(0, qsizetype(m_rows->size()));
-    if (!m_rows->empty())
-        emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
+    if (reasons != m_conflicts)
+        setNewNameColumnTexts(m_conflicts, reasons);
 }
 
 void FileTableModel::setWarnings(const QStringList &warnings)
 {
-    if (warnings == m_warnings)
-        return;
-    m_warnings = warnings.mid(0, qsizetype(m_rows->size()));
-    if (!m_rows->empty())
-        emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
+    if (warnings != m_warnings)
+        setNewNameColumnTexts(m_warnings, warnings);
 }
 
 void FileTableModel::sort(int column, Qt::SortOrder order)

@@ -86,6 +86,7 @@ signals:
     void rowsReordered();
 
 private:
+    void setNewNameColumnTexts(QStringList &texts, const QStringList &given);
     bool m_showsDatesTaken = false;
     std::vector<ItemRecord> &changeableRows();
 

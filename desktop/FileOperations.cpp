@@ -23,13 +23,6 @@ namespace {
 
 enum class Transfer { Move, Copy };
 
-QByteArray withoutTrailingSlashes(QByteArray path)
-{
-    while (path.size() > 1 && path.endsWith('/'))
-        path.chop(1);
-    return path;
-}
-
 std::optional<QByteArray> resolved(const QByteArray &path)
 {
     char *real = ::realpath(path.constData(), nullptr);
@@ -44,7 +37,7 @@ std::optional<QByteArray> resolved(const QByteArray &path)
 // left unfollowed (a trailing slash does not make it followed).
 std::optional<QByteArray> canonicalItem(const QByteArray &path)
 {
-    const QByteArray trimmed = withoutTrailingSlashes(path);
+    const QByteArray trimmed = PathNames::withoutTrailingSlashes(path);
     const QByteArray name = trimmed.mid(trimmed.lastIndexOf('/') + 1);
     if (name.isEmpty() || name == "." || name == ".." || trimmed == "/")
         return resolved(trimmed);
@@ -66,7 +59,7 @@ bool isProtected(const QByteArray &canonical)
     if (const passwd *entry = ::getpwuid(::getuid()); entry && entry->pw_dir)
         homes.append(QByteArray(entry->pw_dir));
     for (const QByteArray &home : homes) {
-        const QByteArray real = resolved(home).value_or(withoutTrailingSlashes(home));
+        const QByteArray real = resolved(home).value_or(PathNames::withoutTrailingSlashes(home));
         if (real == canonical || real.startsWith(canonical + '/'))
             return true;
     }

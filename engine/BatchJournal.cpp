@@ -1,5 +1,7 @@
 #include "BatchJournal.h"
 
+#include "PathNames.h"
+
 #include "PathCodec.h"
 
 #include <QCryptographicHash>
@@ -174,7 +176,7 @@ private:
 QString BatchJournal::pathOf(const Item &item, int position) const
 {
     const QString &folder = folders[item.folder];
-    return (folder.endsWith(u'/') ? folder : folder + u'/') + item.names[position];
+    return PathNames::joined(folder, item.names[position]);
 }
 
 // Everything before the checksum, written piece by piece: a batch of a

@@ -2,6 +2,7 @@
 #include "ErrnoText.h"
 
 #include "PathCodec.h"
+#include "PathNames.h"
 
 #include <algorithm>
 #include <QHash>
@@ -97,22 +98,14 @@ private:
 // Folders made absolute and free of links, each worked out once.
 class FolderResolver {
 public:
-    FolderResolver()
-    {
-        char here[PATH_MAX];
-        if (getcwd(here, sizeof here))
-            m_current = PathCodec::decode(here);
-    }
-
     // The resolved folder, or the errno value that stood in the way.
     std::variant<QString, int> resolve(const QString &folder)
     {
         const auto known = m_known.constFind(folder);
         if (known != m_known.cend())
             return *known;
-        const QString absolute = folder.startsWith(u'/') ? folder : m_current + u'/' + folder;
         std::variant<QString, int> answer;
-        if (char *real = realpath(PathCodec::encode(absolute).constData(), nullptr)) {
+        if (char *real = realpath(PathCodec::encode(PathNames::absolute(folder)).constData(), nullptr)) {
             answer = PathCodec::decode(real);
             free(real);
         } else {
@@ -123,16 +116,8 @@ public:
     }
 
 private:
-    QString m_current;
     QHash<QString, std::variant<QString, int>> m_known;
 };
-
-QString withoutTrailingSlash(QString path)
-{
-    while (path.size() > 1 && path.endsWith(u'/'))
-        path.chop(1);
-    return path;
-}
 
 QString invalidNameReason(const QString &name)
 {
@@ -181,7 +166,7 @@ struct Request {
 
     QString path() const
     {
-        return move ? move->from : folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+        return move ? move->from : PathNames::joined(folder, name);
     }
 };
 
@@ -271,7 +256,7 @@ private:
     QString pathOf(int folder, const QString &name) const
     {
         const QString &path = m_folderPaths[folder];
-        return path.endsWith(u'/') ? path + name : path + u'/' + name;
+        return PathNames::joined(path, name);
     }
 
     // The resolved folder's index; rows of one folder usually follow each
@@ -319,7 +304,7 @@ private:
         const auto folder = folderIndex(request.folder);
         if (folder.index() == 1) {
             const int error = std::get<1>(folder);
-            const QString shown = withoutTrailingSlash(request.folder);
+            const QString shown = PathNames::withoutTrailingSlashes(request.folder);
             return refuse(Status::Failed, error == ENOENT ? QStringLiteral("no such folder \"%1\"").arg(shown)
                                                           : QStringLiteral("the folder \"%1\" cannot be reached: %2")
                                                                 .arg(shown, errnoText(error)));

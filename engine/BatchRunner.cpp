@@ -1,4 +1,6 @@
 #include "BatchRunner.h"
+
+#include "PathNames.h"
 #include "ErrnoText.h"
 
 #include "BatchObserver.h"
@@ -13,11 +15,6 @@
 namespace {
 
 constexpr int Unknown = -2;
-
-QString joined(const QString &folder, const QString &name)
-{
-    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
-}
 
 QString parentOf(const QString &path)
 {
@@ -74,7 +71,7 @@ QString BatchRunner::resolve(const QString &path)
     if (position != NotFound)
         now = pathNow(*container, position);
     else
-        now = joined(resolve(parentOf(path)), path.mid(path.lastIndexOf(u'/') + 1));
+        now = PathNames::joined(resolve(parentOf(path)), path.mid(path.lastIndexOf(u'/') + 1));
     m_resolved.insert(path, now);
     return now;
 }
@@ -108,7 +105,7 @@ QString BatchRunner::folderNow(int item)
 
 QString BatchRunner::pathNow(int item, int position)
 {
-    return joined(folderNow(item), m_journal.items[size_t(item)].names[position]);
+    return PathNames::joined(folderNow(item), m_journal.items[size_t(item)].names[position]);
 }
 
 int BatchRunner::positionOf(int item)
@@ -120,7 +117,7 @@ int BatchRunner::positionOf(int item)
     const BatchJournal::Item &entry = m_journal.items[size_t(item)];
     const QString folder = folderNow(item);
     for (int at = entry.last(); at >= 0; --at) {
-        const auto found = FileIdentity::at(PathCodec::encode(joined(folder, entry.names[at])));
+        const auto found = FileIdentity::at(PathCodec::encode(PathNames::joined(folder, entry.names[at])));
         if (found && entry.matches(*found)) {
             position = at;
             break;

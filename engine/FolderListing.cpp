@@ -33,24 +33,6 @@ qint64 milliseconds(const statx_timestamp &time)
     return qint64(time.tv_sec) * 1000 + time.tv_nsec / 1000000;
 }
 
-QString withoutTrailingSlashes(QString path)
-{
-    while (path.size() > 1 && path.endsWith(u'/'))
-        path.chop(1);
-    return path;
-}
-
-// A path as the listing reads it: absolute (a relative one is taken from
-// the working folder), without trailing slashes.
-QString absolute(const QString &path)
-{
-    if (path.startsWith(u'/'))
-        return withoutTrailingSlashes(path);
-    char here[PATH_MAX];
-    const QString current = getcwd(here, sizeof here) ? PathCodec::decode(here) : QStringLiteral("/");
-    return withoutTrailingSlashes(FolderListing::fullPath(current, path));
-}
-
 } // namespace
 
 FolderListing::FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool)
@@ -60,7 +42,7 @@ FolderListing::FolderListing(const ClampedDates &dates, std::atomic<bool> &stopP
 
 QString FolderListing::fullPath(const QString &folder, const QString &name)
 {
-    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+    return PathNames::joined(folder, name);
 }
 
 QStringList FolderListing::directoryContents(const QString &folder, bool withInvisibles)
@@ -156,7 +138,7 @@ FolderListing::Scanned FolderListing::scanned(const Status &found, const QString
 
 FolderListing::Scanned FolderListing::scanPath(const QString &path)
 {
-    const QString whole = absolute(path);
+    const QString whole = PathNames::absolute(path);
     const qsizetype slash = whole.lastIndexOf(u'/');
     const QByteArray bytes = PathCodec::encode(whole);
     return scan(AT_FDCWD, bytes.constData(), bytes, whole.left(slash + 1), whole.mid(slash + 1));
@@ -180,7 +162,7 @@ bool FolderListing::visible(const Scanned &item, const QByteArray &path, const Q
 // listing's time), then used in order here.
 void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each)
 {
-    const QString folder = withoutTrailingSlashes(location);
+    const QString folder = PathNames::withoutTrailingSlashes(location);
     const QByteArray folderBytes = PathCodec::encode(folder);
     const int descriptor = open(folderBytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR *entries = descriptor < 0 ? nullptr : fdopendir(descriptor);
@@ -341,7 +323,7 @@ Listing FolderListing::list(const ListingRequest &request)
                           (isBlankFilter(request.typeCodes) && isBlankFilter(request.extensions))
                               || (request.typeCodes.isEmpty() && request.extensions.isEmpty()),
                           QSet<QString>(request.extensions.cbegin(), request.extensions.cend()),
-                          withoutTrailingSlashes(request.root)};
+                          PathNames::withoutTrailingSlashes(request.root)};
     Listing listing;
     bool stopped = false;
     for (const QString &path : request.paths) {

@@ -1,21 +1,10 @@
 #include "NameComposer.h"
 
 #include "CaseChange.h"
+#include "PathNames.h"
 #include "StringAdditions.h"
 
 using namespace ROZ_NSStringAdditions;
-
-namespace {
-
-QString lastPathComponent(const QString &path)
-{
-    QString trimmed = path;
-    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
-        trimmed.chop(1);
-    return trimmed == QLatin1String("/") ? trimmed : trimmed.section(u'/', -1);
-}
-
-} // namespace
 
 void NameComposer::useRule(const RenameRule &newRule)
 {
@@ -147,7 +136,7 @@ QString NameComposer::folderNameOf(const QString &location)
 {
     if (location != m_lastLocation || m_lastLocation.isNull()) {
         m_lastLocation = location;
-        m_lastFolderName = lastPathComponent(location);
+        m_lastFolderName = PathNames::lastComponent(location);
     }
     return m_lastFolderName;
 }

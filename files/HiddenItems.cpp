@@ -1,5 +1,7 @@
 #include "HiddenItems.h"
 
+#include "PathNames.h"
+
 #include "FileBytes.h"
 #include "FileStatus.h"
 #include "PathCodec.h"
@@ -41,7 +43,7 @@ QSet<QString> namesIn(const QString &hiddenFile)
 
 QString ownList(const QString &folder)
 {
-    return (folder.endsWith(u'/') ? folder : folder + u'/') + QStringLiteral(".hidden");
+    return PathNames::joined(folder, QStringLiteral(".hidden"));
 }
 
 } // namespace

@@ -8,11 +8,28 @@
 
 namespace PathNames {
 
+QString joined(const QString &folder, const QString &name)
+{
+    return folder.endsWith(u'/') ? folder + name : folder + u'/' + name;
+}
+
+QString withoutTrailingSlashes(QString path)
+{
+    while (path.size() > 1 && path.endsWith(u'/'))
+        path.chop(1);
+    return path;
+}
+
+QByteArray withoutTrailingSlashes(QByteArray path)
+{
+    while (path.size() > 1 && path.endsWith('/'))
+        path.chop(1);
+    return path;
+}
+
 QString lastComponent(const QString &path)
 {
-    QString trimmed = path;
-    while (trimmed.size() > 1 && trimmed.endsWith(u'/'))
-        trimmed.chop(1);
+    const QString trimmed = withoutTrailingSlashes(path);
     if (trimmed == QLatin1String("/"))
         return trimmed;
     return trimmed.section(u'/', -1);
@@ -26,9 +43,7 @@ QString absolute(const QString &path)
         if (getcwd(here, sizeof here))
             full = PathCodec::decode(here) + (here[1] ? QStringLiteral("/") : QString()) + full;
     }
-    while (full.size() > 1 && full.endsWith(u'/'))
-        full.chop(1);
-    return full;
+    return withoutTrailingSlashes(full);
 }
 
 QByteArray folderOf(const QByteArray &path)

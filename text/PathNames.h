@@ -5,6 +5,12 @@
 
 namespace PathNames {
 
+// A folder and a name in it, with one "/" between them ("/" + "a" is "/a").
+QString joined(const QString &folder, const QString &name);
+// The path without trailing slashes; the root stays "/".
+QString withoutTrailingSlashes(QString path);
+QByteArray withoutTrailingSlashes(QByteArray path);
+
 // The last component of a path: trailing slashes do not count, and the root
 // is itself.
 QString lastComponent(const QString &path);
