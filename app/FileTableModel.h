@@ -15,14 +15,12 @@
 // (text/uri-list) are accepted and handed on.
 class FileTableModel final : public QAbstractTableModel {
     Q_OBJECT
-    Q_PROPERTY(QString nomenClassName READ className CONSTANT)
 public:
     enum Column { Include, Original, Location, Creation, Modification, Size, New, ColumnCount };
     static const QStringList &columnIdentifiers();
     static inline const QString DraggedTableRows = QStringLiteral("DraggedTableRows");
 
     explicit FileTableModel(QObject *parent = nullptr);
-    QString className() const { return QStringLiteral("ASKDataSource"); }
 
     const std::vector<ItemRecord> &rows() const { return *m_rows; }
     // The rows as they stand, for work aside: held without a copy; the

@@ -68,6 +68,8 @@ RZApplication::RZApplication(int &argc, char **argv) : QApplication(argc, argv),
 {
     setApplicationName(QStringLiteral("Nomen"));
     setOrganizationName(QStringLiteral("Nomen"));
+    // Scripts know the table's data source by this class name.
+    m_table->setProperty("nomenClassName", QStringLiteral("ASKDataSource"));
 }
 
 RZApplication::~RZApplication()

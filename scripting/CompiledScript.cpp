@@ -49,6 +49,7 @@ CompiledScript::CompiledScript(const MethodRegistry &methods, const QString &sou
     : QObject(parent), m_methods(methods), m_source(source), m_fileName(fileName),
       m_host(std::make_unique<ScriptHost>(methods))
 {
+    setProperty("nomenClassName", QStringLiteral("NSAppleScript"));
     // Compiled as a function body, so nothing runs yet and a syntax error
     // keeps its line number.
     const auto compiled =

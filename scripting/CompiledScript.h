@@ -18,7 +18,6 @@ class ScriptHost;
 // message) and "NSAppleScriptErrorBriefMessage" (the message alone).
 class CompiledScript : public QObject {
     Q_OBJECT
-    Q_PROPERTY(QString nomenClassName READ className CONSTANT)
 public:
     CompiledScript(const MethodRegistry &methods, const QString &source,
                    const QString &fileName = QStringLiteral("script"), QObject *parent = nullptr);
@@ -29,7 +28,6 @@ public:
     static CompiledScript *fromFile(const MethodRegistry &methods, const QString &path, QVariantMap *errorInfo,
                                     QObject *parent = nullptr);
 
-    QString className() const { return QStringLiteral("NSAppleScript"); }
     bool isCompiled() const { return !m_compileError.has_value(); }
     const std::optional<QVariantMap> &compileError() const { return m_compileError; }
 
