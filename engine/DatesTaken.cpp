@@ -182,6 +182,8 @@ struct HeifInput {
 
     bool read(char *data, size_t length)
     {
+        if (length == 0)
+            return true;
         if (position < blockStart || position + int64_t(length) > blockStart + int64_t(block.size())) {
             block.resize(std::max<size_t>(length, 64 * 1024));
             size_t got = 0;
