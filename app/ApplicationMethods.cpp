@@ -403,16 +403,16 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(SavedRules().names());
     });
     add(registry, "saveRuleNamed:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(SavedRules().save(convert<QString>(args[0], 0), RuleForm::rule(app.form())));
+        return QVariant(SavedRules().save(convert<QString>(args[0], 0), RuleForm::rule(app.form())).reason());
     });
     add(registry, "useRuleNamed:", [](RZApplication &app, const QVariantList &args) {
-        const SavedRules::Loaded loaded = SavedRules().load(convert<QString>(args[0], 0));
-        if (loaded.rule)
-            RuleForm::apply(app.form(), *loaded.rule);
-        return QVariant(loaded.error);
+        const auto loaded = SavedRules().load(convert<QString>(args[0], 0));
+        if (loaded)
+            RuleForm::apply(app.form(), *loaded);
+        return QVariant(loaded.reason());
     });
     add(registry, "deleteRuleNamed:", [](RZApplication &, const QVariantList &args) {
-        return QVariant(SavedRules().remove(convert<QString>(args[0], 0)));
+        return QVariant(SavedRules().remove(convert<QString>(args[0], 0)).reason());
     });
     add(registry, "saveInterfaceState", [](RZApplication &app, const QVariantList &) {
         QSettings settings;

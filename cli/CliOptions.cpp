@@ -96,8 +96,8 @@ QString problem(const QCommandLineParser &options)
     if (commands > 1)
         return QStringLiteral("nomen-cli: choose one of --apply, --undo, --finish and --roll-back");
     if (options.isSet("save-rule"))
-        if (const QString name = SavedRules::nameProblem(options.value("save-rule")); !name.isEmpty())
-            return QStringLiteral("nomen-cli: --save-rule: ") + name;
+        if (const auto usable = SavedRules::checkName(options.value("save-rule")); !usable)
+            return QStringLiteral("nomen-cli: --save-rule: ") + usable.reason();
     if (options.isSet("map") && options.isSet("rule"))
         return QStringLiteral("nomen-cli: --map renames by its table alone; leave out --rule");
     if (options.isSet("map") && !options.positionalArguments().isEmpty())

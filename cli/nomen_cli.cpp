@@ -145,8 +145,8 @@ int ruleCommand(const SavedRules &rules, const QCommandLineParser &options, cons
         return CliReport::Success;
     }
     const QString name = options.value("save-rule");
-    if (const QString failed = rules.save(name, rule); !failed.isEmpty()) {
-        say(stderr, QStringLiteral("nomen-cli: the rule \"%1\" was not saved: %2").arg(name, failed));
+    if (const auto saved = rules.save(name, rule); !saved) {
+        say(stderr, QStringLiteral("nomen-cli: the rule \"%1\" was not saved: %2").arg(name, saved.reason()));
         return CliReport::Failures;
     }
     say(stderr, QStringLiteral("nomen-cli: saved the rule \"%1\" as \"%2\"").arg(name, rules.pathOf(name)));
@@ -198,12 +198,12 @@ int main(int argc, char **argv)
     const SavedRules rules;
     RenameRule base;
     if (options.isSet("rule")) {
-        const SavedRules::Loaded saved = rules.load(options.value("rule"));
-        if (!saved.rule) {
-            say(stderr, QStringLiteral("nomen-cli: %1").arg(saved.error));
+        auto saved = rules.load(options.value("rule"));
+        if (!saved) {
+            say(stderr, QStringLiteral("nomen-cli: %1").arg(saved.reason()));
             return CliReport::NoInput;
         }
-        base = *saved.rule;
+        base = std::move(*saved);
     }
     const RenameRule rule = CliOptions::rule(options, base);
     if (!options.isSet("list-rules") && !options.isSet("map")) {
@@ -216,14 +216,15 @@ int main(int argc, char **argv)
         return ruleCommand(rules, options, rule);
 
     // A map names its moves itself; a rule composes them from the listing.
-    MapFile::Read map;
+    std::vector<Batch::Move> mapped;
     QStringList roots;
     if (options.isSet("map")) {
-        map = MapFile::read(options.value("map"));
-        if (!map.error.isEmpty()) {
-            say(stderr, QStringLiteral("nomen-cli: %1").arg(map.error));
+        auto map = MapFile::read(options.value("map"));
+        if (!map) {
+            say(stderr, QStringLiteral("nomen-cli: %1").arg(map.reason()));
             return CliReport::NoInput;
         }
+        mapped = std::move(*map);
     } else {
         auto found = rootsOf(options);
         if (const int *failed = std::get_if<int>(&found))
@@ -235,8 +236,8 @@ int main(int argc, char **argv)
     // An apply holds the lock from listing to renaming, so what it lists is
     // what it renames, and checks for a batch cut short before the work.
     if (apply) {
-        if (const QString busy = mover.hold(); !busy.isEmpty())
-            return CliReport::refusal(SafeMover::Refusal::Busy, busy);
+        if (const auto held = mover.hold(); !held)
+            return CliReport::refusal(SafeMover::Refusal::Busy, held.reason());
     }
     if (const auto refused = mover.pendingRefusal()) {
         if (apply)
@@ -246,10 +247,10 @@ int main(int argc, char **argv)
     const bool json = options.isSet("json");
     if (options.isSet("map")) {
         if (!apply)
-            return CliReport::rows(SafeMover::plan(map.moves), json, false);
+            return CliReport::rows(SafeMover::plan(mapped), json, false);
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
-        return CliReport::report(mover.apply(map.moves), json);
+        return CliReport::report(mover.apply(mapped), json);
     }
     try {
         const Table table = compose(options, rule, roots);

@@ -235,13 +235,9 @@ QByteArray BatchJournal::copyRecord(int item, const FileIdentity &copy)
     return record + ' ' + checksum(record).left(16) + '\n';
 }
 
-std::optional<BatchJournal> BatchJournal::parse(const QByteArray &text, QString *error)
+Result<BatchJournal> BatchJournal::parse(const QByteArray &text)
 {
-    auto refuse = [error](const QString &why) {
-        if (error)
-            *error = why;
-        return std::nullopt;
-    };
+    const auto refuse = [](const QString &why) { return Failure{why}; };
     if (!text.startsWith(QByteArray(Magic) + '\n'))
         return refuse(QStringLiteral("it is not a Nomen journal"));
     const qsizetype sumAt = text.indexOf("\nsum ");

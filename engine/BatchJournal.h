@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FileIdentity.h"
+#include "Result.h"
 
 #include <QByteArray>
 #include <QString>
@@ -51,10 +52,10 @@ struct BatchJournal {
     QByteArray serialize() const;
     QByteArray body() const; // all before the checksum
     // A journal only if it is whole and consistent and its checksum holds;
-    // otherwise nullopt and the reason in `error`. Records appended after
+    // otherwise the reason. Records appended after
     // the checksum count when their own checksum holds; a torn last line
     // (the write cut short) is left out.
-    static std::optional<BatchJournal> parse(const QByteArray &text, QString *error);
+    static Result<BatchJournal> parse(const QByteArray &text);
     // The record appended once an item has been copied across file systems.
     static QByteArray copyRecord(int item, const FileIdentity &copy);
 };

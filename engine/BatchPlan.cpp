@@ -1,5 +1,6 @@
 #include "BatchPlan.h"
 #include "ErrnoText.h"
+#include "OpenFiles.h"
 
 #include "PathCodec.h"
 #include "PathNames.h"
@@ -75,21 +76,14 @@ private:
 
     static std::optional<QSet<QByteArray>> namesIn(const QString &folder)
     {
-        const int descriptor = open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (descriptor < 0)
+        FileDescriptor descriptor(open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!descriptor.isOpen() || !comparesBytes(descriptor.get()))
             return std::nullopt;
-        DIR *listing = comparesBytes(descriptor) ? fdopendir(descriptor) : nullptr;
-        if (!listing) {
-            close(descriptor);
-            return std::nullopt;
-        }
+        FolderEntries listing(std::move(descriptor));
         QSet<QByteArray> names;
-        errno = 0;
-        while (const dirent *entry = readdir(listing))
+        while (const dirent *entry = listing.next())
             names.insert(QByteArray(entry->d_name));
-        const bool whole = errno == 0;
-        closedir(listing);
-        return whole ? std::optional(std::move(names)) : std::nullopt;
+        return listing.isOpen() && listing.error() == 0 ? std::optional(std::move(names)) : std::nullopt;
     }
 
     QHash<QString, QSet<QByteArray>> m_names;

@@ -5,6 +5,7 @@
 
 #include "BatchObserver.h"
 #include "FileMoves.h"
+#include "OpenFiles.h"
 #include "PathCodec.h"
 
 #include <cerrno>
@@ -15,22 +16,6 @@
 namespace {
 
 constexpr int Unknown = -2;
-
-QString parentOf(const QString &path)
-{
-    const qsizetype slash = path.lastIndexOf(u'/');
-    return slash <= 0 ? QStringLiteral("/") : path.left(slash);
-}
-
-int flushFolder(const QString &folder)
-{
-    const int descriptor = open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return errno;
-    const int error = fsync(descriptor) == 0 ? 0 : errno;
-    close(descriptor);
-    return error;
-}
 
 } // namespace
 
@@ -43,9 +28,9 @@ BatchRunner::BatchRunner(BatchJournal &journal, Hooks hooks) : m_journal(journal
         folderIndex.insert(m_journal.folders[i], int(i));
     QHash<int, QSet<QString>> wanted; // folder index -> names of items that are containers
     for (const QString &folder : std::as_const(m_journal.folders))
-        for (QString path = folder; path != QLatin1String("/"); path = parentOf(path))
-            if (const auto parent = folderIndex.constFind(parentOf(path)); parent != folderIndex.cend())
-                wanted[*parent].insert(path.mid(path.lastIndexOf(u'/') + 1));
+        for (QString path = folder; path.startsWith(u'/') && path != QLatin1String("/"); path = PathNames::folderOf(path))
+            if (const auto parent = folderIndex.constFind(PathNames::folderOf(path)); parent != folderIndex.cend())
+                wanted[*parent].insert(PathNames::lastComponent(path));
     if (wanted.isEmpty())
         return;
     for (size_t item = 0; item < m_journal.items.size(); ++item) {
@@ -60,7 +45,7 @@ BatchRunner::BatchRunner(BatchJournal &journal, Hooks hooks) : m_journal(journal
 
 QString BatchRunner::resolve(const QString &path)
 {
-    if (path == QLatin1String("/"))
+    if (path == QLatin1String("/") || !path.startsWith(u'/'))
         return path;
     const auto known = m_resolved.constFind(path);
     if (known != m_resolved.cend())
@@ -71,7 +56,7 @@ QString BatchRunner::resolve(const QString &path)
     if (position != NotFound)
         now = pathNow(*container, position);
     else
-        now = PathNames::joined(resolve(parentOf(path)), path.mid(path.lastIndexOf(u'/') + 1));
+        now = PathNames::joined(resolve(PathNames::folderOf(path)), PathNames::lastComponent(path));
     m_resolved.insert(path, now);
     return now;
 }
@@ -266,7 +251,7 @@ BatchRunner::Result BatchRunner::run(std::vector<int> positions)
             touched.insert(m_journal.items[item].folder, int(item));
     for (auto folder = touched.cbegin(); folder != touched.cend(); ++folder) {
         const QString path = folderNow(folder.value());
-        if (const int error = flushFolder(path); error && result.flushProblem.isEmpty())
+        if (const int error = flushFolder(PathCodec::encode(path)); error && result.flushProblem.isEmpty())
             result.flushProblem = QStringLiteral("the folder \"%1\" could not be flushed: %2")
                                       .arg(path, errnoText(error));
     }

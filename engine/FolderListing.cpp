@@ -1,6 +1,7 @@
 #include "FolderListing.h"
 
 #include "HiddenItems.h"
+#include "OpenFiles.h"
 #include "PathCodec.h"
 #include "PathNames.h"
 #include "StringAdditions.h"
@@ -164,13 +165,10 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
 {
     const QString folder = PathNames::withoutTrailingSlashes(location);
     const QByteArray folderBytes = PathCodec::encode(folder);
-    const int descriptor = open(folderBytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR *entries = descriptor < 0 ? nullptr : fdopendir(descriptor);
-    if (!entries) {
-        if (descriptor >= 0)
-            close(descriptor);
+    FolderEntries entries(FileDescriptor(open(folderBytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+    if (!entries.isOpen())
         return;
-    }
+    const int descriptor = entries.descriptor();
     const QSet<QString> hidden = HiddenItems::listedIn(folder);
     const QString shared = fullPath(folder, QString()); // one location for every row of the folder
     const QByteArray base = folderBytes == "/" ? folderBytes : folderBytes + '/';
@@ -188,13 +186,11 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
     for (bool more = true; more;) {
         names.clear();
         while (names.size() < block) {
-            const dirent *entry = readdir(entries);
+            const dirent *entry = entries.next();
             if (!entry) {
                 more = false;
                 break;
             }
-            if (entry->d_name[0] == '.' && (entry->d_name[1] == 0 || (entry->d_name[1] == '.' && entry->d_name[2] == 0)))
-                continue;
             names.emplace_back(entry->d_name);
         }
         const size_t count = names.size();
@@ -215,7 +211,6 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
                 break;
             }
     }
-    closedir(entries);
 }
 
 ItemRecord FolderListing::fileRecord(const Scanned &item, bool include) const

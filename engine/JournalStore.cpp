@@ -1,4 +1,5 @@
 #include "JournalStore.h"
+#include "OpenFiles.h"
 #include "ErrnoText.h"
 
 #include "BatchObserver.h"
@@ -23,33 +24,14 @@ QByteArray bytes(const QString &path)
     return PathCodec::encode(path);
 }
 
-QString problem(const QString &what, const QString &path, int error)
+Failure problem(const QString &what, const QString &path, int error)
 {
-    return QStringLiteral("%1 \"%2\": %3").arg(what, path, errnoText(error));
+    return {QStringLiteral("%1 \"%2\": %3").arg(what, path, errnoText(error))};
 }
 
 int flushFolder(const QString &folder)
 {
-    const int descriptor = open(bytes(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return errno;
-    const int error = fsync(descriptor) == 0 ? 0 : errno;
-    close(descriptor);
-    return error;
-}
-
-int writeAll(int descriptor, const char *data, size_t size)
-{
-    while (size > 0) {
-        const ssize_t written = write(descriptor, data, size);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return written < 0 ? errno : EIO;
-        data += written;
-        size -= size_t(written);
-    }
-    return 0;
+    return ::flushFolder(bytes(folder));
 }
 
 int ask(BatchObserver *observer, BatchPoint point, size_t index, const QString &path)
@@ -90,53 +72,48 @@ QString JournalStore::historyPath(const QString &entry) const
 // Makes the folder if need be, private to the user, and checks that it is
 // the user's own: a folder others can write to could hold a journal that
 // is not ours.
-QString JournalStore::prepareFolder(const QString &folder) const
+Result<> JournalStore::prepareFolder(const QString &folder) const
 {
     const QByteArray path = bytes(folder);
     // Each missing folder on the way, as private as the last.
-    for (qsizetype end = 1; end <= path.size(); ++end) {
-        if (end < path.size() && path[end] != '/')
-            continue;
-        if (mkdir(path.left(end).constData(), 0700) != 0 && errno != EEXIST)
-            return problem(QStringLiteral("cannot make the folder"), PathCodec::decode(path.left(end)), errno);
-    }
+    if (auto made = makeFolders(path, 0700); !made)
+        return made;
     struct stat info;
     if (stat(path.constData(), &info) != 0)
         return problem(QStringLiteral("cannot read the folder"), folder, errno);
     if (!S_ISDIR(info.st_mode) || info.st_uid != geteuid())
-        return QStringLiteral("the journal folder \"%1\" is not a folder of this user's").arg(folder);
+        return Failure{QStringLiteral("the journal folder \"%1\" is not a folder of this user's").arg(folder)};
     if ((info.st_mode & 077) != 0 && chmod(path.constData(), 0700) != 0)
         return problem(QStringLiteral("cannot make the journal folder private"), folder, errno);
     return {};
 }
 
-QString JournalStore::lock(int waitMs)
+Result<> JournalStore::lock(int waitMs)
 {
     if (m_lockDepth > 0) {
         ++m_lockDepth;
         return {};
     }
-    if (const QString error = prepareFolder(m_directory); !error.isEmpty())
-        return error;
+    if (auto prepared = prepareFolder(m_directory); !prepared)
+        return prepared;
     const QString path = m_directory + QStringLiteral("/lock");
-    const int descriptor = open(bytes(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (descriptor < 0)
+    FileDescriptor descriptor(open(bytes(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!descriptor.isOpen())
         return problem(QStringLiteral("cannot open the lock"), path, errno);
     for (int waited = 0;; waited += 50) {
-        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+        if (flock(descriptor.get(), LOCK_EX | LOCK_NB) == 0)
             break;
         const int error = errno;
         if ((error != EWOULDBLOCK && error != EINTR) || waited >= waitMs) {
-            close(descriptor);
             if (error == EWOULDBLOCK)
-                return QStringLiteral("another Nomen run is renaming files (it holds \"%1\"); nothing was changed. "
-                                      "Try again when it has finished.")
-                    .arg(path);
+                return Failure{QStringLiteral("another Nomen run is renaming files (it holds \"%1\"); nothing was "
+                                              "changed. Try again when it has finished.")
+                                   .arg(path)};
             return problem(QStringLiteral("cannot take the lock"), path, error);
         }
         QThread::msleep(50);
     }
-    m_lockDescriptor = descriptor;
+    m_lockDescriptor = descriptor.release();
     m_lockDepth = 1;
     // A journal whose writing was cut short never took its name: it is no
     // batch, and nothing was moved for it.
@@ -158,20 +135,14 @@ bool JournalStore::hasPending() const
     return lstat(bytes(pendingPath()).constData(), &info) == 0;
 }
 
-std::optional<BatchJournal> JournalStore::load(const QString &path, QString *error) const
+Result<BatchJournal> JournalStore::load(const QString &path) const
 {
-    auto refuse = [error](const QString &why) {
-        *error = why;
-        return std::nullopt;
-    };
-    const int descriptor = open(bytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-    if (descriptor < 0)
-        return refuse(errno == ELOOP ? QStringLiteral("it is a symbolic link") : errnoText(errno));
+    FileDescriptor descriptor(open(bytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    if (!descriptor.isOpen())
+        return Failure{errno == ELOOP ? QStringLiteral("it is a symbolic link") : errnoText(errno)};
     struct stat info;
-    if (fstat(descriptor, &info) != 0) {
-        close(descriptor);
-        return refuse(errnoText(errno));
-    }
+    if (fstat(descriptor.get(), &info) != 0)
+        return Failure{errnoText(errno)};
     QString distrust;
     if (!S_ISREG(info.st_mode))
         distrust = QStringLiteral("it is not a plain file");
@@ -184,7 +155,7 @@ std::optional<BatchJournal> JournalStore::load(const QString &path, QString *err
         text.resize(qsizetype(info.st_size));
         qsizetype got = 0;
         while (got < text.size()) {
-            const ssize_t n = read(descriptor, text.data() + got, size_t(text.size() - got));
+            const ssize_t n = read(descriptor.get(), text.data() + got, size_t(text.size() - got));
             if (n < 0 && errno == EINTR)
                 continue;
             if (n <= 0) {
@@ -194,19 +165,18 @@ std::optional<BatchJournal> JournalStore::load(const QString &path, QString *err
             got += n;
         }
     }
-    close(descriptor);
     if (!distrust.isEmpty())
-        return refuse(distrust);
-    return BatchJournal::parse(text, error);
+        return Failure{distrust};
+    return BatchJournal::parse(text);
 }
 
-QString JournalStore::writePending(const BatchJournal &journal, BatchObserver *observer)
+Result<> JournalStore::writePending(const BatchJournal &journal, BatchObserver *observer)
 {
     const QString staged = pendingPath() + QStringLiteral(".new");
     const QByteArray stagedBytes = bytes(staged);
     unlink(stagedBytes.constData());
-    const int descriptor = open(stagedBytes.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (descriptor < 0)
+    FileDescriptor descriptor(open(stagedBytes.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!descriptor.isOpen())
         return problem(QStringLiteral("cannot create"), staged, errno);
     const QByteArray text = journal.serialize();
     constexpr qsizetype block = 1 << 20;
@@ -214,14 +184,14 @@ QString JournalStore::writePending(const BatchJournal &journal, BatchObserver *o
     for (qsizetype at = 0; at < text.size() && !error; at += block) {
         error = ask(observer, BatchPoint::WriteJournal, size_t(at / block), staged);
         if (!error)
-            error = writeAll(descriptor, text.constData() + at, size_t(std::min(block, text.size() - at)));
+            error = writeAll(descriptor.get(), text.constData() + at, size_t(std::min(block, text.size() - at)));
     }
     if (!error)
         error = ask(observer, BatchPoint::FlushJournal, 0, staged);
-    if (!error && fdatasync(descriptor) != 0)
+    if (!error && fdatasync(descriptor.get()) != 0)
         error = errno;
-    if (close(descriptor) != 0 && !error && errno != EINTR)
-        error = errno;
+    if (const int closing = descriptor.close(); !error)
+        error = closing;
     if (!error)
         error = ask(observer, BatchPoint::PlaceJournal, 0, staged);
     if (!error && rename(stagedBytes.constData(), bytes(pendingPath()).constData()) != 0)
@@ -239,35 +209,32 @@ int JournalStore::appendToPending(const QByteArray &record, BatchObserver *obser
 {
     if (const int injected = ask(observer, BatchPoint::RecordCopy, 0, pendingPath()))
         return injected;
-    const int descriptor = open(bytes(pendingPath()).constData(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW);
-    if (descriptor < 0)
+    FileDescriptor descriptor(open(bytes(pendingPath()).constData(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW));
+    if (!descriptor.isOpen())
         return errno;
-    int error = writeAll(descriptor, record.constData(), size_t(record.size()));
-    if (!error && fdatasync(descriptor) != 0)
+    int error = writeAll(descriptor.get(), record.constData(), size_t(record.size()));
+    if (!error && fdatasync(descriptor.get()) != 0)
         error = errno;
-    close(descriptor);
     return error;
 }
 
 QStringList JournalStore::history() const
 {
     QStringList entries;
-    if (DIR *folder = opendir(bytes(historyDirectory()).constData())) {
-        while (const dirent *entry = readdir(folder)) {
-            const QString name = PathCodec::decode(entry->d_name);
-            if (entryPattern().match(name).hasMatch())
-                entries.append(name);
-        }
-        closedir(folder);
+    FolderEntries folder(bytes(historyDirectory()));
+    while (const dirent *entry = folder.next()) {
+        const QString name = PathCodec::decode(entry->d_name);
+        if (entryPattern().match(name).hasMatch())
+            entries.append(name);
     }
     std::sort(entries.begin(), entries.end(), std::greater<>());
     return entries;
 }
 
-QString JournalStore::archivePending()
+Result<> JournalStore::archivePending()
 {
-    if (const QString error = prepareFolder(historyDirectory()); !error.isEmpty())
-        return error;
+    if (auto prepared = prepareFolder(historyDirectory()); !prepared)
+        return prepared;
     const QStringList entries = history();
     const qulonglong next = entries.isEmpty() ? 1 : entries.first().left(16).toULongLong() + 1;
     const QString entry = QStringLiteral("%1.journal").arg(next, 16, 10, QLatin1Char('0'));
@@ -282,7 +249,7 @@ QString JournalStore::archivePending()
     return {};
 }
 
-QString JournalStore::discardPending()
+Result<> JournalStore::discardPending()
 {
     if (unlink(bytes(pendingPath()).constData()) != 0 && errno != ENOENT)
         return problem(QStringLiteral("cannot remove"), pendingPath(), errno);
@@ -291,7 +258,7 @@ QString JournalStore::discardPending()
     return {};
 }
 
-QString JournalStore::removeHistory(const QString &entry)
+Result<> JournalStore::removeHistory(const QString &entry)
 {
     if (unlink(bytes(historyPath(entry)).constData()) != 0 && errno != ENOENT)
         return problem(QStringLiteral("cannot remove"), historyPath(entry), errno);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BatchJournal.h"
+#include "Result.h"
 
 #include <QString>
 #include <QStringList>
@@ -25,35 +26,34 @@ public:
     QString historyPath(const QString &entry) const;
 
     // Takes the lock, waiting up to `waitMs` for another run to let it go;
-    // a holder may take it again. Answers what stands in the way, or "".
-    QString lock(int waitMs);
+    // a holder may take it again; or says what stands in the way.
+    Result<> lock(int waitMs);
     void unlock();
 
     bool hasPending() const;
-    // The journal at `path` if it can be believed; otherwise nullopt and
-    // why not in `error`.
-    std::optional<BatchJournal> load(const QString &path, QString *error) const;
+    // The journal at `path` if it can be believed, else why not.
+    Result<BatchJournal> load(const QString &path) const;
 
     // Writes the journal whole under a name of its own, flushes it, then
     // gives it the pending name (replacing a pending journal) and flushes
-    // the folder. Answers what failed, or "".
-    QString writePending(const BatchJournal &journal, BatchObserver *observer);
+    // the folder.
+    Result<> writePending(const BatchJournal &journal, BatchObserver *observer);
     // Adds a record to the pending journal and flushes it; an errno value.
     int appendToPending(const QByteArray &record, BatchObserver *observer);
     // The pending journal joins the history (the oldest entries beyond the
     // kept number go), or is removed.
-    QString archivePending();
-    QString discardPending();
+    Result<> archivePending();
+    Result<> discardPending();
 
     // History entries, newest first.
     QStringList history() const;
-    QString removeHistory(const QString &entry);
+    Result<> removeHistory(const QString &entry);
 
     static constexpr int KeptBatches = 20;
 
 private:
     QString historyDirectory() const;
-    QString prepareFolder(const QString &folder) const;
+    Result<> prepareFolder(const QString &folder) const;
 
     QString m_directory;
     int m_lockDescriptor = -1;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BatchPlan.h"
+#include "Result.h"
 
 #include <QString>
 #include <vector>
@@ -13,12 +14,8 @@
 // pass through unchanged.
 namespace MapFile {
 
-struct Read {
-    std::vector<Batch::Move> moves; // none when there is an error
-    QString error;                  // "" when every line could be read
-};
-
-Read read(const QString &path);
-Read parse(const QByteArray &bytes, const QString &shownPath);
+// The moves, or why a line could not be read.
+Result<std::vector<Batch::Move>> read(const QString &path);
+Result<std::vector<Batch::Move>> parse(const QByteArray &bytes, const QString &shownPath);
 
 } // namespace MapFile

@@ -193,7 +193,7 @@ QByteArray RenameRule::toJson() const
     return QJsonDocument(rule).toJson(QJsonDocument::Indented);
 }
 
-std::optional<RenameRule> RenameRule::fromJson(const QByteArray &json, QString *problem)
+Result<RenameRule> RenameRule::fromJson(const QByteArray &json)
 {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
@@ -240,10 +240,7 @@ std::optional<RenameRule> RenameRule::fromJson(const QByteArray &json, QString *
             listing.read(QStringLiteral("datesTaken"), rule.datesTaken);
         }
     }
-    if (!found.isEmpty()) {
-        if (problem)
-            *problem = found;
-        return std::nullopt;
-    }
+    if (!found.isEmpty())
+        return Failure{found};
     return rule;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Result.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -61,7 +63,7 @@ struct RenameRule {
     QByteArray toJson() const;
     // The rule a JSON text describes; on a key of the wrong kind, one it does
     // not know or text that is not JSON, nullopt and `problem` says which.
-    static std::optional<RenameRule> fromJson(const QByteArray &json, QString *problem);
+    static Result<RenameRule> fromJson(const QByteArray &json);
 
     static QString dateName(Date date);
     static std::optional<Date> dateNamed(const QString &name);

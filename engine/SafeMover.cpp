@@ -74,10 +74,10 @@ MovesBack movesBack(BatchJournal &journal)
 // The journal folder's lock for the length of one call.
 class SafeMover::Locked {
 public:
-    Locked(JournalStore &store, int waitMs) : m_store(store), m_error(store.lock(waitMs)) {}
+    Locked(JournalStore &store, int waitMs) : m_store(store), m_taken(store.lock(waitMs)) {}
     ~Locked()
     {
-        if (m_error.isEmpty())
+        if (m_taken)
             m_store.unlock();
     }
     Locked(const Locked &) = delete;
@@ -85,14 +85,14 @@ public:
 
     std::optional<Report> refusal() const
     {
-        if (m_error.isEmpty())
+        if (m_taken)
             return std::nullopt;
-        return Report{{}, Refusal::Busy, m_error, false, {}};
+        return Report{{}, Refusal::Busy, m_taken.reason(), false, {}};
     }
 
 private:
     JournalStore &m_store;
-    QString m_error;
+    const Result<> m_taken;
 };
 
 SafeMover::SafeMover(QString journalDirectory) : m_store(std::move(journalDirectory)) {}
@@ -102,7 +102,7 @@ BatchRunner::Hooks SafeMover::hooks()
     return {observer, progress, interruption, [this](const QByteArray &record) { return m_store.appendToPending(record, observer); }};
 }
 
-QString SafeMover::hold()
+Result<> SafeMover::hold()
 {
     return m_store.lock(lockWaitMs);
 }
@@ -122,7 +122,8 @@ std::optional<SafeMover::Pending> SafeMover::pending() const
     if (!m_store.hasPending())
         return std::nullopt;
     Pending pending;
-    const auto journal = m_store.load(m_store.pendingPath(), &pending.problem);
+    const auto journal = m_store.load(m_store.pendingPath());
+    pending.problem = journal.reason();
     if (journal) {
         pending.kind = journal->kind;
         pending.items = journal->items.size();
@@ -188,9 +189,9 @@ SafeMover::Report SafeMover::applyPlanned(const std::function<BatchPlan()> &make
 SafeMover::Report SafeMover::execute(BatchPlan &plan, std::vector<Outcome> alsoReported)
 {
     Report report{plan.outcomes, Refusal::None, {}, false, {}};
-    if (const QString error = m_store.writePending(plan.journal, observer); !error.isEmpty()) {
+    if (const auto written = m_store.writePending(plan.journal, observer); !written) {
         report.refusal = Refusal::NoJournal;
-        report.refusalText = QStringLiteral("the journal cannot be written (%1); nothing was moved").arg(error);
+        report.refusalText = QStringLiteral("the journal cannot be written (%1); nothing was moved").arg(written.reason());
         for (Outcome &outcome : report.outcomes)
             if (outcome.status == Status::Renamed) {
                 outcome.status = Status::Failed;
@@ -237,13 +238,13 @@ SafeMover::Report SafeMover::settle(const BatchJournal &journal, const BatchRunn
                                 .arg(errnoText(error));
         return error != 0;
     };
-    QString problem;
+    Result<> filed;
     switch (journal.kind) {
     case BatchJournal::Kind::Apply: {
         if (failedAt(0, m_store.pendingPath()))
             break;
         const bool movedAny = std::any_of(result.positions.begin(), result.positions.end(), [](int at) { return at > 0; });
-        problem = movedAny ? m_store.archivePending() : m_store.discardPending();
+        filed = movedAny ? m_store.archivePending() : m_store.discardPending();
         break;
     }
     case BatchJournal::Kind::Undo:
@@ -251,32 +252,31 @@ SafeMover::Report SafeMover::settle(const BatchJournal &journal, const BatchRunn
         // undid is still in the history, found all put back by the next undo.
         if (failedAt(0, m_store.pendingPath()))
             break;
-        problem = m_store.discardPending();
-        if (problem.isEmpty() && !failedAt(1, m_store.historyPath(journal.undoes)))
-            problem = settleUndo(journal.undoes);
+        filed = m_store.discardPending();
+        if (filed && !failedAt(1, m_store.historyPath(journal.undoes)))
+            filed = settleUndo(journal.undoes);
         break;
     case BatchJournal::Kind::RollBack:
         if (!failedAt(0, m_store.pendingPath()))
-            problem = m_store.discardPending();
+            filed = m_store.discardPending();
         break;
     }
-    if (!problem.isEmpty())
-        report.notice = problem;
+    if (!filed)
+        report.notice = filed.reason();
     if (!report.notice.isEmpty() && m_store.hasPending())
         report.notice += QStringLiteral("; the batch stays pending until it is finished");
     return report;
 }
 
-QString SafeMover::settleUndo(const QString &entry)
+Result<> SafeMover::settleUndo(const QString &entry)
 {
-    QString why;
-    auto batch = m_store.load(m_store.historyPath(entry), &why);
+    auto batch = m_store.load(m_store.historyPath(entry));
     if (!batch)
         return {}; // taken out already
     BatchRunner runner(*batch, {});
     const std::vector<int> positions = runner.locate();
     const bool nothingLeft = std::all_of(positions.begin(), positions.end(), [](int at) { return at <= 0; });
-    return nothingLeft ? m_store.removeHistory(entry) : QString();
+    return nothingLeft ? m_store.removeHistory(entry) : Result<>();
 }
 
 SafeMover::Report SafeMover::undoLast()
@@ -291,17 +291,17 @@ SafeMover::Report SafeMover::undoLast()
     QString entry;
     std::optional<BatchJournal> batch;
     for (const QString &newest : m_store.history()) {
-        QString why;
-        batch = m_store.load(m_store.historyPath(newest), &why);
-        if (!batch)
-            return refusedJournal(m_store.historyPath(newest), why);
+        auto loaded = m_store.load(m_store.historyPath(newest));
+        if (!loaded)
+            return refusedJournal(m_store.historyPath(newest), loaded.reason());
+        batch = std::move(*loaded);
         const std::vector<int> positions = BatchRunner(*batch, {}).locate();
         if (std::any_of(positions.begin(), positions.end(), [](int at) { return at != 0; })) {
             entry = newest;
             break;
         }
-        if (const QString problem = m_store.removeHistory(newest); !problem.isEmpty())
-            return {{}, Refusal::None, {}, false, problem};
+        if (const auto removed = m_store.removeHistory(newest); !removed)
+            return {{}, Refusal::None, {}, false, removed.reason()};
     }
     if (entry.isEmpty())
         return {};
@@ -311,7 +311,7 @@ SafeMover::Report SafeMover::undoLast()
     BatchPlan plan = BatchPlan::make(back.moves, BatchJournal::Kind::Undo);
     plan.journal.undoes = entry;
     if (plan.journal.steps.empty()) {
-        Report report{plan.outcomes, Refusal::None, {}, false, settleUndo(entry)};
+        Report report{plan.outcomes, Refusal::None, {}, false, settleUndo(entry).reason()};
         report.outcomes.insert(report.outcomes.end(), back.changed.begin(), back.changed.end());
         return report;
     }
@@ -325,10 +325,9 @@ SafeMover::Report SafeMover::withPending(const std::function<Report(BatchJournal
         return *refused;
     if (!m_store.hasPending())
         return {};
-    QString why;
-    auto journal = m_store.load(m_store.pendingPath(), &why);
+    auto journal = m_store.load(m_store.pendingPath());
     if (!journal)
-        return refusedJournal(m_store.pendingPath(), why);
+        return refusedJournal(m_store.pendingPath(), journal.reason());
     return act(*journal);
 }
 
@@ -378,8 +377,7 @@ SafeMover::Report SafeMover::rollBack(BatchJournal &pendingJournal)
     if (plan.journal.steps.empty()) {
         Report report{plan.outcomes, Refusal::None, {}, false, {}};
         report.outcomes.insert(report.outcomes.end(), back.changed.begin(), back.changed.end());
-        if (const QString problem = m_store.discardPending(); !problem.isEmpty())
-            report.notice = problem;
+        report.notice = m_store.discardPending().reason();
         return report;
     }
     return execute(plan, back.changed);

@@ -71,9 +71,9 @@ public:
     Report rollBackPending();
 
     // Holds the lock across several calls (the command line holds it from
-    // listing to renaming, so what it lists is what it renames); answers
-    // what stands in the way, or "".
-    QString hold();
+    // listing to renaming, so what it lists is what it renames), or says
+    // what stands in the way.
+    Result<> hold();
     void release();
 
     std::function<void(size_t done, size_t total)> progress;
@@ -95,7 +95,7 @@ private:
     Report continuePending(BatchJournal &journal);
     Report rollBack(BatchJournal &journal);
     Report settle(const BatchJournal &journal, const BatchRunner::Result &result, Report report);
-    QString settleUndo(const QString &entry);
+    Result<> settleUndo(const QString &entry);
 
     JournalStore m_store;
 };

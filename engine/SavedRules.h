@@ -1,10 +1,10 @@
 #pragma once
 
 #include "RenameRule.h"
+#include "Result.h"
 
 #include <QString>
 #include <QStringList>
-#include <optional>
 
 // Rules saved under names, one JSON file each (NAME.json) in
 // $XDG_CONFIG_HOME/nomen/rules, so they can be copied and shared. Every
@@ -21,17 +21,13 @@ public:
     // folder is not there yet.
     QStringList names() const;
 
-    struct Loaded {
-        std::optional<RenameRule> rule;
-        QString error;
-    };
-    Loaded load(const QString &name) const;
-    // Replaces a rule of the same name. Answers "" or what went wrong.
-    QString save(const QString &name, const RenameRule &rule) const;
-    QString remove(const QString &name) const;
+    Result<RenameRule> load(const QString &name) const;
+    // Replaces a rule of the same name.
+    Result<> save(const QString &name, const RenameRule &rule) const;
+    Result<> remove(const QString &name) const;
 
-    // Why a name cannot name a rule ("" when it can): it becomes a file name.
-    static QString nameProblem(const QString &name);
+    // Whether a name can name a rule: it becomes a file name.
+    static Result<> checkName(const QString &name);
 
 private:
     QString m_folder;

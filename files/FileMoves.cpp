@@ -1,4 +1,5 @@
 #include "FileMoves.h"
+#include "OpenFiles.h"
 #include "ErrnoText.h"
 
 #include "PathCodec.h"
@@ -43,13 +44,9 @@ int closeChecked(int descriptor)
     return close(descriptor) == 0 || errno == EINTR ? 0 : errno;
 }
 
-Failure flushFolder(const QByteArray &folder)
+Failure flushed(const QByteArray &folder)
 {
-    const int descriptor = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return failed(errno, QStringLiteral("cannot open the folder"), folder);
-    const int error = fsync(descriptor) == 0 ? 0 : errno;
-    close(descriptor);
+    const int error = flushFolder(folder);
     return error ? failed(error, QStringLiteral("cannot flush the folder"), folder) : Failure{};
 }
 
@@ -194,23 +191,18 @@ Failure copyFolder(const QByteArray &from, const QByteArray &to, bool flush, con
 {
     if (mkdir(to.constData(), 0700) != 0)
         return failed(errno, QStringLiteral("cannot create"), to);
-    DIR *folder = opendir(from.constData());
-    if (!folder)
-        return failed(errno, QStringLiteral("cannot read the folder"), from);
+    FolderEntries folder(from);
+    if (!folder.isOpen())
+        return failed(folder.error(), QStringLiteral("cannot read the folder"), from);
     Failure failure;
-    errno = 0;
-    while (const dirent *entry = readdir(folder)) {
+    while (const dirent *entry = folder.next()) {
         const QByteArray name(entry->d_name);
-        if (name == "." || name == "..")
-            continue;
         if ((failure = copyTree(from + '/' + name, to + '/' + name, flush, options)))
             break;
-        errno = 0;
     }
-    if (!failure && errno != 0)
-        failure = failed(errno, QStringLiteral("cannot read the folder"), from);
-    closedir(folder);
-    return failure || !flush ? failure : flushFolder(to);
+    if (!failure && folder.error() != 0)
+        failure = failed(folder.error(), QStringLiteral("cannot read the folder"), from);
+    return failure || !flush ? failure : flushed(to);
 }
 
 // Copies an item with everything in it; the destination must not exist.
@@ -247,16 +239,13 @@ Failure removeTree(const QByteArray &path)
         return failed(errno, QStringLiteral("cannot read"), path);
     if (!S_ISDIR(info.st_mode))
         return unlink(path.constData()) == 0 ? Failure{} : failed(errno, QStringLiteral("cannot remove"), path);
-    DIR *folder = opendir(path.constData());
-    if (!folder)
-        return failed(errno, QStringLiteral("cannot read the folder"), path);
+    FolderEntries folder(path);
+    if (!folder.isOpen())
+        return failed(folder.error(), QStringLiteral("cannot read the folder"), path);
     Failure failure;
-    while (const dirent *entry = readdir(folder)) {
-        const QByteArray name(entry->d_name);
-        if (name != "." && name != ".." && (failure = removeTree(path + '/' + name)))
+    while (const dirent *entry = folder.next())
+        if ((failure = removeTree(path + '/' + QByteArray(entry->d_name))))
             break;
-    }
-    closedir(folder);
     if (!failure && rmdir(path.constData()) != 0)
         failure = failed(errno, QStringLiteral("cannot remove"), path);
     return failure;
@@ -297,7 +286,7 @@ Result moveAcross(const QByteArray &from, const QByteArray &to, const Options &o
         return {EEXIST, {}, false};
     Failure failure = copyTree(from, to, true, options);
     if (!failure)
-        failure = flushFolder(PathNames::folderOf(to));
+        failure = flushed(PathNames::folderOf(to));
     if (!failure && options.copied)
         if (const int error = options.copied(to))
             failure = failed(error, QStringLiteral("the copy was not recorded, so it was removed again:"), to);

@@ -1,4 +1,5 @@
 #include "FileStatus.h"
+#include "OpenFiles.h"
 #include "PathCodec.h"
 
 #include <QFile>
@@ -65,17 +66,12 @@ std::optional<ItemStatus> of(const QString &path, bool followLinks)
 
 std::optional<QStringList> entryNames(const QString &folder)
 {
-    DIR *directory = opendir(PathCodec::encode(folder).constData());
-    if (!directory)
+    FolderEntries directory(PathCodec::encode(folder));
+    if (!directory.isOpen())
         return std::nullopt;
     QStringList names;
-    while (const dirent *entry = readdir(directory)) {
-        const char *name = entry->d_name;
-        if ((name[0] == '.' && name[1] == 0) || (name[0] == '.' && name[1] == '.' && name[2] == 0))
-            continue;
-        names.append(PathCodec::decode(QByteArray(name)));
-    }
-    closedir(directory);
+    while (const dirent *entry = directory.next())
+        names.append(PathCodec::decode(QByteArray(entry->d_name)));
     return names;
 }
 

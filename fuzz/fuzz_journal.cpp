@@ -10,15 +10,14 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray text(reinterpret_cast<const char *>(data), qsizetype(size));
-    QString error;
-    const auto journal = BatchJournal::parse(text, &error);
+    const auto journal = BatchJournal::parse(text);
     if (!journal) {
-        if (error.isEmpty())
+        if (journal.reason().isEmpty())
             abort(); // a refusal always says why
         return 0;
     }
     const QByteArray written = journal->serialize();
-    const auto again = BatchJournal::parse(written, &error);
+    const auto again = BatchJournal::parse(written);
     if (!again || again->serialize() != written || again->items.size() != journal->items.size()
         || again->steps.size() != journal->steps.size())
         abort();

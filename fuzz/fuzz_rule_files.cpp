@@ -15,19 +15,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
 
-    QString problem;
-    if (const auto rule = RenameRule::fromJson(bytes, &problem)) {
-        const auto again = RenameRule::fromJson(rule->toJson(), &problem);
+    if (const auto rule = RenameRule::fromJson(bytes)) {
+        const auto again = RenameRule::fromJson(rule->toJson());
         if (!again || !(*again == *rule))
             std::abort();
-    } else if (problem.isEmpty()) {
+    } else if (rule.reason().isEmpty()) {
         std::abort();
     }
 
-    const MapFile::Read map = MapFile::parse(bytes, QStringLiteral("map.tsv"));
-    if (map.error.isEmpty() == map.moves.empty())
+    const auto map = MapFile::parse(bytes, QStringLiteral("map.tsv"));
+    if (map ? map->empty() : map.reason().isEmpty())
         std::abort();
-    for (const auto &move : map.moves) {
+    for (const auto &move : map ? *map : std::vector<Batch::Move>()) {
         if (!move.from.startsWith(u'/') || !move.to.startsWith(u'/'))
             std::abort();
         if (PathCodec::decode(PathCodec::encode(move.from)) != move.from)

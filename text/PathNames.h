@@ -22,6 +22,7 @@ QString absolute(const QString &path);
 // The folder that holds the item a path in the file system's bytes names:
 // "." for a bare name, "/" for an item at the root.
 QByteArray folderOf(const QByteArray &path);
+QString folderOf(const QString &path);
 
 // A hidden name in the same folder as `path` for work in progress
 // (".nomen-PURPOSE-PID-RANDOM"); whether it is free is for the caller to see.

@@ -33,12 +33,11 @@ RenameRule everyFieldChanged()
 
 TEST(RenameRule, EveryFieldSurvivesTheFileAndAShortFileTakesTheDefaults)
 {
-    QString problem;
-    const auto back = RenameRule::fromJson(everyFieldChanged().toJson(), &problem);
-    ASSERT_TRUE(back) << problem.toStdString();
+    const auto back = RenameRule::fromJson(everyFieldChanged().toJson());
+    ASSERT_TRUE(back) << back.reason().toStdString();
     EXPECT_TRUE(*back == everyFieldChanged());
 
-    const auto shortRule = RenameRule::fromJson(R"({"prefix": {"text": "x "}, "extension": {"new": "txt"}})", &problem);
+    const auto shortRule = RenameRule::fromJson(R"({"prefix": {"text": "x "}, "extension": {"new": "txt"}})");
     ASSERT_TRUE(shortRule);
     RenameRule expected;
     expected.prefix.text = QStringLiteral("x ");
@@ -59,9 +58,9 @@ TEST(RenameRule, AMistakeIsRefusedWithItsKeyNamed)
         {R"([1])", "not a JSON object"},
     };
     for (const auto &[json, expected] : mistakes) {
-        QString problem;
-        EXPECT_FALSE(RenameRule::fromJson(json, &problem)) << json;
-        EXPECT_EQ(problem, QString::fromUtf8(expected)) << json;
+        const auto read = RenameRule::fromJson(json);
+        EXPECT_FALSE(read) << json;
+        EXPECT_EQ(read.reason(), QString::fromUtf8(expected)) << json;
     }
 }
 
@@ -70,18 +69,18 @@ TEST(SavedRules, NamesBecomeFilesAndBadNamesAreRefused)
     QTemporaryDir home;
     const SavedRules rules(home.path() + QStringLiteral("/deep/rules"));
     EXPECT_TRUE(rules.names().isEmpty()) << "no folder yet";
-    EXPECT_EQ(rules.save(QStringLiteral("Trip & Beach"), everyFieldChanged()), "");
-    EXPECT_EQ(rules.save(QStringLiteral("trip 10"), RenameRule()), "");
-    EXPECT_EQ(rules.save(QStringLiteral("trip 9"), RenameRule()), "");
+    EXPECT_TRUE(rules.save(QStringLiteral("Trip & Beach"), everyFieldChanged()));
+    EXPECT_TRUE(rules.save(QStringLiteral("trip 10"), RenameRule()));
+    EXPECT_TRUE(rules.save(QStringLiteral("trip 9"), RenameRule()));
     EXPECT_EQ(rules.names(), QStringList({"Trip & Beach", "trip 9", "trip 10"}));
-    EXPECT_TRUE(*rules.load(QStringLiteral("Trip & Beach")).rule == everyFieldChanged());
+    EXPECT_TRUE(*rules.load(QStringLiteral("Trip & Beach")) == everyFieldChanged());
 
     for (const char *bad : {"", "  ", "a/b", ".hidden"})
-        EXPECT_NE(rules.save(QString::fromUtf8(bad), RenameRule()), "") << bad;
-    EXPECT_EQ(rules.load(QStringLiteral("none")).error,
+        EXPECT_FALSE(rules.save(QString::fromUtf8(bad), RenameRule()).reason().isEmpty()) << bad;
+    EXPECT_EQ(rules.load(QStringLiteral("none")).reason(),
               QStringLiteral("there is no rule named \"none\" (%1/none.json)").arg(rules.folder()));
-    EXPECT_EQ(rules.remove(QStringLiteral("trip 9")), "");
-    EXPECT_TRUE(rules.remove(QStringLiteral("trip 9")).startsWith(rules.pathOf(QStringLiteral("trip 9"))));
+    EXPECT_TRUE(rules.remove(QStringLiteral("trip 9")));
+    EXPECT_TRUE(rules.remove(QStringLiteral("trip 9")).reason().startsWith(rules.pathOf(QStringLiteral("trip 9"))));
     EXPECT_EQ(rules.names(), QStringList({"Trip & Beach", "trip 10"}));
 }
 
