@@ -1,4 +1,5 @@
 #include "Processes.h"
+#include "OpenFiles.h"
 
 #include "PathCodec.h"
 
@@ -32,16 +33,14 @@ bool isNumber(const char *name)
 QList<qint64> ofThisUser()
 {
     QList<qint64> pids;
-    const std::unique_ptr<DIR, int (*)(DIR *)> proc(opendir("/proc"), closedir);
-    if (!proc)
-        return pids;
+    FolderEntries proc("/proc");
     const uid_t me = getuid();
-    while (const dirent *entry = readdir(proc.get())) {
+    while (const dirent *entry = proc.next()) {
         if (!isNumber(entry->d_name))
             continue;
         struct stat status {};
         // A process may end between the listing and the look.
-        if (fstatat(dirfd(proc.get()), entry->d_name, &status, 0) == 0 && status.st_uid == me)
+        if (fstatat(proc.descriptor(), entry->d_name, &status, 0) == 0 && status.st_uid == me)
             pids.append(QByteArray(entry->d_name).toLongLong());
     }
     std::sort(pids.begin(), pids.end());

@@ -127,13 +127,11 @@ FolderListing::Scanned FolderListing::scanned(const Status &found, const QString
     item.exists = true;
     item.isFolder = S_ISDIR(status.stx_mode);
     item.isLink = S_ISLNK(status.stx_mode);
-    item.identity = {makedev(status.stx_dev_major, status.stx_dev_minor), status.stx_ino, 0};
+    item.identity = FileIdentity::of(status);
     item.size = status.stx_size;
     item.modified = milliseconds(status.stx_mtime);
-    if (status.stx_mask & STATX_BTIME) {
+    if (status.stx_mask & STATX_BTIME)
         item.created = milliseconds(status.stx_btime);
-        item.identity.born = qint64(status.stx_btime.tv_sec) * 1000000000 + status.stx_btime.tv_nsec;
-    }
     return item;
 }
 

@@ -23,6 +23,15 @@ struct FileIdentity {
         return *this == other && (born == 0 || other.born == 0 || born == other.born);
     }
 
+    // From what statx read (with STATX_INO, and STATX_BTIME if it is wanted).
+    static FileIdentity of(const struct statx &info)
+    {
+        FileIdentity identity{makedev(info.stx_dev_major, info.stx_dev_minor), info.stx_ino, 0};
+        if (info.stx_mask & STATX_BTIME)
+            identity.born = qint64(info.stx_btime.tv_sec) * 1000000000 + info.stx_btime.tv_nsec;
+        return identity;
+    }
+
     // The item itself, not what a symbolic link points to; nullopt when
     // nothing is there.
     static std::optional<FileIdentity> at(const QByteArray &path)
@@ -30,10 +39,7 @@ struct FileIdentity {
         struct statx info;
         if (statx(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &info) != 0)
             return std::nullopt;
-        FileIdentity identity{makedev(info.stx_dev_major, info.stx_dev_minor), info.stx_ino, 0};
-        if (info.stx_mask & STATX_BTIME)
-            identity.born = qint64(info.stx_btime.tv_sec) * 1000000000 + info.stx_btime.tv_nsec;
-        return identity;
+        return of(info);
     }
 };
 

@@ -39,11 +39,6 @@ Failure failed(int error, const QString &what, const QByteArray &path)
     return {error, QStringLiteral("%1 \"%2\": %3").arg(what, shown(path), errnoText(error))};
 }
 
-int closeChecked(int descriptor)
-{
-    return close(descriptor) == 0 || errno == EINTR ? 0 : errno;
-}
-
 Failure flushed(const QByteArray &folder)
 {
     const int error = flushFolder(folder);
@@ -139,34 +134,24 @@ Failure copyBytes(int in, int out, const QByteArray &from, const QByteArray &to)
             return failed(errno, QStringLiteral("cannot read"), from);
         if (got == 0)
             return {};
-        for (ssize_t done = 0; done < got;) {
-            const ssize_t written = write(out, buffer.get() + done, size_t(got - done));
-            if (written < 0 && errno == EINTR)
-                continue;
-            if (written <= 0)
-                return failed(written < 0 ? errno : EIO, QStringLiteral("cannot write"), to);
-            done += written;
-        }
+        if (const int error = writeAll(out, buffer.get(), size_t(got)))
+            return failed(error, QStringLiteral("cannot write"), to);
     }
 }
 
 Failure copyContents(const QByteArray &from, const QByteArray &to, bool flush)
 {
-    const int in = open(from.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-    if (in < 0)
+    const FileDescriptor in(open(from.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    if (!in.isOpen())
         return failed(errno, QStringLiteral("cannot open"), from);
     // O_EXCL: if the destination has appeared meanwhile, nothing is replaced.
-    const int out = open(to.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (out < 0) {
-        const Failure failure = failed(errno, QStringLiteral("cannot create"), to);
-        close(in);
-        return failure;
-    }
-    Failure failure = copyBytes(in, out, from, to);
-    if (!failure && flush && fsync(out) != 0)
+    FileDescriptor out(open(to.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!out.isOpen())
+        return failed(errno, QStringLiteral("cannot create"), to);
+    Failure failure = copyBytes(in.get(), out.get(), from, to);
+    if (!failure && flush && fsync(out.get()) != 0)
         failure = failed(errno, QStringLiteral("cannot flush"), to);
-    close(in);
-    if (const int error = closeChecked(out); error && !failure)
+    if (const int error = out.close(); error && !failure)
         failure = failed(error, QStringLiteral("cannot write"), to);
     return failure;
 }

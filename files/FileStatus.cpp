@@ -109,13 +109,11 @@ std::optional<Flags> flags(const QString &path)
         return Flags{*status->immutable, *status->appendOnly};
     if (!S_ISREG(status->mode) && !S_ISDIR(status->mode))
         return Flags{};
-    const int fd = open(PathCodec::encode(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (fd < 0)
+    const FileDescriptor fd(open(PathCodec::encode(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+    if (!fd.isOpen())
         return std::nullopt;
     int bits = 0;
-    const bool ok = ioctl(fd, FS_IOC_GETFLAGS, &bits) == 0;
-    close(fd);
-    if (!ok)
+    if (ioctl(fd.get(), FS_IOC_GETFLAGS, &bits) != 0)
         return Flags{};
     return Flags{(bits & FS_IMMUTABLE_FL) != 0, (bits & FS_APPEND_FL) != 0};
 }
