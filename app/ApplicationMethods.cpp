@@ -148,19 +148,11 @@ void add(MethodRegistry &registry, const char *selector, Method method)
                                [method](Invocation &invocation) { return method(applicationOf(invocation), invocation.arguments); });
 }
 
-} // namespace
-
-void registerApplicationMethods(MethodRegistry &registry)
+// The rule, composing names and the preview.
+void addComposingMethods(MethodRegistry &registry)
 {
-    registry.addClassMethod(QStringLiteral("ROZ_UserDefaults"), QStringLiteral("updateValue:forKey:"),
-                            [](Invocation &invocation) {
-                                RZApplication *app = RZApplication::instance();
-                                DefaultsBindings::updateValue(app ? app->window() : nullptr, invocation.arguments[0],
-                                                              convert<QString>(invocation.arguments[1], 1));
-                                return QVariant();
-                            });
     add(registry, "getConstantData", [](RZApplication &app, const QVariantList &) {
-        app.getConstantData();
+        app.mainWindow().getConstantData();
         return QVariant();
     });
     add(registry, "setConstantData:", [](RZApplication &app, const QVariantList &args) {
@@ -168,7 +160,7 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant();
     });
     add(registry, "generateNewName:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.generateNewName(ScriptRequests::compositionRequest(convert<QVariantList>(args[0], 0))));
+        return QVariant(app.mainWindow().generateNewName(ScriptRequests::compositionRequest(convert<QVariantList>(args[0], 0))));
     });
     add(registry, "addLeadingZeros:", [](RZApplication &, const QVariantList &args) {
         const QVariantList numbers = convert<QVariantList>(args[0], 0);
@@ -204,20 +196,26 @@ void registerApplicationMethods(MethodRegistry &registry)
         return output ? QVariant(*output) : QVariant(false);
     });
     add(registry, "textDidChange:", [](RZApplication &app, const QVariantList &args) {
-        app.textDidChange(fieldOf(app, args[0]));
+        app.mainWindow().textDidChange(fieldOf(app, args[0]));
         return QVariant();
     });
     add(registry, "setDisplayRealtimePreview:", [](RZApplication &app, const QVariantList &args) {
         app.engine().previewsAsTyped = convert<bool>(args[0], 0);
         return QVariant();
     });
+}
 
-    // Listing.
+// Listing.
+void addListingMethods(MethodRegistry &registry)
+{
     add(registry, "parseItems:", [](RZApplication &app, const QVariantList &args) {
-        return app.parseItems(convert<QVariantList>(args[0], 0));
+        return ItemRecordValues::toScript(app.mainWindow().list(ScriptRequests::listingRequest(convert<QVariantList>(args[0], 0))),
+                                          app.engine().dates);
     });
     add(registry, "listIntoTable:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.listIntoTable(convert<QVariantList>(args[0], 0)));
+        const bool stopped = app.mainWindow().listIntoTable(ScriptRequests::listingRequest(convert<QVariantList>(args[0], 0)));
+        return QVariant(QVariantMap{{QStringLiteral("rows"), app.fileTableDataSource().rowCount()},
+                                    {QStringLiteral("stopped"), stopped}});
     });
     add(registry, "listFolder:", [](RZApplication &, const QVariantList &args) {
         return QVariant(FolderListing::listFolder(convert<QString>(args[0], 0)));
@@ -237,8 +235,11 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "fileTypeCode:inSet:", [](RZApplication &, const QVariantList &args) {
         return QVariant(FolderListing::fileTypeCode(convert<quint32>(args[0], 0), convert<QStringList>(args[1], 1)));
     });
+}
 
-    // The file table.
+// The file table.
+void addTableMethods(MethodRegistry &registry)
+{
     add(registry, "setTableRows:", [](RZApplication &app, const QVariantList &args) {
         app.fileTableDataSource().setRows(ItemRecordValues::fromScript(convert<QVariantList>(args[0], 0)));
         return QVariant();
@@ -264,8 +265,11 @@ void registerApplicationMethods(MethodRegistry &registry)
         app.fileTableDataSource().setValue(args[0], convert<QString>(args[1], 1), convert<int>(args[2], 2));
         return QVariant();
     });
+}
 
-    // Progress.
+// Progress.
+void addProgressMethods(MethodRegistry &registry)
+{
     add(registry, "updateProgress:maxCount:withSuperMessage:withMessage:", [](RZApplication &app, const QVariantList &args) {
         app.progress().update(convert<double>(args[0], 0), convert<double>(args[1], 1), convert<QString>(args[2], 2),
                               convert<QString>(args[3], 3));
@@ -283,10 +287,14 @@ void registerApplicationMethods(MethodRegistry &registry)
         SystemLog::write(convert<QString>(args[0], 0));
         return QVariant();
     });
+}
 
-    // The batch pass and the moves.
+// The batch pass and the moves.
+void addBatchMethods(MethodRegistry &registry)
+{
     add(registry, "makeReplacementNames:", [](RZApplication &app, const QVariantList &args) {
-        return QVariant(app.makeReplacementNames(convert<QVariantList>(args[0], 0)));
+        const auto rows = app.mainWindow().makeReplacementNames(ScriptRequests::batchRequest(convert<QVariantList>(args[0], 0)));
+        return QVariant(ItemRecordValues::toScript(rows, app.engine().dates));
     });
     add(registry, "renameFile:toPath:", [](RZApplication &, const QVariantList &args) {
         return QVariant(FileMoves::moveWithoutReplacing(convert<QString>(args[0], 0), convert<QString>(args[1], 1)) == 0);
@@ -344,8 +352,18 @@ void registerApplicationMethods(MethodRegistry &registry)
     add(registry, "rollBackUnfinishedRename", [](RZApplication &app, const QVariantList &) {
         return moving(app, [](SafeMover &mover) { return mover.rollBackPending(); });
     });
+}
 
-    // The window, as the main script drives it.
+// The window, as the main script drives it.
+void addWindowMethods(MethodRegistry &registry)
+{
+    registry.addClassMethod(QStringLiteral("ROZ_UserDefaults"), QStringLiteral("updateValue:forKey:"),
+                            [](Invocation &invocation) {
+                                RZApplication *app = RZApplication::instance();
+                                DefaultsBindings::updateValue(app ? app->window() : nullptr, invocation.arguments[0],
+                                                              convert<QString>(invocation.arguments[1], 1));
+                                return QVariant();
+                            });
     add(registry, "outlet:", [](RZApplication &app, const QVariantList &args) {
         QWidget *control = app.outlet(convert<QString>(args[0], 0));
         return control ? QVariant::fromValue<QObject *>(control) : QVariant();
@@ -366,11 +384,11 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(control != nullptr);
     });
     add(registry, "refreshPreview", [](RZApplication &app, const QVariantList &) {
-        app.refreshPreview();
+        app.mainWindow().refreshPreview();
         return QVariant();
     });
     add(registry, "sortTableRows", [](RZApplication &app, const QVariantList &) {
-        app.sortTableRows();
+        app.mainWindow().sortTableRows();
         return QVariant();
     });
     add(registry, "markConflicts:", [](RZApplication &app, const QVariantList &args) {
@@ -397,8 +415,11 @@ void registerApplicationMethods(MethodRegistry &registry)
         return QVariant(Dialogs::askText(app.window(), convert<QString>(args[0], 0), convert<QString>(args[1], 1),
                                          convert<QString>(args[2], 2)));
     });
+}
 
-    // Saved rules: each answers "" or what went wrong, naming the file.
+// Saved rules: each answers "" or what went wrong, naming the file.
+void addSavedRuleMethods(MethodRegistry &registry)
+{
     add(registry, "savedRuleNames", [](RZApplication &, const QVariantList &) {
         return QVariant(SavedRules().names());
     });
@@ -428,8 +449,11 @@ void registerApplicationMethods(MethodRegistry &registry)
         QMetaObject::invokeMethod(&app, &QCoreApplication::quit, Qt::QueuedConnection);
         return QVariant();
     });
+}
 
-    // What the helper scripts call.
+// What the helper scripts call.
+void addHelperMethods(MethodRegistry &registry)
+{
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenPerl"), QStringLiteral("execute:"),
                                   +[](const QString &program) { return PerlWorker::shared().run(program); });
     registry.addClassMethod(QStringLiteral("NomenPerl"), QStringLiteral("executeAll:"), [](Invocation &invocation) {
@@ -443,4 +467,18 @@ void registerApplicationMethods(MethodRegistry &registry)
                                       const std::optional<DateTaken> taken = DatesTaken::read(PathCodec::encode(path));
                                       return taken ? QVariant(taken->toDateTime()) : QVariant(false);
                                   });
+}
+
+} // namespace
+
+void registerApplicationMethods(MethodRegistry &registry)
+{
+    addComposingMethods(registry);
+    addListingMethods(registry);
+    addTableMethods(registry);
+    addProgressMethods(registry);
+    addBatchMethods(registry);
+    addWindowMethods(registry);
+    addSavedRuleMethods(registry);
+    addHelperMethods(registry);
 }

@@ -12,7 +12,7 @@ MainScript::MainScript(RZApplication &application, const MethodRegistry &methods
 {
     QJSEngine::setObjectOwnership(&application, QJSEngine::CppOwnership);
     m_host.engine().globalObject().setProperty(QStringLiteral("application"), m_host.engine().newQObject(&application));
-    connect(&application, &RZApplication::scriptEvent, this, &MainScript::handle);
+    connect(&application.mainWindow(), &MainWindowController::scriptEvent, this, &MainScript::handle);
 }
 
 bool MainScript::load(const QString &path)

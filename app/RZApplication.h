@@ -2,10 +2,8 @@
 
 #include "CompiledScript.h"
 #include "FileTableModel.h"
-#include "InterfaceFile.h"
+#include "MainWindowController.h"
 #include "MethodRegistry.h"
-#include "PreviewScheduler.h"
-#include "ProgressPanel.h"
 #include "RenameEngine.h"
 
 #include <QApplication>
@@ -13,11 +11,11 @@
 
 class QWidget;
 
-// The application object: starts up (the "ui" string table, the interface
-// file, the engine, the helper scripts) and answers the main script's
-// engine selectors. Without a display it runs on Qt's offscreen platform
-// with the same interface file, so scripts compose exactly what the window
-// would.
+// The application object: starts up (the "ui" string table, the style,
+// the engine, the main window's controller, the helper scripts) and holds
+// them for the main script's selectors. Without a display it runs on Qt's
+// offscreen platform with the same interface file, so scripts compose
+// exactly what the window would.
 class RZApplication : public QApplication {
     Q_OBJECT
 public:
@@ -39,61 +37,21 @@ public:
     QString snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase);
     QVariant getEXIFDate(const QVariant &path);
 
-    QWidget *window() const { return m_form ? m_form->window() : nullptr; }
+    // The main window's flow: its controls, table, preview and progress.
+    MainWindowController &mainWindow() { return *m_mainWindow; }
+    QWidget *window() const { return m_mainWindow ? m_mainWindow->window() : nullptr; }
     // A control by its outlet name; nullptr when the interface file lacks it.
-    QWidget *outlet(const QString &name) const { return m_form ? m_form->outlet(name) : nullptr; }
-    const InterfaceFile &form() const { return *m_form; }
+    QWidget *outlet(const QString &name) const { return m_mainWindow ? m_mainWindow->form().outlet(name) : nullptr; }
+    const InterfaceFile &form() const { return m_mainWindow->form(); }
     FileTableModel &fileTableDataSource() { return *m_table; }
-    ProgressPanel &progress() { return *m_progress; }
-    PreviewScheduler &preview() { return *m_preview; }
-
-    // The rule from the controls as they stand, into the engine.
-    void getConstantData();
-    QString generateNewName(const CompositionRequest &request);
-    void textDidChange(QObject *field);
-    // The preview of the first name and of the whole table, from the
-    // controls as they stand (what an edit of a rule field does).
-    void refreshPreview();
-
-    // Listing and batch pass, as scripts ask for them.
-    QVariant parseItems(const QVariantList &request);
-    // The listing straight into the table, in the order its header shows:
-    // {rows, stopped}. The rows need not cross to the script and back.
-    QVariantMap listIntoTable(const QVariantList &request);
-    QVariantList makeReplacementNames(const QVariantList &request);
-
-    // The table's rows in the order its header shows, if it shows one.
-    void sortTableRows();
-
-signals:
-    void tablePreviewApplied();
-    void conflictsMarked();
-    // Something happened in the window that the main script handles:
-    // "clicked" (a control's name), "choseMenuItem" (a menu item's name),
-    // "dropped" (paths), "previewed", "willQuit".
-    void scriptEvent(const QString &handler, const QVariant &argument);
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    ProgressPanel &progress() { return m_mainWindow->progress(); }
 
 private:
-    void loadInterface();
-    void connectInterfaceEvents();
-    void sortByColumn(int column);
-    // A listing just put in the table: its order, columns and scrolling.
-    void showNewListing();
-    void showPatternError(const QString &error);
-
     std::unique_ptr<RenameEngine> m_engine;
     std::unique_ptr<CompiledScript> m_perl;
     std::unique_ptr<CompiledScript> m_exifInfo;
-    std::unique_ptr<InterfaceFile> m_form;
-    std::unique_ptr<ProgressPanel> m_progress;
     FileTableModel *m_table = nullptr;
-    PreviewScheduler *m_preview = nullptr;
-    bool m_sorting = false;
-    RenameRule m_capturedRule;      // as last read from the controls
-    bool m_advanceExcluded = false;  // as the batch pass was last asked
+    std::unique_ptr<MainWindowController> m_mainWindow;
 };
 
 // Whether the system counts as release 10.4 or later, set once at start-up.

@@ -78,7 +78,7 @@ TEST(Outlets, TheRuleIsReadFromTheControls)
     control<QCheckBox>("change_case")->setChecked(true);
     choose("extension_matrix", 1);
     control<QLineEdit>("extension")->setText("jpg");
-    app().getConstantData();
+    app().mainWindow().getConstantData();
     const RenameRule &rule = app().engine().rule();
     EXPECT_EQ(rule.prefix.text, QStringLiteral("IMG_«#»"));
     EXPECT_EQ(rule.prefix.start, 7);
@@ -88,15 +88,15 @@ TEST(Outlets, TheRuleIsReadFromTheControls)
     EXPECT_EQ(rule.newExtension, QStringLiteral(".jpg")) << "a full stop is added";
 
     control<QLineEdit>("extension")->setText(".tiff");
-    app().getConstantData();
+    app().mainWindow().getConstantData();
     EXPECT_EQ(app().engine().rule().newExtension, QStringLiteral(".tiff")) << "kept as typed";
     control<QLineEdit>("extension")->setText("");
-    app().getConstantData();
+    app().mainWindow().getConstantData();
     EXPECT_EQ(app().engine().rule().newExtension, QString()) << "a blank new extension drops the extension";
 
     choose("extension_matrix", 2);
     control<QComboBox>("extension_popup")->setCurrentText("png");
-    app().getConstantData();
+    app().mainWindow().getConstantData();
     EXPECT_EQ(app().engine().rule().newExtension, QStringLiteral(".png"));
     control<QCheckBox>("change_case")->setChecked(false);
     control<QLineEdit>("prefix")->setText("");
@@ -107,7 +107,7 @@ TEST(Preview, ADisconnectedLeadingZerosControlLeavesCountersUnpadded)
     delete app().outlet(QStringLiteral("prefix_add_leading_zeros"));
     app().engine().useRule(ScriptRequests::ruleFromSettings({"«#»", 3, 1, false, 0, false, "", "", "literal", false, 0, 0,
                                                               false, "", false, "", 0, 0, false, 0, "", false, false, ""}));
-    EXPECT_EQ(app().generateNewName({"a.jpg", 100, false, "", {}, {}}), QStringLiteral("3.jpg"));
+    EXPECT_EQ(app().mainWindow().generateNewName({"a.jpg", 100, false, "", {}, {}}), QStringLiteral("3.jpg"));
 }
 
 TEST(Progress, ScreenUpdatesAreThinnedByTheMaximum)
@@ -142,8 +142,11 @@ TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
         paths.append(dir.filePath(QStringLiteral("f%1.txt").arg(i)));
     // The click arrives through the event loop, which the listing keeps running.
     QTimer::singleShot(0, [] { control<QPushButton>("stop_progress")->click(); });
-    const QVariant result = app().parseItems({paths, QStringList(), QStringList(), false, false, false, false, true, dir.path()});
-    EXPECT_EQ(result, QVariant(false));
+    ListingRequest request;
+    request.paths = paths;
+    request.honourStop = true;
+    request.root = dir.path();
+    EXPECT_TRUE(app().mainWindow().list(request).stopped);
     EXPECT_TRUE(app().engine().stop.load()) << "set back for the next listing";
 }
 
@@ -152,14 +155,17 @@ TEST(Progress, AListingGoesStraightIntoTheTableInNaturalOrderAndSaysWhenStopped)
     QTemporaryDir dir;
     for (const char *name : {"IMG_10.jpg", "IMG_9.jpg", "img_100.jpg"})
         QFile(dir.filePath(QString::fromLatin1(name))).open(QIODevice::WriteOnly);
-    const QVariantList request = {QStringList{dir.path()}, QStringList(), QStringList(), false, false, false, false, true, dir.path()};
-    EXPECT_EQ(app().listIntoTable(request), (QVariantMap{{"rows", 3}, {"stopped", false}}));
+    ListingRequest request;
+    request.paths = {dir.path()};
+    request.honourStop = true;
+    request.root = dir.path();
+    EXPECT_FALSE(app().mainWindow().listIntoTable(request));
     QStringList names;
     for (const ItemRecord &row : app().fileTableDataSource().rows())
         names.append(row.name);
     EXPECT_EQ(names, QStringList({"IMG_9.jpg", "IMG_10.jpg", "img_100.jpg"}));
     QTimer::singleShot(0, [] { control<QPushButton>("stop_progress")->click(); });
-    EXPECT_EQ(app().listIntoTable(request).value("stopped"), QVariant(true));
+    EXPECT_TRUE(app().mainWindow().listIntoTable(request)) << "stopped";
     app().fileTableDataSource().setRows({});
 }
 
@@ -180,26 +186,26 @@ TEST(Preview, TheWholeTableFollowsTheRules)
     control<QComboBox>("the_case")->setCurrentText("Title Case");
     control<QCheckBox>("orig_strip_diacriticals")->setChecked(true);
     type(control<QLineEdit>("prefix"), "P ");
-    EXPECT_FALSE(app().preview().lastInBackground);
+    EXPECT_FALSE(app().mainWindow().preview().lastInBackground);
     EXPECT_EQ(control<QLineEdit>("preview_name")->text(), QStringLiteral("P Img_0 Creme_00001.JPG")) << "the first row";
     const FileTableModel &table = app().fileTableDataSource();
     EXPECT_EQ(table.valueForColumn("new", 0), QVariant(QStringLiteral("P Img_0 Creme_00001.JPG")));
     EXPECT_EQ(table.valueForColumn("new", 9999), QVariant(QStringLiteral("P Img_9999 Creme_10000.JPG")));
-    std::printf("[ figures  ] full-table preview of 10,000 rows, first keystroke: %lld ms\n", (long long)app().preview().lastMs);
+    std::printf("[ figures  ] full-table preview of 10,000 rows, first keystroke: %lld ms\n", (long long)app().mainWindow().preview().lastMs);
     type(control<QLineEdit>("prefix"), "x");
-    std::printf("[ figures  ] full-table preview of 10,000 rows, next keystroke: %lld ms\n", (long long)app().preview().lastMs);
+    std::printf("[ figures  ] full-table preview of 10,000 rows, next keystroke: %lld ms\n", (long long)app().mainWindow().preview().lastMs);
     EXPECT_EQ(table.valueForColumn("new", 9999), QVariant(QStringLiteral("P xImg_9999 Creme_10000.JPG")));
     control<QLineEdit>("prefix")->setText("P ");
     EXPECT_EQ(app().engine().composer.duplicate_check_list.toList(), QStringList()) << "the engine's own list is untouched";
 
     // Beyond the immediate size the table is worked out aside.
-    app().preview().immediateRows = 100;
-    QSignalSpy applied(&app(), &RZApplication::tablePreviewApplied);
+    app().mainWindow().preview().immediateRows = 100;
+    QSignalSpy applied(&app().mainWindow(), &MainWindowController::tablePreviewApplied);
     type(control<QLineEdit>("prefix"), "x");
-    EXPECT_TRUE(app().preview().lastInBackground);
+    EXPECT_TRUE(app().mainWindow().preview().lastInBackground);
     ASSERT_TRUE(applied.wait(10000));
     EXPECT_EQ(table.valueForColumn("new", 1), QVariant(QStringLiteral("P xImg_1 Creme_00002.JPG")));
-    app().preview().immediateRows = 10000;
+    app().mainWindow().preview().immediateRows = 10000;
     app().fileTableDataSource().setRows({});
     control<QLineEdit>("prefix")->setText("");
     control<QLineEdit>("suffix")->setText("");
@@ -238,17 +244,17 @@ TEST(Preview, ThePreviewShowsTheNamesTheBatchPassGives)
     for (const Rule &rule : rules) {
         app().fileTableDataSource().setRows(rows);
         rule.set();
-        QSignalSpy applied(&app(), &RZApplication::tablePreviewApplied);
-        app().refreshPreview();
+        QSignalSpy applied(&app().mainWindow(), &MainWindowController::tablePreviewApplied);
+        app().mainWindow().refreshPreview();
         ASSERT_TRUE(!applied.isEmpty() || applied.wait(10000)) << rule.name;
         const QStringList previewed = app().fileTableDataSource().previewedNames();
-        app().getConstantData();
-        const QVariantList batch = app().makeReplacementNames(
+        app().mainWindow().getConstantData();
+        const auto batch = app().mainWindow().makeReplacementNames(ScriptRequests::batchRequest(
             {"files", QDateTime::currentDateTime(), "Working", "%d of %d %@", RuleForm::rule(app().form()).prefix.date,
-             RuleForm::rule(app().form()).suffix.date, qint32(rows.size()), false});
+             RuleForm::rule(app().form()).suffix.date, qint32(rows.size()), false}));
         QStringList given;
-        for (const QVariant &record : batch)
-            given.append(record.toMap().value("new").toString());
+        for (const ItemRecord &record : batch)
+            given.append(record.newName);
         EXPECT_EQ(previewed, given) << rule.name;
         EXPECT_EQ(given[2], "skip me.jpg") << rule.name << ": an excluded row keeps its name";
     }
@@ -264,8 +270,11 @@ TEST(Preview, ThePreviewShowsTheNamesTheBatchPassGives)
 TEST(Batch, ARequestForMoreRowsThanTheTableHoldsIsRefused)
 {
     app().fileTableDataSource().setRows(std::vector<ItemRecord>(2));
-    EXPECT_THROW(app().makeReplacementNames({"files", QDateTime(), "", "", 0, 0, 3, false}), NamedException);
-    EXPECT_EQ(app().makeReplacementNames({"files", QDateTime(), "", "", 0, 0, 1, false}).size(), 1) << "fewer is a part of the table";
+    ScriptRequests::BatchRequest request;
+    request.rowCount = 3;
+    EXPECT_THROW(app().mainWindow().makeReplacementNames(request), NamedException);
+    request.rowCount = 1;
+    EXPECT_EQ(app().mainWindow().makeReplacementNames(request).size(), 1) << "fewer is a part of the table";
     app().fileTableDataSource().setRows({});
 }
 

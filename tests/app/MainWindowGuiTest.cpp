@@ -153,7 +153,7 @@ TEST(MainWindow, NothingStartsOrChangesInsideALongPass)
                                                         Qt::LeftButton, Qt::NoButton, Qt::NoModifier));
     QCoreApplication::postEvent(application->window(), new QKeyEvent(QEvent::ShortcutOverride, Qt::Key_R, Qt::ControlModifier));
     QStringList started;
-    const auto watch = QObject::connect(application, &RZApplication::scriptEvent, [&](const QString &handler, const QVariant &what) {
+    const auto watch = QObject::connect(&application->mainWindow(), &MainWindowController::scriptEvent, [&](const QString &handler, const QVariant &what) {
         if (handler != QLatin1String("previewed"))
             started.append(handler + u' ' + what.toString());
     });
