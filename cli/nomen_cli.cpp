@@ -24,7 +24,6 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
-#include <variant>
 
 using CliReport::say;
 
@@ -155,19 +154,13 @@ int ruleCommand(const SavedRules &rules, const QCommandLineParser &options, cons
 
 // The folders and files named on the command line, as absolute paths; a
 // usage or no-input exit code when there are none or one is not there.
-std::variant<QStringList, int> rootsOf(const QCommandLineParser &options)
+Result<QStringList> rootsOf(const QStringList &arguments)
 {
-    if (options.positionalArguments().isEmpty()) {
-        say(stderr, QStringLiteral("nomen-cli: name a folder (see --help)"));
-        return CliReport::Usage;
-    }
     QStringList roots;
-    for (const QString &argument : options.positionalArguments()) {
+    for (const QString &argument : arguments) {
         const auto root = CliOptions::resolvedArgument(argument);
-        if (!root) {
-            say(stderr, QStringLiteral("nomen-cli: no such folder or file \"%1\"").arg(argument));
-            return CliReport::NoInput;
-        }
+        if (!root)
+            return Failure{QStringLiteral("no such folder or file \"%1\"").arg(argument)};
         roots.append(*root);
     }
     return roots;
@@ -226,10 +219,16 @@ int main(int argc, char **argv)
         }
         mapped = std::move(*map);
     } else {
-        auto found = rootsOf(options);
-        if (const int *failed = std::get_if<int>(&found))
-            return *failed;
-        roots = std::get<QStringList>(std::move(found));
+        if (options.positionalArguments().isEmpty()) {
+            say(stderr, QStringLiteral("nomen-cli: name a folder (see --help)"));
+            return CliReport::Usage;
+        }
+        auto found = rootsOf(options.positionalArguments());
+        if (!found) {
+            say(stderr, QStringLiteral("nomen-cli: ") + found.reason());
+            return CliReport::NoInput;
+        }
+        roots = std::move(*found);
     }
 
     const bool apply = options.isSet("apply");

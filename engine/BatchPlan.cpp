@@ -4,6 +4,7 @@
 
 #include "PathCodec.h"
 #include "PathNames.h"
+#include "Result.h"
 
 #include <algorithm>
 #include <QHash>
@@ -92,25 +93,31 @@ private:
 // Folders made absolute and free of links, each worked out once.
 class FolderResolver {
 public:
-    // The resolved folder, or the errno value that stood in the way.
-    std::variant<QString, int> resolve(const QString &folder)
+    // The resolved folder, or why it cannot be reached.
+    Result<QString> resolve(const QString &folder)
     {
         const auto known = m_known.constFind(folder);
         if (known != m_known.cend())
             return *known;
-        std::variant<QString, int> answer;
-        if (char *real = realpath(PathCodec::encode(PathNames::absolute(folder)).constData(), nullptr)) {
-            answer = PathCodec::decode(real);
+        const auto answer = [&folder]() -> Result<QString> {
+            char *real = realpath(PathCodec::encode(PathNames::absolute(folder)).constData(), nullptr);
+            if (!real) {
+                const int error = errno;
+                const QString shown = PathNames::withoutTrailingSlashes(folder);
+                return Failure{error == ENOENT ? QStringLiteral("no such folder \"%1\"").arg(shown)
+                                               : QStringLiteral("the folder \"%1\" cannot be reached: %2")
+                                                     .arg(shown, errnoText(error))};
+            }
+            const QString resolved = PathCodec::decode(real);
             free(real);
-        } else {
-            answer = errno;
-        }
+            return resolved;
+        }();
         m_known.insert(folder, answer);
         return answer;
     }
 
 private:
-    QHash<QString, std::variant<QString, int>> m_known;
+    QHash<QString, Result<QString>> m_known;
 };
 
 QString invalidNameReason(const QString &name)
@@ -255,23 +262,21 @@ private:
 
     // The resolved folder's index; rows of one folder usually follow each
     // other, so the last answer is tried first.
-    std::variant<int, int> folderIndex(const QString &raw)
+    Result<int> folderIndex(const QString &raw)
     {
         if (m_lastRaw && raw == *m_lastRaw)
-            return m_lastAnswer;
+            return *m_lastAnswer;
         const auto resolved = m_resolver.resolve(raw);
-        std::variant<int, int> answer;
-        if (const int *error = std::get_if<int>(&resolved)) {
-            answer.emplace<1>(*error);
-        } else {
-            const QString &folder = std::get<QString>(resolved);
-            auto known = m_folderIndex.constFind(folder);
+        const auto answer = [&]() -> Result<int> {
+            if (!resolved)
+                return Failure{resolved.reason()};
+            auto known = m_folderIndex.constFind(*resolved);
             if (known == m_folderIndex.cend()) {
-                known = m_folderIndex.insert(folder, int(m_folderPaths.size()));
-                m_folderPaths.append(folder);
+                known = m_folderIndex.insert(*resolved, int(m_folderPaths.size()));
+                m_folderPaths.append(*resolved);
             }
-            answer.emplace<0>(*known);
-        }
+            return *known;
+        }();
         m_lastRaw = raw;
         m_lastAnswer = answer;
         return answer;
@@ -296,14 +301,9 @@ private:
         if (const QString reason = invalidNameReason(request.newName); !reason.isEmpty())
             return refuse(Status::Conflict, reason);
         const auto folder = folderIndex(request.folder);
-        if (folder.index() == 1) {
-            const int error = std::get<1>(folder);
-            const QString shown = PathNames::withoutTrailingSlashes(request.folder);
-            return refuse(Status::Failed, error == ENOENT ? QStringLiteral("no such folder \"%1\"").arg(shown)
-                                                          : QStringLiteral("the folder \"%1\" cannot be reached: %2")
-                                                                .arg(shown, errnoText(error)));
-        }
-        Candidate candidate{row, std::get<0>(folder), request.name, request.newName, {}};
+        if (!folder)
+            return refuse(Status::Failed, folder.reason());
+        Candidate candidate{row, *folder, request.name, request.newName, {}};
         const auto identity =
             request.identity ? request.identity : FileIdentity::at(PathCodec::encode(pathOf(candidate.folder, candidate.name)));
         if (!identity)
@@ -473,7 +473,7 @@ private:
     QStringList m_folderPaths;          // resolved; "" for the root
     QHash<QString, int> m_folderIndex;
     std::optional<QString> m_lastRaw;
-    std::variant<int, int> m_lastAnswer;
+    std::optional<Result<int>> m_lastAnswer;
     std::vector<std::optional<Candidate>> m_candidates; // by row
     QString m_token;
     int m_temporaries = 0;
