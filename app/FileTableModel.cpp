@@ -104,7 +104,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole: {
         const QVariant value = valueForColumn(columnIdentifiers()[index.column()], index.row());
-        return index.column() == Size ? ROZ_ByteFormatter::stringForObjectValue(value) : asText(value);
+        return index.column() == Size ? ByteFormatter::stringForObjectValue(value) : asText(value);
     }
     case Qt::TextAlignmentRole:
         return index.column() == Size ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();

@@ -58,7 +58,7 @@ bool setField(ItemRecord &record, const QString &identifier, const QVariant &val
     else if (identifier == Modification)
         record.modified = millisecondsOf(value);
     else if (identifier == Size)
-        record.size = ROZ_NSDictionaryAdditions::isNumber(value) ? std::optional(quint64(value.toULongLong())) : std::nullopt;
+        record.size = DictionaryAdditions::isNumber(value) ? std::optional(quint64(value.toULongLong())) : std::nullopt;
     else if (identifier == New)
         record.newName = value.toString();
     else

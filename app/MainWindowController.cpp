@@ -35,7 +35,7 @@ const QStringList previewFields = {"prefix",          "prefix_start_num", "prefi
 
 QDateTime fixedDate(const QString &text)
 {
-    return ROZ_MiscMethods::dateFromString(text).value_or(QDateTime());
+    return MiscMethods::dateFromString(text).value_or(QDateTime());
 }
 
 } // namespace

@@ -86,10 +86,10 @@ void RZApplication::init(const MethodRegistry &methods)
     m_mainWindow = std::make_unique<MainWindowController>(*m_engine, *m_table,
                                                           resourceDirectory() + QStringLiteral("/MainWindow.ui"));
     DefaultsBindings::bind(window());
-    systemIsRelease104OrLater = ROZ_MiscMethods::return104Plus();
+    systemIsRelease104OrLater = MiscMethods::return104Plus();
     m_perl = loadHelper(methods, QStringLiteral("perl"));
     m_exifInfo = loadHelper(methods, QStringLiteral("exif_info"));
-    ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_exifInfo, QStringLiteral("init"));
+    ScriptSubroutines::runScriptSubroutine(*m_exifInfo, QStringLiteral("init"));
 }
 
 QString RZApplication::snrGrep(const QString &text, const QString &pattern, const QString &replacement, bool consideringCase)
@@ -97,12 +97,12 @@ QString RZApplication::snrGrep(const QString &text, const QString &pattern, cons
     // The helper's answer replaces the text only when it is a string: a
     // failed call answers the error pair.
     return GrepReplace::snrGrep(text, pattern, replacement, consideringCase, [this](const QString &program) {
-        const QVariant answer = ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_perl, QStringLiteral("execute_perl"), program);
+        const QVariant answer = ScriptSubroutines::runScriptSubroutine(*m_perl, QStringLiteral("execute_perl"), program);
         return answer.typeId() == QMetaType::QString ? std::optional(answer.toString()) : std::nullopt;
     });
 }
 
 QVariant RZApplication::getEXIFDate(const QVariant &path)
 {
-    return ROZ_ScriptSubroutines::ROZ_runScriptSubroutine(*m_exifInfo, QStringLiteral("get_exif_image_created_date"), path);
+    return ScriptSubroutines::runScriptSubroutine(*m_exifInfo, QStringLiteral("get_exif_image_created_date"), path);
 }

@@ -18,7 +18,7 @@ QString text(const InterfaceFile &form, const char *outlet)
 
 qint32 integer(const InterfaceFile &form, const char *outlet)
 {
-    return ROZ_NSDictionaryAdditions::intValue(text(form, outlet));
+    return DictionaryAdditions::intValue(text(form, outlet));
 }
 
 bool checked(const InterfaceFile &form, const char *outlet)

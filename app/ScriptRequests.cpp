@@ -11,7 +11,7 @@ namespace {
 qint32 intValueOf(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QString)
-        return ROZ_NSDictionaryAdditions::intValue(value.toString());
+        return DictionaryAdditions::intValue(value.toString());
     if (value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float)
         return qint32(static_cast<long long>(value.toDouble()));
     return qint32(value.toLongLong());
@@ -21,7 +21,7 @@ bool boolValueOf(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QString) {
         const QString text = value.toString().trimmed();
-        return ROZ_NSDictionaryAdditions::intValue(text) != 0 || text.startsWith(u'y', Qt::CaseInsensitive)
+        return DictionaryAdditions::intValue(text) != 0 || text.startsWith(u'y', Qt::CaseInsensitive)
                || text.startsWith(u't', Qt::CaseInsensitive);
     }
     return intValueOf(value) != 0 || (value.typeId() == QMetaType::Double && value.toDouble() != 0);

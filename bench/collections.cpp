@@ -32,7 +32,7 @@ void ReadTsvFile(benchmark::State &state)
     }
     qsizetype records = 0;
     for (auto _ : state) {
-        const QVariant table = ROZ_MiscMethods::dictionaryArrayFromTSVFile(path);
+        const QVariant table = MiscMethods::dictionaryArrayFromTSVFile(path);
         records = table.toList().size();
         benchmark::DoNotOptimize(records);
     }
@@ -62,7 +62,7 @@ void SortItemRecordsByTwoKeys(benchmark::State &state)
     const QVariantList records = itemRecords();
     const QStringList keys{QStringLiteral("container"), QStringLiteral("name")};
     for (auto _ : state)
-        benchmark::DoNotOptimize(ROZ_Collections::sortDictionaries(records, keys));
+        benchmark::DoNotOptimize(Collections::sortDictionaries(records, keys));
     state.SetItemsProcessed(state.iterations() * Lines);
 }
 

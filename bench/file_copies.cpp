@@ -61,7 +61,7 @@ void copyEachIteration(benchmark::State &state, Copy copy)
         if (!copy(target))
             state.SkipWithError("the copy failed");
         state.PauseTiming();
-        ROZ_MiscMethods::deleteItem(target);
+        MiscMethods::deleteItem(target);
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * fileCount());
@@ -70,7 +70,7 @@ void copyEachIteration(benchmark::State &state, Copy copy)
 void CopyItem(benchmark::State &state)
 {
     copyEachIteration(state, [](const QString &target) {
-        return ROZ_MiscMethods::copyItem(tree().source, target, false);
+        return MiscMethods::copyItem(tree().source, target, false);
     });
 }
 

@@ -56,17 +56,17 @@ void BareLstat(benchmark::State &state)
 
 void ReturnItemIsFolder(benchmark::State &state)
 {
-    overFiles(state, [](const QString &path) { return ROZ_MiscMethods::returnItemIsFolder(path); });
+    overFiles(state, [](const QString &path) { return MiscMethods::returnItemIsFolder(path); });
 }
 
 void ReturnItemVisiblity(benchmark::State &state)
 {
-    overFiles(state, [](const QString &path) { return ROZ_MiscMethods::returnItemVisiblity(path); });
+    overFiles(state, [](const QString &path) { return MiscMethods::returnItemVisiblity(path); });
 }
 
 void AttributesOfItem(benchmark::State &state)
 {
-    overFiles(state, [](const QString &path) { return ROZ_MiscMethods::attributesOfItem(path); });
+    overFiles(state, [](const QString &path) { return MiscMethods::attributesOfItem(path); });
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 namespace {
 

@@ -7,14 +7,14 @@
 #include <QWidget>
 
 using ArgumentConversion::convert;
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 namespace {
 
 void registerAlerts(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString C = ROZ_MiscMethodsClass;
+    const QString C = MiscMethodsClass;
     addClassMethod(registry, C, QStringLiteral("displayAlert:withMessage:"),
                    +[](const QString &title, const QString &message) { return M::displayAlert(title, message); });
     addClassMethod(registry, C, QStringLiteral("displayAlert:withMessage:withButtons:"),
@@ -78,7 +78,7 @@ void registerAlerts(MethodRegistry &registry)
 void registerUtilities(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString C = ROZ_MiscMethodsClass;
+    const QString C = MiscMethodsClass;
     addClassMethod(registry, C, QStringLiteral("updateStatus:"), &M::updateStatus);
     addClassMethod(registry, C, QStringLiteral("setLogOutputFile:"), &M::setLogOutputFile);
     addClassMethod(registry, C, QStringLiteral("activate"), &M::activate);
@@ -97,7 +97,7 @@ void registerUtilities(MethodRegistry &registry)
 void registerFileOperations(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString C = ROZ_MiscMethodsClass;
+    const QString C = MiscMethodsClass;
     addClassMethod(registry, C, QStringLiteral("moveItem:toPath:withReplacing:"), &M::moveItem);
     addClassMethod(registry, C, QStringLiteral("copyItem:toPath:withReplacing:"), &M::copyItem);
     addClassMethod(registry, C, QStringLiteral("deleteItem:"), &M::deleteItem);

@@ -25,19 +25,19 @@ void placeButtons(Alerts::Alert &alert, const QStringList &buttons)
 
 } // namespace
 
-int ROZ_MiscMethods::displayAlert(const QString &title, const QString &message)
+int MiscMethods::displayAlert(const QString &title, const QString &message)
 {
     return displayAlert(title, message, {localized("OK")});
 }
 
-int ROZ_MiscMethods::displayAlert(const QString &title, const QString &message, const QStringList &buttons)
+int MiscMethods::displayAlert(const QString &title, const QString &message, const QStringList &buttons)
 {
     Alerts::Alert alert{2, title, message, buttons.isEmpty() ? QString() : buttons.last(), {}, {}};
     placeButtons(alert, buttons);
     return Alerts::runModal(alert);
 }
 
-void ROZ_MiscMethods::displayError(const QString &title, const QString &message, QWidget *window)
+void MiscMethods::displayError(const QString &title, const QString &message, QWidget *window)
 {
     const bool quitting = message.contains(localized("will now quit"), Qt::CaseInsensitive);
     activate();
@@ -52,12 +52,12 @@ void ROZ_MiscMethods::displayError(const QString &title, const QString &message,
         Alerts::runModal(alert);
 }
 
-int ROZ_MiscMethods::displayInformational(const QString &title, const QString &message, const QString &defaultButton)
+int MiscMethods::displayInformational(const QString &title, const QString &message, const QString &defaultButton)
 {
     return Alerts::runModal({1, title, message, defaultButton, {}, {}});
 }
 
-QVariant ROZ_MiscMethods::displayWarning(const QString &message, const QStringList &buttons,
+QVariant MiscMethods::displayWarning(const QString &message, const QStringList &buttons,
                                          const QString &defaultButton, bool shouldBeep)
 {
     if (shouldBeep)
@@ -65,7 +65,7 @@ QVariant ROZ_MiscMethods::displayWarning(const QString &message, const QStringLi
     return displayMessage(message, buttons, defaultButton, 2, false);
 }
 
-QVariant ROZ_MiscMethods::displayMessage(const QString &message, const QStringList &buttons,
+QVariant MiscMethods::displayMessage(const QString &message, const QStringList &buttons,
                                          const QString &defaultButton, int style, bool asSheet)
 {
     activate();
@@ -85,7 +85,7 @@ QVariant ROZ_MiscMethods::displayMessage(const QString &message, const QStringLi
 
 // The dialog as script text: every text a string literal, so whatever it
 // holds reaches the dialog unchanged.
-QString ROZ_MiscMethods::dialogScript(const QString &message, const std::optional<QString> &title,
+QString MiscMethods::dialogScript(const QString &message, const std::optional<QString> &title,
                                       const QStringList &buttons, const QString &defaultButton, int icon,
                                       int givingUpAfter)
 {
@@ -103,7 +103,7 @@ QString ROZ_MiscMethods::dialogScript(const QString &message, const std::optiona
     return text + QStringLiteral("})");
 }
 
-QVariant ROZ_MiscMethods::displayMessage(const MethodRegistry &methods, const QString &message,
+QVariant MiscMethods::displayMessage(const MethodRegistry &methods, const QString &message,
                                          const QStringList &buttons, const QString &defaultButton, int icon,
                                          int givingUpAfter)
 {
@@ -112,7 +112,7 @@ QVariant ROZ_MiscMethods::displayMessage(const MethodRegistry &methods, const QS
                                    dialogScript(message, std::nullopt, buttons, defaultButton, icon, givingUpAfter));
 }
 
-QVariant ROZ_MiscMethods::displayMessageWithTitle(const MethodRegistry &methods, const QString &title,
+QVariant MiscMethods::displayMessageWithTitle(const MethodRegistry &methods, const QString &title,
                                                   const QString &message, const QStringList &buttons,
                                                   const QString &defaultButton, int icon, bool shouldGiveUp)
 {
@@ -121,7 +121,7 @@ QVariant ROZ_MiscMethods::displayMessageWithTitle(const MethodRegistry &methods,
                                                          shouldGiveUp ? 10 : 0));
 }
 
-void ROZ_MiscMethods::updateStatus(const QString &status)
+void MiscMethods::updateStatus(const QString &status)
 {
     SystemLog::write(status);
 }

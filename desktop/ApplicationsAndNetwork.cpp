@@ -17,8 +17,8 @@
 
 #include <csignal>
 
-using M = ROZ_MiscMethods;
-using ROZ_PathConversion::pathPOSIX;
+using M = MiscMethods;
+using PathConversion::pathPOSIX;
 
 namespace {
 
@@ -41,7 +41,7 @@ QVariantMap dictionaryOf(const RunningApplications::Application &application)
 
 } // namespace
 
-int ROZ_MiscMethods::pidForApplication(const QString &name)
+int MiscMethods::pidForApplication(const QString &name)
 {
     const QString listing = runTask(QStringLiteral("/bin/ps"), QStringList{QStringLiteral("ax")}, QString(), QString());
     // "--" keeps a name that starts with "-" a pattern, never an option.
@@ -51,10 +51,10 @@ int ROZ_MiscMethods::pidForApplication(const QString &name)
         return 0;
     const QString pids =
         runTask(QStringLiteral("/usr/bin/awk"), QStringList{QStringLiteral("{print $1}")}, matches, QString());
-    return pids.isEmpty() ? 0 : ROZ_NSDictionaryAdditions::intValue(pids);
+    return pids.isEmpty() ? 0 : DictionaryAdditions::intValue(pids);
 }
 
-bool ROZ_MiscMethods::killApplication(const QString &name)
+bool MiscMethods::killApplication(const QString &name)
 {
     const int pid = pidForApplication(name);
     if (pid <= 0)
@@ -63,7 +63,7 @@ bool ROZ_MiscMethods::killApplication(const QString &name)
     return true;
 }
 
-QStringList ROZ_MiscMethods::returnLaunchedApplicationsPaths()
+QStringList MiscMethods::returnLaunchedApplicationsPaths()
 {
     QStringList paths;
     for (const qint64 pid : Processes::ofThisUser()) {
@@ -74,23 +74,23 @@ QStringList ROZ_MiscMethods::returnLaunchedApplicationsPaths()
     return paths;
 }
 
-bool ROZ_MiscMethods::launchApplication(const QString &name)
+bool MiscMethods::launchApplication(const QString &name)
 {
     return DesktopEntries::launch(DesktopEntries::find(name), {});
 }
 
-void ROZ_MiscMethods::hideOtherApplications()
+void MiscMethods::hideOtherApplications()
 {
     RunningApplications::minimiseOthers();
 }
 
-QVariant ROZ_MiscMethods::returnCurrentApplication()
+QVariant MiscMethods::returnCurrentApplication()
 {
     const auto application = RunningApplications::active();
     return application ? QVariant(dictionaryOf(*application)) : QVariant();
 }
 
-QVariantList ROZ_MiscMethods::returnLaunchedApplications()
+QVariantList MiscMethods::returnLaunchedApplications()
 {
     QVariantList applications;
     for (const auto &application : RunningApplications::listed())
@@ -98,7 +98,7 @@ QVariantList ROZ_MiscMethods::returnLaunchedApplications()
     return applications;
 }
 
-QVariantList ROZ_MiscMethods::returnLaunchedApplicationProperty(const QString &key, bool forHFS)
+QVariantList MiscMethods::returnLaunchedApplicationProperty(const QString &key, bool forHFS)
 {
     const bool convert = forHFS && key == QLatin1String("NSApplicationPath");
     QVariantList values;
@@ -107,22 +107,22 @@ QVariantList ROZ_MiscMethods::returnLaunchedApplicationProperty(const QString &k
         if (!dictionary.contains(key))
             continue;
         const QVariant value = dictionary.value(key);
-        values.append(convert ? QVariant(ROZ_PathConversion::pathHFS(value.toString())) : value);
+        values.append(convert ? QVariant(PathConversion::pathHFS(value.toString())) : value);
     }
     return values;
 }
 
-QString ROZ_MiscMethods::returnDefaultAppForItem(const QString &path)
+QString MiscMethods::returnDefaultAppForItem(const QString &path)
 {
     return DesktopEntries::programOf(DesktopEntries::defaultForFile(pathPOSIX(path)));
 }
 
-QString ROZ_MiscMethods::returnDefaultAppForURLScheme(const QString &url)
+QString MiscMethods::returnDefaultAppForURLScheme(const QString &url)
 {
     return DesktopEntries::programOf(DesktopEntries::defaultForScheme(QUrl(url).scheme()));
 }
 
-bool ROZ_MiscMethods::openFile(const QString &path, const std::optional<QString> &application)
+bool MiscMethods::openFile(const QString &path, const std::optional<QString> &application)
 {
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, true))
@@ -131,45 +131,45 @@ bool ROZ_MiscMethods::openFile(const QString &path, const std::optional<QString>
     return DesktopEntries::launch(identifier, {posix});
 }
 
-void ROZ_MiscMethods::openURL(const QString &url)
+void MiscMethods::openURL(const QString &url)
 {
     DesktopEntries::openUri(url);
 }
 
-void ROZ_MiscMethods::openURLInBackground(const QString &url)
+void MiscMethods::openURLInBackground(const QString &url)
 {
     DesktopEntries::openUri(url);
 }
 
-void ROZ_MiscMethods::poof(const QString &point)
+void MiscMethods::poof(const QString &point)
 {
     if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
         return;
     Poof::play(ScreenPoints::toTopLeft(ScreenPoints::fromText(point)));
 }
 
-bool ROZ_MiscMethods::sendGoogleSMS(const QString &message, const QString &subject, const QString &phone,
+bool MiscMethods::sendGoogleSMS(const QString &message, const QString &subject, const QString &phone,
                                     const QString &carrier)
 {
     return PhoneServices::sendMessage(message, subject, phone, carrier);
 }
 
-std::optional<QString> ROZ_MiscMethods::returnCarrierForMobileNumber(const QString &phone)
+std::optional<QString> MiscMethods::returnCarrierForMobileNumber(const QString &phone)
 {
     return PhoneServices::carrierOf(phone);
 }
 
-bool ROZ_MiscMethods::isNetworkAvailable(const QString &host)
+bool MiscMethods::isNetworkAvailable(const QString &host)
 {
     return NetworkSettings::isReachable(host);
 }
 
-QVariantMap ROZ_MiscMethods::returnProxyInfoRaw()
+QVariantMap MiscMethods::returnProxyInfoRaw()
 {
     return NetworkSettings::rawProxies();
 }
 
-QVariantMap ROZ_MiscMethods::returnProxyInfo()
+QVariantMap MiscMethods::returnProxyInfo()
 {
     return NetworkSettings::proxySummary(NetworkSettings::rawProxies());
 }
@@ -177,7 +177,7 @@ QVariantMap ROZ_MiscMethods::returnProxyInfo()
 void registerApplicationAndNetworkMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString C = ROZ_MiscMethodsClass;
+    const QString C = MiscMethodsClass;
     addClassMethod(registry, C, QStringLiteral("pidForApplication:"), &M::pidForApplication);
     addClassMethod(registry, C, QStringLiteral("killApplication:"), &M::killApplication);
     addClassMethod(registry, C, QStringLiteral("launchApplication:"), &M::launchApplication);

@@ -11,7 +11,7 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
-using namespace ROZ_GlobalKeys;
+using namespace GlobalKeys;
 
 namespace {
 
@@ -51,7 +51,7 @@ bool postPasteKeystroke()
 
 } // namespace
 
-std::optional<QString> ROZ_MiscMethods::returnClipboardString()
+std::optional<QString> MiscMethods::returnClipboardString()
 {
     const QMimeData *data = clipboard()->mimeData();
     if (!data || !data->hasText())
@@ -59,19 +59,19 @@ std::optional<QString> ROZ_MiscMethods::returnClipboardString()
     return data->text();
 }
 
-QVariantMap ROZ_MiscMethods::returnClipboard()
+QVariantMap MiscMethods::returnClipboard()
 {
     QVariantList entries;
     QStringList types;
     if (const QMimeData *data = clipboard()->mimeData()) {
         types = data->formats();
         for (const QString &type : types)
-            entries.append(QVariantMap{{ROZ_the_dataKey, data->data(type)}, {ROZ_data_typeKey, type}});
+            entries.append(QVariantMap{{the_dataKey, data->data(type)}, {data_typeKey, type}});
     }
-    return {{ROZ_returnDataKey, entries}, {ROZ_pbTypesKey, types}};
+    return {{returnDataKey, entries}, {pbTypesKey, types}};
 }
 
-bool ROZ_MiscMethods::setClipboard(const QString &text)
+bool MiscMethods::setClipboard(const QString &text)
 {
     auto *data = new QMimeData;
     data->setText(text);
@@ -79,13 +79,13 @@ bool ROZ_MiscMethods::setClipboard(const QString &text)
     return true;
 }
 
-void ROZ_MiscMethods::resetClipboard(const QVariantMap &saved)
+void MiscMethods::resetClipboard(const QVariantMap &saved)
 {
     auto *restored = new QMimeData;
-    for (const QVariant &entryValue : saved.value(ROZ_returnDataKey).toList()) {
+    for (const QVariant &entryValue : saved.value(returnDataKey).toList()) {
         const QVariantMap entry = entryValue.toMap();
-        const QVariant bytes = entry.value(ROZ_the_dataKey);
-        const QString type = entry.value(ROZ_data_typeKey).toString();
+        const QVariant bytes = entry.value(the_dataKey);
+        const QString type = entry.value(data_typeKey).toString();
         if (!bytes.isValid() || type.isEmpty())
             continue;
         if (bytes.typeId() == QMetaType::QByteArray) {
@@ -103,7 +103,7 @@ void ROZ_MiscMethods::resetClipboard(const QVariantMap &saved)
     clipboard()->setMimeData(restored);
 }
 
-void ROZ_MiscMethods::pasteAndRestore(const QString &text)
+void MiscMethods::pasteAndRestore(const QString &text)
 {
     const QVariantMap saved = returnClipboard();
     setClipboard(text);

@@ -24,9 +24,9 @@ std::optional<QString> optionalString(const QVariant &value, int index)
 void registerDesktopMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    using M = ROZ_MiscMethods;
+    using M = MiscMethods;
 
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("runTask:withArguments:onData:atWorkingDirectory:"),
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("runTask:withArguments:onData:atWorkingDirectory:"),
                             [](Invocation &invocation) {
                                 const QVariantList &args = invocation.arguments;
                                 return QVariant(M::runTask(ArgumentConversion::convert<QString>(args[0], 0),
@@ -34,22 +34,22 @@ void registerDesktopMethods(MethodRegistry &registry)
                                                            ArgumentConversion::convert<QString>(args[3], 3)));
                             });
 
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnOSVersion"), &M::returnOSVersion);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("return104Plus"), &M::return104Plus);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("return105Plus"), &M::return105Plus);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnHostName"), &M::returnHostName);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnShortUserName"), &M::returnShortUserName);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFullUserName"), &M::returnFullUserName);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFullUserNameInits"), &M::returnFullUserNameInits);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnOSVersion"), &M::returnOSVersion);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("return104Plus"), &M::return104Plus);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("return105Plus"), &M::return105Plus);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnHostName"), &M::returnHostName);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnShortUserName"), &M::returnShortUserName);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnFullUserName"), &M::returnFullUserName);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnFullUserNameInits"), &M::returnFullUserNameInits);
 
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnClipboardString"), &M::returnClipboardString);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnClipboard"), &M::returnClipboard);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setClipboard:"), &M::setClipboard);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("resetClipboard:"), &M::resetClipboard);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("pasteAndRestore:"), &M::pasteAndRestore);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnClipboardString"), &M::returnClipboardString);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnClipboard"), &M::returnClipboard);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setClipboard:"), &M::setClipboard);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("resetClipboard:"), &M::resetClipboard);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("pasteAndRestore:"), &M::pasteAndRestore);
 
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnStartupItem"), &M::returnStartupItem);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setStartupItem:"), &M::setStartupItem);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnStartupItem"), &M::returnStartupItem);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setStartupItem:"), &M::setStartupItem);
 
     registerFileItemMethods(registry);
     registerTextShapingMethods(registry);

@@ -2,7 +2,7 @@
 
 class MethodRegistry;
 
-// The desktop services, as class methods of ROZ_MiscMethods.
+// The desktop services, as class methods of MiscMethods.
 void registerDesktopMethods(MethodRegistry &registry);
 // Paths, file items, type tests, introspection and colours.
 void registerFileItemMethods(MethodRegistry &registry);

@@ -14,83 +14,83 @@ namespace {
 
 using ArgumentConversion::convert;
 using NativeBinding::addClassMethod;
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 void registerPaths(MethodRegistry &registry)
 {
     const QString NSString = QStringLiteral("NSString");
-    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("pathHFS"), &ROZ_PathConversion::pathHFS);
-    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("pathPOSIX"), &ROZ_PathConversion::pathPOSIX);
-    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("alias"), &ROZ_PathConversion::alias);
-    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("aliasData"), &ROZ_PathConversion::aliasData);
-    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("fsRef"), &ROZ_PathConversion::fsRef);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("pathHFS"), &PathConversion::pathHFS);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("pathPOSIX"), &PathConversion::pathPOSIX);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("alias"), &PathConversion::alias);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("aliasData"), &PathConversion::aliasData);
+    NativeBinding::addInstanceMethod(registry, NSString, QStringLiteral("fsRef"), &PathConversion::fsRef);
     // No reference is ever set, so none names a path.
     registry.addClassMethod(NSString, QStringLiteral("stringWithFSRef:"), [](Invocation &) { return QVariant(); });
 }
 
 void registerItems(MethodRegistry &registry)
 {
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("itemExists:"), &M::itemExists);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCreationDate:"), &M::returnCreationDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnModificationDate:"), &M::returnModificationDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCreationAndModificationDate:"), &M::returnCreationAndModificationDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCreatorCode:"), &M::returnCreatorCode);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFileType:"), &M::returnFileType);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemInfo:"), &M::returnItemInfo);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemUTI:"), &M::returnItemUTI);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemDisplayKind:"), &M::returnItemDisplayKind);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemDefaultApp:"), &M::returnItemDefaultApp);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsImage:"), &M::returnItemIsImage);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemName:"), &M::returnItemName);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemDisplayedName:"), &M::returnItemDisplayedName);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemExtension:"), &M::returnItemExtension);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemContainer:"), &M::returnItemContainer);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsLocked:"), &M::returnItemIsLocked);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemOwner:"), &M::returnItemOwner);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemGroup:"), &M::returnItemGroup);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemPermissions:"), &M::returnItemPermissions);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemVisiblity:"), &M::returnItemVisiblity);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsFolder:"), &M::returnItemIsFolder);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsPackage:"), &M::returnItemIsPackage);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnItemIsWritable:"), &M::returnItemIsWritable);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFolderContents:"), &M::returnFolderContents);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnCompleteFolderContents:withInvisibles:"),
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("itemExists:"), &M::itemExists);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnCreationDate:"), &M::returnCreationDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnModificationDate:"), &M::returnModificationDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnCreationAndModificationDate:"), &M::returnCreationAndModificationDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnCreatorCode:"), &M::returnCreatorCode);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnFileType:"), &M::returnFileType);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemInfo:"), &M::returnItemInfo);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemUTI:"), &M::returnItemUTI);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemDisplayKind:"), &M::returnItemDisplayKind);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemDefaultApp:"), &M::returnItemDefaultApp);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemIsImage:"), &M::returnItemIsImage);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemName:"), &M::returnItemName);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemDisplayedName:"), &M::returnItemDisplayedName);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemExtension:"), &M::returnItemExtension);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemContainer:"), &M::returnItemContainer);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemIsLocked:"), &M::returnItemIsLocked);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemOwner:"), &M::returnItemOwner);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemGroup:"), &M::returnItemGroup);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemPermissions:"), &M::returnItemPermissions);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemVisiblity:"), &M::returnItemVisiblity);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemIsFolder:"), &M::returnItemIsFolder);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemIsPackage:"), &M::returnItemIsPackage);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnItemIsWritable:"), &M::returnItemIsWritable);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnFolderContents:"), &M::returnFolderContents);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnCompleteFolderContents:withInvisibles:"),
                    &M::returnCompleteFolderContents);
 
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setCreationDate:toDate:"), &M::setCreationDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setModificationDate:toDate:"), &M::setModificationDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setCreationAndModificationDate:toDate:"), &M::setCreationAndModificationDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("randomizeDate:"), &M::randomizeDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setCreatorCode:toCode:"), &M::setCreatorCode);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setFileType:toType:"), &M::setFileType);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemName:toName:"), &M::setItemName);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemOwner:toOwner:"), &M::setItemOwner);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemGroup:toGroup:"), &M::setItemGroup);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setItemPermissions:toPermissions:"), &M::setItemPermissions);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setCreationDate:toDate:"), &M::setCreationDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setModificationDate:toDate:"), &M::setModificationDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setCreationAndModificationDate:toDate:"), &M::setCreationAndModificationDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("randomizeDate:"), &M::randomizeDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setCreatorCode:toCode:"), &M::setCreatorCode);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setFileType:toType:"), &M::setFileType);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setItemName:toName:"), &M::setItemName);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setItemOwner:toOwner:"), &M::setItemOwner);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setItemGroup:toGroup:"), &M::setItemGroup);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setItemPermissions:toPermissions:"), &M::setItemPermissions);
 }
 
 void registerElementsAndIntrospection(MethodRegistry &registry)
 {
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnImage:"), &M::returnImage);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnIcon:"), &M::returnIcon);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("deleteKeyPressed:"), &M::deleteKeyPressed);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("arrowKeyPressed:"), &M::arrowKeyPressed);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("expandOutlineItem:atRow:"), &M::expandOutlineItem);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isOutlineItemExpanded:atRow:"), &M::isOutlineItemExpanded);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("uintForElement:"), &M::uintForElement);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("stringForElement:"), &M::stringForElement);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("dateForElement:"), &M::dateForElement);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisAString:"), &M::isThisAString);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisAnArray:"), &M::isThisAnArray);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisADictionary:"), &M::isThisADictionary);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisANumber:"), &M::isThisANumber);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisADate:"), &M::isThisADate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("dictionaryArrayFromTSVFile:"), &M::dictionaryArrayFromTSVFile);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("isThisABoolean:"), &M::isThisABoolean);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnImage:"), &M::returnImage);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnIcon:"), &M::returnIcon);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("deleteKeyPressed:"), &M::deleteKeyPressed);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("arrowKeyPressed:"), &M::arrowKeyPressed);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("expandOutlineItem:atRow:"), &M::expandOutlineItem);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isOutlineItemExpanded:atRow:"), &M::isOutlineItemExpanded);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("uintForElement:"), &M::uintForElement);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("stringForElement:"), &M::stringForElement);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("dateForElement:"), &M::dateForElement);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isThisAString:"), &M::isThisAString);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isThisAnArray:"), &M::isThisAnArray);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isThisADictionary:"), &M::isThisADictionary);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isThisANumber:"), &M::isThisANumber);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isThisADate:"), &M::isThisADate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("dictionaryArrayFromTSVFile:"), &M::dictionaryArrayFromTSVFile);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("isThisABoolean:"), &M::isThisABoolean);
 
     // These read the method table itself.
     const auto withTable = [&registry](const QString &selector, auto describe) {
-        registry.addClassMethod(ROZ_MiscMethodsClass, selector, [describe](Invocation &invocation) {
+        registry.addClassMethod(MiscMethodsClass, selector, [describe](Invocation &invocation) {
             return QVariant(describe(*invocation.methods, invocation.arguments[0]));
         });
     };
@@ -100,7 +100,7 @@ void registerElementsAndIntrospection(MethodRegistry &registry)
     withTable(QStringLiteral("classMethodNamesForObject:"), &Introspection::classMethodNamesForObject);
     withTable(QStringLiteral("instanceMethodNamesForObject:"), &Introspection::instanceMethodNamesForObject);
     withTable(QStringLiteral("describeObject:"), &Introspection::describeObject);
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("ivarsForObject:"), [](Invocation &invocation) {
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("ivarsForObject:"), [](Invocation &invocation) {
         return QVariant(Introspection::ivarsForObject(invocation.arguments[0]));
     });
 }
@@ -117,7 +117,7 @@ void registerColors(MethodRegistry &registry)
             if (color.metaType() != QMetaType::fromType<QColor>())
                 throw ArgumentConversion::WrongType{0, QStringLiteral("a colour"), ArgumentConversion::kindOf(color)};
             self.insert(convert<QString>(invocation.arguments[1], 1),
-                        ROZ_ColorArchiving::archivedData(color.value<QColor>()));
+                        ColorArchiving::archivedData(color.value<QColor>()));
             invocation.receiverOutput = self;
             return QVariant();
         });
@@ -125,7 +125,7 @@ void registerColors(MethodRegistry &registry)
         const QVariant value = convert<QVariantMap>(invocation.receiver, -1).value(convert<QString>(invocation.arguments[0], 0));
         if (value.typeId() != QMetaType::QByteArray)
             return QVariant();
-        const auto color = ROZ_ColorArchiving::colorFromData(value.toByteArray());
+        const auto color = ColorArchiving::colorFromData(value.toByteArray());
         return color ? QVariant(*color) : QVariant();
     });
 }

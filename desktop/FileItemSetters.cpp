@@ -22,7 +22,7 @@
 
 extern char **environ;
 
-using ROZ_PathConversion::pathPOSIX;
+using PathConversion::pathPOSIX;
 
 namespace {
 
@@ -70,18 +70,18 @@ bool setOwnership(const QString &path, const QString &owner, const QString &grou
 
 } // namespace
 
-std::optional<QDateTime> ROZ_MiscMethods::dateFromString(const QString &text)
+std::optional<QDateTime> MiscMethods::dateFromString(const QString &text)
 {
     return CalendarFormat::parseDefault(text);
 }
 
-bool ROZ_MiscMethods::setCreationDate(const QString &, const QString &)
+bool MiscMethods::setCreationDate(const QString &, const QString &)
 {
     // Linux has no call that sets a birth time.
     return false;
 }
 
-bool ROZ_MiscMethods::setModificationDate(const QString &path, const QString &date)
+bool MiscMethods::setModificationDate(const QString &path, const QString &date)
 {
     const auto when = dateFromString(date);
     const QString posix = pathPOSIX(path);
@@ -92,7 +92,7 @@ bool ROZ_MiscMethods::setModificationDate(const QString &path, const QString &da
     return utimensat(AT_FDCWD, PathCodec::encode(posix).constData(), times, 0) == 0;
 }
 
-bool ROZ_MiscMethods::setCreationAndModificationDate(const QString &path, const QString &date)
+bool MiscMethods::setCreationAndModificationDate(const QString &path, const QString &date)
 {
     // Both dates change in one go or not at all, and the creation date
     // cannot be set here: nothing changes.
@@ -101,11 +101,11 @@ bool ROZ_MiscMethods::setCreationAndModificationDate(const QString &path, const 
     return false;
 }
 
-QString ROZ_MiscMethods::randomDateString()
+QString MiscMethods::randomDateString()
 {
     // No day after the 28th keeps every month valid; the zero hour, minute
     // and second are left out on purpose. Drawn in this order.
-    using ROZ_Collections::randomLongFrom;
+    using Collections::randomLongFrom;
     const int year = randomLongFrom(2002, 2006);
     const int month = randomLongFrom(1, 12);
     const int day = randomLongFrom(1, 28);
@@ -115,35 +115,35 @@ QString ROZ_MiscMethods::randomDateString()
     return QString::asprintf("%d-%02d-%02d %02d:%02d:%02d +0600", year, month, day, hour, minute, second);
 }
 
-bool ROZ_MiscMethods::randomizeDate(const QString &path)
+bool MiscMethods::randomizeDate(const QString &path)
 {
     return setCreationAndModificationDate(path, randomDateString());
 }
 
-bool ROZ_MiscMethods::setCreatorCode(const QString &path, const QString &code)
+bool MiscMethods::setCreatorCode(const QString &path, const QString &code)
 {
     const QString posix = pathPOSIX(path);
     const auto value = codeFrom(code);
     return value && FileStatus::of(posix, true) && FinderInfo::writeCodes(posix, std::nullopt, *value);
 }
 
-bool ROZ_MiscMethods::setFileType(const QString &path, const QString &type)
+bool MiscMethods::setFileType(const QString &path, const QString &type)
 {
     const QString posix = pathPOSIX(path);
     const auto value = codeFrom(type);
     return value && FileStatus::of(posix, true) && FinderInfo::writeCodes(posix, *value, std::nullopt);
 }
 
-bool ROZ_MiscMethods::setItemName(const QString &path, const QString &name)
+bool MiscMethods::setItemName(const QString &path, const QString &name)
 {
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, false) || name.isEmpty() || name.contains(u'/'))
         return false;
-    const QString renamed = ROZ_NSStringAdditions::desuffix(posix, returnItemName(posix)) + name;
+    const QString renamed = StringAdditions::desuffix(posix, returnItemName(posix)) + name;
     return FileMoves::moveWithoutReplacing(posix, renamed) == 0;
 }
 
-bool ROZ_MiscMethods::setItemOwner(const QString &path, const QString &owner)
+bool MiscMethods::setItemOwner(const QString &path, const QString &owner)
 {
     const QString posix = pathPOSIX(path);
     const auto status = FileStatus::of(posix, true);
@@ -154,7 +154,7 @@ bool ROZ_MiscMethods::setItemOwner(const QString &path, const QString &owner)
     return setOwnership(posix, owner, FileStatus::groupName(status->group));
 }
 
-bool ROZ_MiscMethods::setItemGroup(const QString &path, const QString &group)
+bool MiscMethods::setItemGroup(const QString &path, const QString &group)
 {
     const QString posix = pathPOSIX(path);
     const auto status = FileStatus::of(posix, true);
@@ -165,7 +165,7 @@ bool ROZ_MiscMethods::setItemGroup(const QString &path, const QString &group)
     return setOwnership(posix, FileStatus::ownerName(status->owner), group);
 }
 
-bool ROZ_MiscMethods::setItemPermissions(const QString &path, const QVariant &permissions)
+bool MiscMethods::setItemPermissions(const QString &path, const QVariant &permissions)
 {
     const QString posix = pathPOSIX(path);
     const auto status = FileStatus::of(posix, true);
@@ -173,7 +173,7 @@ bool ROZ_MiscMethods::setItemPermissions(const QString &path, const QVariant &pe
         return false;
     // Compared by integer value; text is read as the platform reads numbers.
     const int requested = permissions.typeId() == QMetaType::QString
-                              ? ROZ_NSDictionaryAdditions::intValue(permissions.toString())
+                              ? DictionaryAdditions::intValue(permissions.toString())
                               : permissions.toInt();
     if (int(status->mode & 07777) == requested)
         return true;

@@ -14,8 +14,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using ROZ_PathConversion::pathHFS;
-using ROZ_PathConversion::pathPOSIX;
+using PathConversion::pathHFS;
+using PathConversion::pathPOSIX;
 
 namespace {
 
@@ -42,12 +42,12 @@ QString parentOf(const QString &posix)
 
 } // namespace
 
-bool ROZ_MiscMethods::itemExists(const QString &path)
+bool MiscMethods::itemExists(const QString &path)
 {
     return FileStatus::of(pathPOSIX(path), true).has_value();
 }
 
-QVariant ROZ_MiscMethods::dictionaryArrayFromTSVFile(const QString &path)
+QVariant MiscMethods::dictionaryArrayFromTSVFile(const QString &path)
 {
     if (!itemExists(path))
         return NO;
@@ -55,47 +55,47 @@ QVariant ROZ_MiscMethods::dictionaryArrayFromTSVFile(const QString &path)
     return contents.bytes ? TsvTable::dictionariesFromBytes(*contents.bytes) : QVariantList();
 }
 
-QVariant ROZ_MiscMethods::returnCreationDate(const QString &path)
+QVariant MiscMethods::returnCreationDate(const QString &path)
 {
     const auto status = FileStatus::of(pathPOSIX(path), true);
     return status && status->created ? QVariant(*status->created) : NO;
 }
 
-QVariant ROZ_MiscMethods::returnModificationDate(const QString &path)
+QVariant MiscMethods::returnModificationDate(const QString &path)
 {
     const auto status = FileStatus::of(pathPOSIX(path), true);
     return status ? QVariant(status->modified) : NO;
 }
 
-QVariantMap ROZ_MiscMethods::returnCreationAndModificationDate(const QString &path)
+QVariantMap MiscMethods::returnCreationAndModificationDate(const QString &path)
 {
     return {{QStringLiteral("creation_date"), returnCreationDate(path)},
             {QStringLiteral("modification_date"), returnModificationDate(path)}};
 }
 
-QString ROZ_MiscMethods::returnCreatorCode(const QString &path)
+QString MiscMethods::returnCreatorCode(const QString &path)
 {
     const auto info = FinderInfo::read(pathPOSIX(path));
     return info && info->creator ? fourCharacters(info->creator) : QString(QLatin1String(""));
 }
 
-QString ROZ_MiscMethods::returnFileType(const QString &path)
+QString MiscMethods::returnFileType(const QString &path)
 {
     const auto info = FinderInfo::read(pathPOSIX(path));
     if (!info || !info->type)
         return QString(QLatin1String(""));
     // Spelled as the platform quotes a type, then unquoted.
     const QString quoted = u'\'' + fourCharacters(info->type) + u'\'';
-    return ROZ_NSStringAdditions::desuffix(ROZ_NSStringAdditions::deprefix(quoted, QStringLiteral("'")),
+    return StringAdditions::desuffix(StringAdditions::deprefix(quoted, QStringLiteral("'")),
                                            QStringLiteral("'"));
 }
 
-QString ROZ_MiscMethods::returnItemName(const QString &path)
+QString MiscMethods::returnItemName(const QString &path)
 {
     return PathNames::lastComponent(pathPOSIX(path));
 }
 
-QString ROZ_MiscMethods::returnItemDisplayedName(const QString &path)
+QString MiscMethods::returnItemDisplayedName(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, true))
@@ -103,7 +103,7 @@ QString ROZ_MiscMethods::returnItemDisplayedName(const QString &path)
     return PathNames::lastComponent(posix);
 }
 
-QString ROZ_MiscMethods::returnItemExtension(const QString &path)
+QString MiscMethods::returnItemExtension(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     const auto status = FileStatus::of(posix, true);
@@ -114,7 +114,7 @@ QString ROZ_MiscMethods::returnItemExtension(const QString &path)
     return dot > 0 ? name.mid(dot + 1) : QString(QLatin1String(""));
 }
 
-QString ROZ_MiscMethods::returnItemContainer(const QString &path)
+QString MiscMethods::returnItemContainer(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     QString container = parentOf(posix);
@@ -123,31 +123,31 @@ QString ROZ_MiscMethods::returnItemContainer(const QString &path)
     return posix == path ? container : pathHFS(container);
 }
 
-bool ROZ_MiscMethods::returnItemIsLocked(const QString &path)
+bool MiscMethods::returnItemIsLocked(const QString &path)
 {
     const auto flags = FileStatus::flags(pathPOSIX(path));
     return flags && uintForElement(QVariant(flags->immutable ? 1u : 0u)) != 0;
 }
 
-QString ROZ_MiscMethods::returnItemOwner(const QString &path)
+QString MiscMethods::returnItemOwner(const QString &path)
 {
     const auto status = FileStatus::of(pathPOSIX(path), true);
     return status ? FileStatus::ownerName(status->owner) : QString(QLatin1String(""));
 }
 
-QString ROZ_MiscMethods::returnItemGroup(const QString &path)
+QString MiscMethods::returnItemGroup(const QString &path)
 {
     const auto status = FileStatus::of(pathPOSIX(path), true);
     return status ? FileStatus::groupName(status->group) : QString(QLatin1String(""));
 }
 
-QVariant ROZ_MiscMethods::returnItemPermissions(const QString &path)
+QVariant MiscMethods::returnItemPermissions(const QString &path)
 {
     const auto status = FileStatus::of(pathPOSIX(path), true);
     return status ? QVariant(int(status->mode & 07777)) : QVariant(QString(QLatin1String("")));
 }
 
-bool ROZ_MiscMethods::returnItemIsFolder(const QString &path)
+bool MiscMethods::returnItemIsFolder(const QString &path)
 {
     // Asked for every item of a listing: one lstat, nothing more.
     struct stat info;
@@ -155,20 +155,20 @@ bool ROZ_MiscMethods::returnItemIsFolder(const QString &path)
     return !bytes.isEmpty() && lstat(bytes.constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-bool ROZ_MiscMethods::returnItemIsPackage(const QString &)
+bool MiscMethods::returnItemIsPackage(const QString &)
 {
     // Linux file managers show every folder as a folder: there are no
     // packages to treat as single items.
     return false;
 }
 
-bool ROZ_MiscMethods::returnItemIsWritable(const QString &path)
+bool MiscMethods::returnItemIsWritable(const QString &path)
 {
     const QByteArray bytes = PathCodec::encode(pathPOSIX(path));
     return !bytes.isEmpty() && access(bytes.constData(), W_OK) == 0;
 }
 
-std::optional<QStringList> ROZ_MiscMethods::returnFolderContents(const QString &path)
+std::optional<QStringList> MiscMethods::returnFolderContents(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     const auto status = FileStatus::of(posix, true);
@@ -180,7 +180,7 @@ std::optional<QStringList> ROZ_MiscMethods::returnFolderContents(const QString &
     return names;
 }
 
-std::optional<QVariantMap> ROZ_MiscMethods::attributesOfItem(const QString &path)
+std::optional<QVariantMap> MiscMethods::attributesOfItem(const QString &path)
 {
     using namespace FileAttributeKeys;
     const QString posix = pathPOSIX(path);

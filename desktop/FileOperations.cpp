@@ -17,7 +17,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using ROZ_PathConversion::pathPOSIX;
+using PathConversion::pathPOSIX;
 
 namespace {
 
@@ -74,7 +74,7 @@ QString newPathFor(const QString &source, const QString &destination, Transfer k
         return destination;
     if (destination.endsWith(u'/'))
         return destination + name;
-    if (kind == Transfer::Move || destination == ROZ_NSStringAdditions::desuffix(source, name))
+    if (kind == Transfer::Move || destination == StringAdditions::desuffix(source, name))
         return destination + u'/' + name;
     return destination;
 }
@@ -170,17 +170,17 @@ qsizetype extensionDot(const QString &path)
 
 } // namespace
 
-bool ROZ_MiscMethods::moveItem(const QString &source, const QString &destination, bool replace)
+bool MiscMethods::moveItem(const QString &source, const QString &destination, bool replace)
 {
     return transfer(source, destination, replace, Transfer::Move);
 }
 
-bool ROZ_MiscMethods::copyItem(const QString &source, const QString &destination, bool replace)
+bool MiscMethods::copyItem(const QString &source, const QString &destination, bool replace)
 {
     return transfer(source, destination, replace, Transfer::Copy);
 }
 
-bool ROZ_MiscMethods::deleteItem(const QString &path)
+bool MiscMethods::deleteItem(const QString &path)
 {
     const QByteArray bytes = PathCodec::encode(pathPOSIX(path));
     if (bytes.isEmpty())
@@ -191,7 +191,7 @@ bool ROZ_MiscMethods::deleteItem(const QString &path)
     return FileMoves::remove(*canonical).error == 0;
 }
 
-bool ROZ_MiscMethods::writeToFile(const QString &path, const QString &content, bool append, const QString &creatorCode,
+bool MiscMethods::writeToFile(const QString &path, const QString &content, bool append, const QString &creatorCode,
                                   const QString &fileType, bool randomize)
 {
     const QString posix = pathPOSIX(path);
@@ -213,16 +213,16 @@ bool ROZ_MiscMethods::writeToFile(const QString &path, const QString &content, b
         failure = FileBytes::replaceContents(posix, content.toUtf8());
     if (!failure.isEmpty())
         return false;
-    if (!ROZ_NSStringAdditions::isBlankString(creatorCode))
+    if (!StringAdditions::isBlankString(creatorCode))
         setCreatorCode(posix, creatorCode);
-    if (!ROZ_NSStringAdditions::isBlankString(fileType))
+    if (!StringAdditions::isBlankString(fileType))
         setFileType(posix, fileType);
     if (randomize)
         randomizeDate(posix);
     return itemExists(posix);
 }
 
-QVariant ROZ_MiscMethods::makeTargetFolder(const QString &path)
+QVariant MiscMethods::makeTargetFolder(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     const QByteArray bytes = PathCodec::encode(posix);
@@ -242,11 +242,11 @@ QVariant ROZ_MiscMethods::makeTargetFolder(const QString &path)
         if (::mkdir(partial.constData(), 0777) != 0 && errno != EEXIST)
             return QVariant(false);
     }
-    const auto alias = ROZ_PathConversion::alias(posix);
+    const auto alias = PathConversion::alias(posix);
     return alias ? QVariant::fromValue(*alias) : QVariant(false);
 }
 
-QString ROZ_MiscMethods::returnUniquePath(const QString &path)
+QString MiscMethods::returnUniquePath(const QString &path)
 {
     QString posix = pathPOSIX(path);
     while (posix.size() > 1 && posix.endsWith(u'/'))
@@ -263,7 +263,7 @@ QString ROZ_MiscMethods::returnUniquePath(const QString &path)
     }
 }
 
-quint32 ROZ_MiscMethods::osType(const QString &code)
+quint32 MiscMethods::osType(const QString &code)
 {
     // As four-character codes are read: the first character in the highest
     // byte ("TEXT" is 0x54455854), a short code filled with spaces.
@@ -274,13 +274,13 @@ quint32 ROZ_MiscMethods::osType(const QString &code)
     return value;
 }
 
-QString ROZ_MiscMethods::returnAppPath(const QString &)
+QString MiscMethods::returnAppPath(const QString &)
 {
     // Linux keeps no creator codes, so no application is known by one.
     return QString();
 }
 
-QString ROZ_MiscMethods::returnAppPathFromBundleID(const QString &identifier)
+QString MiscMethods::returnAppPathFromBundleID(const QString &identifier)
 {
     return DesktopEntries::programOf(identifier);
 }

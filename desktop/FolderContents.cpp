@@ -9,7 +9,7 @@ namespace {
 
 bool isVisible(const QString &path)
 {
-    const QVariant visible = ROZ_MiscMethods::returnItemVisiblity(path);
+    const QVariant visible = MiscMethods::returnItemVisiblity(path);
     return visible.isValid() && visible.toBool();
 }
 
@@ -33,16 +33,16 @@ void enumerate(const QString &base, const QString &relative, bool withInvisibles
             continue;
         }
         if (folderItem)
-            subfolders.append(ROZ_MiscMethods::returnCompleteFolderContents(full + u'/', withInvisibles));
+            subfolders.append(MiscMethods::returnCompleteFolderContents(full + u'/', withInvisibles));
         contents.append(relativeName);
     }
 }
 
 } // namespace
 
-QVariantMap ROZ_MiscMethods::returnCompleteFolderContents(const QString &path, bool withInvisibles)
+QVariantMap MiscMethods::returnCompleteFolderContents(const QString &path, bool withInvisibles)
 {
-    const QString posix = ROZ_PathConversion::pathPOSIX(path);
+    const QString posix = PathConversion::pathPOSIX(path);
     QVariantList contents;
     QVariantList subfolders;
     QString base = posix;

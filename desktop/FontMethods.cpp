@@ -1,4 +1,5 @@
 #include "DesktopMethods.h"
+#include "ScriptClassNames.h"
 
 #include "Collections.h"
 #include "NativeBinding.h"
@@ -16,7 +17,7 @@ QFont fontOf(const QObject *control)
     const QVariant font = control ? control->property("font") : QVariant();
     if (font.typeId() != QMetaType::QFont)
         throw ArgumentConversion::WrongType{0, QStringLiteral("an object with a font"),
-                                            control ? QString::fromLatin1(control->metaObject()->className())
+                                            control ? scriptClassName(*control->metaObject())
                                                     : QStringLiteral("nil")};
     return font.value<QFont>();
 }
@@ -31,7 +32,7 @@ QVariantList returnAllFonts()
     QVariantList families;
     for (const QString &family : QFontDatabase::families())
         families.append(family);
-    return ROZ_Collections::sortArray(families);
+    return Collections::sortArray(families);
 }
 
 void setFont(QObject *control, const QString &family)
@@ -68,8 +69,8 @@ QString returnFontInfo(QObject *control)
 void registerFontMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnAllFonts"), &returnAllFonts);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setFont:toFont:"), &setFont);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("setSize:toSize:"), &setSize);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnFontInfo:"), &returnFontInfo);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnAllFonts"), &returnAllFonts);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setFont:toFont:"), &setFont);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("setSize:toSize:"), &setSize);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnFontInfo:"), &returnFontInfo);
 }

@@ -10,7 +10,7 @@
 #include <QMimeDatabase>
 #include <QTreeView>
 
-QVariant ROZ_MiscMethods::returnImage(const QString &path)
+QVariant MiscMethods::returnImage(const QString &path)
 {
     if (!itemExists(path))
         return QVariant();
@@ -19,12 +19,12 @@ QVariant ROZ_MiscMethods::returnImage(const QString &path)
     return image.isNull() ? QVariant() : QVariant(image);
 }
 
-QVariant ROZ_MiscMethods::returnIcon(const QString &path)
+QVariant MiscMethods::returnIcon(const QString &path)
 {
     if (!itemExists(path))
         return QVariant();
     static const QMimeDatabase database;
-    const QMimeType type = database.mimeTypeForFile(ROZ_PathConversion::pathPOSIX(path));
+    const QMimeType type = database.mimeTypeForFile(PathConversion::pathPOSIX(path));
     return QVariant::fromValue(QIcon::fromTheme(type.iconName(), QIcon::fromTheme(type.genericIconName())));
 }
 
@@ -43,7 +43,7 @@ QModelIndex indexAtRow(QTreeView *outline, int row)
 
 } // namespace
 
-bool ROZ_MiscMethods::expandOutlineItem(QTreeView *outline, int row)
+bool MiscMethods::expandOutlineItem(QTreeView *outline, int row)
 {
     const QModelIndex index = indexAtRow(outline, row);
     if (!index.isValid())
@@ -52,13 +52,13 @@ bool ROZ_MiscMethods::expandOutlineItem(QTreeView *outline, int row)
     return outline->isExpanded(index);
 }
 
-bool ROZ_MiscMethods::isOutlineItemExpanded(QTreeView *outline, int row)
+bool MiscMethods::isOutlineItemExpanded(QTreeView *outline, int row)
 {
     const QModelIndex index = indexAtRow(outline, row);
     return index.isValid() && outline->isExpanded(index);
 }
 
-namespace ROZ_ColorArchiving {
+namespace ColorArchiving {
 
 QByteArray archivedData(const QColor &color)
 {
@@ -80,4 +80,4 @@ std::optional<QColor> colorFromData(const QByteArray &data)
     return color;
 }
 
-} // namespace ROZ_ColorArchiving
+} // namespace ColorArchiving

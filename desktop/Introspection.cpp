@@ -1,4 +1,5 @@
 #include "Introspection.h"
+#include "ScriptClassNames.h"
 
 #include "ScriptCoertions.h"
 
@@ -74,7 +75,7 @@ QString describeValue(const QVariant &value)
     if (value.typeId() == QMetaType::Bool)
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
     if (const QObject *object = objectOf(value))
-        return QStringLiteral("<%1: %2>").arg(QString::fromLatin1(object->metaObject()->className()), pointerText(object));
+        return QStringLiteral("<%1: %2>").arg(scriptClassName(*object->metaObject()), pointerText(object));
     if (value.canConvert<QString>())
         return value.toString();
     return QStringLiteral("<%1>").arg(QString::fromLatin1(value.typeName()));
@@ -84,7 +85,7 @@ QString describeValue(const QVariant &value)
 
 QString typeCode(QMetaType type)
 {
-    if (const QString number = ROZ_ScriptCoertions::objCType(type); !number.isEmpty())
+    if (const QString number = ScriptCoertions::objCType(type); !number.isEmpty())
         return number;
     switch (type.id()) {
     case QMetaType::QString:
@@ -101,13 +102,11 @@ QString typeCode(QMetaType type)
 
 QString classNameOf(const MethodRegistry &methods, const QVariant &object)
 {
-    if (const QObject *native = objectOf(object)) {
-        const QVariant declared = native->property("nomenClassName");
-        return declared.isValid() ? declared.toString() : QString::fromLatin1(native->metaObject()->className());
-    }
+    if (const QObject *native = objectOf(object))
+        return scriptClassName(*native);
     if (!object.isValid() || object.typeId() == QMetaType::Nullptr)
         return QStringLiteral("NSNull");
-    if (!ROZ_ScriptCoertions::objCType(object).isEmpty())
+    if (!ScriptCoertions::objCType(object).isEmpty())
         return QStringLiteral("NSNumber");
     switch (object.typeId()) {
     case QMetaType::QString:
@@ -140,7 +139,7 @@ QStringList superclassesForObject(const MethodRegistry &methods, const QVariant 
     if (const QObject *native = objectOf(object)) {
         QStringList chain;
         for (const QMetaObject *meta = native->metaObject(); meta; meta = meta->superClass())
-            chain.append(QString::fromLatin1(meta->className()));
+            chain.append(scriptClassName(*meta));
         if (chain.first() != name)
             chain.prepend(name);
         return chain;
@@ -205,7 +204,7 @@ QString describeObject(const MethodRegistry &methods, const QVariant &object)
         for (const QWidget *view = widget->parentWidget(); view; view = view->parentWidget())
             text += QStringLiteral("superview %1: <%2: %3>\n")
                         .arg(number++)
-                        .arg(QString::fromLatin1(view->metaObject()->className()), pointerText(view));
+                        .arg(scriptClassName(*view->metaObject()), pointerText(view));
     } else {
         text += QStringLiteral("n/a\n");
     }

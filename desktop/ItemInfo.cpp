@@ -7,7 +7,7 @@
 #include <QImageReader>
 #include <QMimeDatabase>
 
-using ROZ_PathConversion::pathPOSIX;
+using PathConversion::pathPOSIX;
 
 namespace {
 
@@ -19,7 +19,7 @@ QMimeType mimeTypeOf(const QString &posix)
 
 } // namespace
 
-std::optional<QVariantMap> ROZ_MiscMethods::returnItemInfo(const QString &path)
+std::optional<QVariantMap> MiscMethods::returnItemInfo(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, true))
@@ -39,25 +39,25 @@ std::optional<QVariantMap> ROZ_MiscMethods::returnItemInfo(const QString &path)
     };
 }
 
-QVariant ROZ_MiscMethods::returnItemUTI(const QString &path)
+QVariant MiscMethods::returnItemUTI(const QString &path)
 {
     const auto info = returnItemInfo(path);
     return info ? info->value(QStringLiteral("LSItemContentType")) : QVariant();
 }
 
-QVariant ROZ_MiscMethods::returnItemDisplayKind(const QString &path)
+QVariant MiscMethods::returnItemDisplayKind(const QString &path)
 {
     const auto info = returnItemInfo(path);
     return info ? info->value(QStringLiteral("LSItemDisplayKind")) : QVariant();
 }
 
-QVariant ROZ_MiscMethods::returnItemDefaultApp(const QString &path)
+QVariant MiscMethods::returnItemDefaultApp(const QString &path)
 {
     const auto info = returnItemInfo(path);
     return info ? info->value(QStringLiteral("LSItemRoleHandlerDisplayName")) : QVariant();
 }
 
-bool ROZ_MiscMethods::returnItemIsImage(const QString &path)
+bool MiscMethods::returnItemIsImage(const QString &path)
 {
     const QString posix = pathPOSIX(path);
     if (!FileStatus::of(posix, true))

@@ -26,7 +26,7 @@ QString executable()
 
 } // namespace
 
-bool ROZ_MiscMethods::returnStartupItem()
+bool MiscMethods::returnStartupItem()
 {
     QFile file(autostartFile());
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
@@ -53,7 +53,7 @@ bool ROZ_MiscMethods::returnStartupItem()
     return !hidden && !target.isEmpty() && target == executable();
 }
 
-void ROZ_MiscMethods::setStartupItem(bool enabled)
+void MiscMethods::setStartupItem(bool enabled)
 {
     // Failures are swallowed: a login item is a convenience, never an error.
     const QString path = autostartFile();

@@ -12,10 +12,10 @@ class QColor;
 class QTreeView;
 class QWidget;
 
-// The desktop services scripts reach as class methods of ROZ_MiscMethods.
+// The desktop services scripts reach as class methods of MiscMethods.
 // The implementation is split by concern: tasks, system information,
 // clipboard, login items.
-class ROZ_MiscMethods {
+class MiscMethods {
 public:
     // Tasks. Runs a tool with standard output and standard error mixed into
     // one text, which comes back without its trailing line feeds. Without
@@ -193,20 +193,20 @@ public:
 };
 
 // Colours kept in dictionaries as their archived bytes.
-namespace ROZ_ColorArchiving {
+namespace ColorArchiving {
 QByteArray archivedData(const QColor &color);
 std::optional<QColor> colorFromData(const QByteArray &data);
-} // namespace ROZ_ColorArchiving
+} // namespace ColorArchiving
 
 // Key events are tracked from the start, so that the current one is known
 // when a script asks.
 void installKeyEventTracking();
 
 // Keys shared with other applications.
-namespace ROZ_GlobalKeys {
-inline const QString ROZ_returnDataKey = QStringLiteral("returnData");
-inline const QString ROZ_pbTypesKey = QStringLiteral("pbTypes");
-inline const QString ROZ_the_dataKey = QStringLiteral("the_data");
-inline const QString ROZ_data_typeKey = QStringLiteral("data_type");
-inline const QString ROZ_blankStringKey = QStringLiteral("");
-} // namespace ROZ_GlobalKeys
+namespace GlobalKeys {
+inline const QString returnDataKey = QStringLiteral("returnData");
+inline const QString pbTypesKey = QStringLiteral("pbTypes");
+inline const QString the_dataKey = QStringLiteral("the_data");
+inline const QString data_typeKey = QStringLiteral("data_type");
+inline const QString blankStringKey = QStringLiteral("");
+} // namespace GlobalKeys

@@ -43,7 +43,7 @@ Reply waitFor(const std::function<QNetworkReply *(QNetworkAccessManager &)> &sen
 
 int timeoutMilliseconds()
 {
-    const QVariant seconds = ROZ_UserDefaults::readDefault(QStringLiteral("NetworkTimeout"));
+    const QVariant seconds = UserDefaults::readDefault(QStringLiteral("NetworkTimeout"));
     bool number = false;
     const double value = seconds.toDouble(&number);
     return number && value > 0 && value < 3600 ? int(value * 1000) : 30000;
@@ -63,7 +63,7 @@ Reply post(const QUrl &url, const QByteArray &body)
 
 std::optional<QUrl> serviceAddress(const QString &defaultsKey)
 {
-    const QVariant value = ROZ_UserDefaults::readDefault(defaultsKey);
+    const QVariant value = UserDefaults::readDefault(defaultsKey);
     if (value.typeId() != QMetaType::QString)
         return std::nullopt;
     QString text = value.toString().trimmed();

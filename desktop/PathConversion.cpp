@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-namespace ROZ_PathConversion {
+namespace PathConversion {
 
 namespace {
 
@@ -143,9 +143,9 @@ QString pathPOSIX(const QString &self)
     return path.size() > 1 && path.endsWith(u'/') ? path.chopped(1) : path;
 }
 
-} // namespace ROZ_PathConversion
+} // namespace PathConversion
 
-namespace ROZ_PathConversion {
+namespace PathConversion {
 
 std::optional<QByteArray> aliasData(const QString &self)
 {
@@ -169,4 +169,4 @@ QByteArray fsRef(const QString &)
     return QByteArray(80, '\0');
 }
 
-} // namespace ROZ_PathConversion
+} // namespace PathConversion

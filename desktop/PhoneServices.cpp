@@ -66,7 +66,7 @@ bool isBlank(const QString &text) { return text.trimmed().isEmpty(); }
 
 QString cleanNumber(const QString &number)
 {
-    return ROZ_NSStringAdditions::clean(number, QStringLiteral("1234567890+"));
+    return StringAdditions::clean(number, QStringLiteral("1234567890+"));
 }
 
 bool sendMessage(const QString &message, const QString &subject, const QString &phone, const QString &carrier)
@@ -77,7 +77,7 @@ bool sendMessage(const QString &message, const QString &subject, const QString &
     const auto gateway = NetworkRequests::serviceAddress(QStringLiteral("SMSGatewayURL"));
     if (!gateway)
         return false;
-    using ROZ_NSStringAdditions::addPercentEscapes;
+    using StringAdditions::addPercentEscapes;
     const QString body = QStringLiteral("client=navclient-ffsms&gl=US&hl=en&c=1&subject=%1&text=%2&mobile_user_id=%3"
                                         "&carrier=%4&send_button=Send")
                              .arg(addPercentEscapes(subject), addPercentEscapes(message), number, carrier);

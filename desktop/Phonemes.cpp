@@ -4,7 +4,7 @@
 #include <espeak-ng/speak_lib.h>
 #include <mutex>
 
-namespace ROZ_TextShaping {
+namespace TextShaping {
 
 namespace {
 
@@ -54,4 +54,4 @@ std::optional<QString> phonemes(const QString &self)
     return phonemes;
 }
 
-} // namespace ROZ_TextShaping
+} // namespace TextShaping

@@ -38,12 +38,12 @@ const passwd *currentUser()
 
 } // namespace
 
-QString ROZ_MiscMethods::returnOSVersion()
+QString MiscMethods::returnOSVersion()
 {
     const QVersionNumber version = systemVersion();
     // uname -p often says "unknown" on Linux; the machine name is what it means.
     const QString machine = runTask(QStringLiteral("/usr/bin/uname"), std::nullopt, QStringLiteral("-m"), QString());
-    const QString family = ROZ_NSStringAdditions::containsString(machine, QStringLiteral("86"), false)
+    const QString family = StringAdditions::containsString(machine, QStringLiteral("86"), false)
                                ? QStringLiteral("Intel")
                                : QStringLiteral("PPC");
     return QStringLiteral("%1.%2.%3 (%4)")
@@ -53,17 +53,17 @@ QString ROZ_MiscMethods::returnOSVersion()
         .arg(family);
 }
 
-bool ROZ_MiscMethods::return104Plus()
+bool MiscMethods::return104Plus()
 {
     return systemVersion() >= QVersionNumber(10, 4);
 }
 
-bool ROZ_MiscMethods::return105Plus()
+bool MiscMethods::return105Plus()
 {
     return systemVersion() >= QVersionNumber(10, 5);
 }
 
-QString ROZ_MiscMethods::returnHostName()
+QString MiscMethods::returnHostName()
 {
     char name[256] = {};
     if (gethostname(name, sizeof name - 1) != 0)
@@ -71,13 +71,13 @@ QString ROZ_MiscMethods::returnHostName()
     return PathCodec::decode(name);
 }
 
-QString ROZ_MiscMethods::returnShortUserName()
+QString MiscMethods::returnShortUserName()
 {
     const passwd *user = currentUser();
     return PathCodec::decode(user ? QByteArray(user->pw_name) : qgetenv("USER"));
 }
 
-QString ROZ_MiscMethods::returnFullUserName()
+QString MiscMethods::returnFullUserName()
 {
     // The account's full-name field is the first comma-separated part of GECOS.
     const passwd *user = currentUser();
@@ -86,15 +86,15 @@ QString ROZ_MiscMethods::returnFullUserName()
     return QString::fromLocal8Bit(user->pw_gecos).section(u',', 0, 0);
 }
 
-QString ROZ_MiscMethods::returnFullUserNameInits()
+QString MiscMethods::returnFullUserNameInits()
 {
     return initialsOf(returnFullUserName());
 }
 
-QString ROZ_MiscMethods::initialsOf(const QString &fullName)
+QString MiscMethods::initialsOf(const QString &fullName)
 {
     QString initials = QLatin1String("");
-    for (const QString &word : ROZ_NSStringAdditions::words(fullName))
-        initials += ROZ_NSStringAdditions::firstCharacter(word);
+    for (const QString &word : StringAdditions::words(fullName))
+        initials += StringAdditions::firstCharacter(word);
     return initials;
 }

@@ -126,7 +126,7 @@ void appendIfUtf8(QString &result, QByteArrayView bytes)
 // writer has closed the output.
 QString exchange(Pipe &input, Pipe &output, const QByteArray &toSend)
 {
-    QString result = ROZ_GlobalKeys::ROZ_blankStringKey;
+    QString result = GlobalKeys::blankStringKey;
     qsizetype sent = 0;
     if (toSend.isEmpty())
         input.closeWrite();
@@ -191,7 +191,7 @@ void reap(pid_t pid)
 
 } // namespace
 
-QString ROZ_MiscMethods::runTask(const QString &launchPath, const std::optional<QStringList> &arguments,
+QString MiscMethods::runTask(const QString &launchPath, const std::optional<QStringList> &arguments,
                                  const std::optional<QString> &data, const QString &workingDirectory)
 {
     static const bool sigpipeIgnored = [] { return signal(SIGPIPE, SIG_IGN) != SIG_ERR; }();
@@ -223,5 +223,5 @@ QString ROZ_MiscMethods::runTask(const QString &launchPath, const std::optional<
         result = QStringLiteral("runTask Error: %1: %2").arg(exception.name(), exception.reason());
         SystemLog::write(result);
     }
-    return ROZ_NSStringAdditions::trimFromEnd(result, {QStringLiteral("\n")});
+    return StringAdditions::trimFromEnd(result, {QStringLiteral("\n")});
 }

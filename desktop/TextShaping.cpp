@@ -9,7 +9,7 @@
 #include <QTextDocument>
 #include <cstdio>
 
-namespace ROZ_TextShaping {
+namespace TextShaping {
 
 namespace {
 
@@ -56,7 +56,7 @@ QString plainTextOfHtml(const QString &html)
 QString truncateString(const QString &self, double width, const QVariantMap &attributes)
 {
     const Measure measure(attributes);
-    if (ROZ_NSStringAdditions::isBlankString(self) || measure(self) <= width || self.size() < 3)
+    if (StringAdditions::isBlankString(self) || measure(self) <= width || self.size() < 3)
         return self;
     const double room = width - measure(ellipsis);
     qsizetype n = self.size();
@@ -64,7 +64,7 @@ QString truncateString(const QString &self, double width, const QVariantMap &att
     while (measure(current) > room && n != 0) {
         --n;
         // No white space is left standing before the ellipsis.
-        while (n > 0 && ROZ_NSStringAdditions::allWhitespaceCharacterSet().contains(self[n - 1]))
+        while (n > 0 && StringAdditions::allWhitespaceCharacterSet().contains(self[n - 1]))
             --n;
         current = self.left(n);
     }
@@ -74,7 +74,7 @@ QString truncateString(const QString &self, double width, const QVariantMap &att
 QString truncatePathString(const QString &self, double width, const QVariantMap &attributes)
 {
     const Measure measure(attributes);
-    if (ROZ_NSStringAdditions::isBlankString(self) || measure(self) <= width)
+    if (StringAdditions::isBlankString(self) || measure(self) <= width)
         return self;
     QStringList components = pathComponents(self);
     // The running width is an estimate: the separators taken out with the
@@ -128,14 +128,14 @@ AttributedString hoverAttributedStringOfSize(const QString &self, float size)
 
 QString convertHTMLEntities(const QString &self)
 {
-    if (ROZ_NSStringAdditions::isBlankString(self))
+    if (StringAdditions::isBlankString(self))
         return self;
     return plainTextOfHtml(self);
 }
 
 QString flattenHTML(const QString &self)
 {
-    if (ROZ_NSStringAdditions::isBlankString(self))
+    if (StringAdditions::isBlankString(self))
         return self;
     // Up to three characters are taken as Mac OS Roman: one it cannot
     // write leaves the text as it is.
@@ -150,4 +150,4 @@ QString flattenHTML(const QString &self)
     return plainTextOfHtml(self);
 }
 
-} // namespace ROZ_TextShaping
+} // namespace TextShaping

@@ -11,7 +11,7 @@
 // a width as a font measures it, the caption style, a colour from numbers,
 // and HTML read back into plain text. Widths are measured with the font the
 // attributes give under "NSFont", else the application's font.
-namespace ROZ_TextShaping {
+namespace TextShaping {
 
 QString truncateString(const QString &self, double width, const QVariantMap &attributes);
 QString truncatePathString(const QString &self, double width, const QVariantMap &attributes);
@@ -23,4 +23,4 @@ QString flattenHTML(const QString &self);
 // phoneme mnemonics; nullopt when no voice can be loaded.
 std::optional<QString> phonemes(const QString &self);
 
-} // namespace ROZ_TextShaping
+} // namespace TextShaping

@@ -6,7 +6,7 @@
 void registerTextShapingMethods(MethodRegistry &registry)
 {
     using NativeBinding::addInstanceMethod;
-    using namespace ROZ_TextShaping;
+    using namespace TextShaping;
     const QString NSString = QStringLiteral("NSString");
     addInstanceMethod(registry, NSString, QStringLiteral("truncateString:andAttributes:"), &truncateString);
     addInstanceMethod(registry, NSString, QStringLiteral("truncatePathString:andAttributes:"), &truncatePathString);

@@ -11,7 +11,7 @@ namespace {
 
 bool isNumber(const QVariant &value)
 {
-    return !ROZ_ScriptCoertions::objCType(value).isEmpty();
+    return !ScriptCoertions::objCType(value).isEmpty();
 }
 
 // Qt's key codes for the keys the platform knew by character code.
@@ -73,63 +73,63 @@ void installKeyEventTracking()
     CurrentKeyEvent::install();
 }
 
-bool ROZ_MiscMethods::deleteKeyPressed(const QVariant &keyCode)
+bool MiscMethods::deleteKeyPressed(const QVariant &keyCode)
 {
-    const int code = keyCode.typeId() == QMetaType::QString ? ROZ_NSDictionaryAdditions::intValue(keyCode.toString())
+    const int code = keyCode.typeId() == QMetaType::QString ? DictionaryAdditions::intValue(keyCode.toString())
                                                              : characterCodeOf(keyCode.toInt());
     return code == 127 || code == 8 || code == 63272;
 }
 
-bool ROZ_MiscMethods::arrowKeyPressed(const QVariant &)
+bool MiscMethods::arrowKeyPressed(const QVariant &)
 {
     // Left and right answer NO, as they always have.
     const int code = characterCodeOf(CurrentKeyEvent::key());
     return code == 0xF700 || code == 0xF701;
 }
 
-quint32 ROZ_MiscMethods::uintForElement(const QVariant &element)
+quint32 MiscMethods::uintForElement(const QVariant &element)
 {
     if (!isNumber(element))
         return 0;
-    return ROZ_NSDictionaryAdditions::uintForKey({{QStringLiteral("v"), element}}, QStringLiteral("v"));
+    return DictionaryAdditions::uintForKey({{QStringLiteral("v"), element}}, QStringLiteral("v"));
 }
 
-QVariant ROZ_MiscMethods::stringForElement(const QVariant &element)
+QVariant MiscMethods::stringForElement(const QVariant &element)
 {
     return isThisAString(element) ? element : QVariant();
 }
 
-QVariant ROZ_MiscMethods::dateForElement(const QVariant &element)
+QVariant MiscMethods::dateForElement(const QVariant &element)
 {
     return isThisADate(element) ? element : QVariant();
 }
 
-bool ROZ_MiscMethods::isThisAString(const QVariant &element)
+bool MiscMethods::isThisAString(const QVariant &element)
 {
     return element.typeId() == QMetaType::QString;
 }
 
-bool ROZ_MiscMethods::isThisAnArray(const QVariant &element)
+bool MiscMethods::isThisAnArray(const QVariant &element)
 {
     return element.typeId() == QMetaType::QVariantList || element.typeId() == QMetaType::QStringList;
 }
 
-bool ROZ_MiscMethods::isThisADictionary(const QVariant &element)
+bool MiscMethods::isThisADictionary(const QVariant &element)
 {
     return element.typeId() == QMetaType::QVariantMap || element.metaType() == QMetaType::fromType<MixedKeyDictionary>();
 }
 
-bool ROZ_MiscMethods::isThisANumber(const QVariant &element)
+bool MiscMethods::isThisANumber(const QVariant &element)
 {
     return isNumber(element);
 }
 
-bool ROZ_MiscMethods::isThisADate(const QVariant &element)
+bool MiscMethods::isThisADate(const QVariant &element)
 {
     return element.typeId() == QMetaType::QDateTime;
 }
 
-bool ROZ_MiscMethods::isThisABoolean(const QVariant &element)
+bool MiscMethods::isThisABoolean(const QVariant &element)
 {
     // Every number 0 or 1 counts: the script's true and false arrive so.
     if (!isNumber(element))

@@ -38,9 +38,9 @@ QWidget *mainWindow()
 
 // Later log lines, and anything else written to standard error, go to the
 // file. A file that cannot be opened leaves the stream where it was.
-void ROZ_MiscMethods::setLogOutputFile(const QString &path)
+void MiscMethods::setLogOutputFile(const QString &path)
 {
-    const QByteArray name = PathCodec::encode(ROZ_PathConversion::pathPOSIX(path));
+    const QByteArray name = PathCodec::encode(PathConversion::pathPOSIX(path));
     if (name.isEmpty())
         return;
     const int file = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
@@ -51,7 +51,7 @@ void ROZ_MiscMethods::setLogOutputFile(const QString &path)
     ::close(file);
 }
 
-void ROZ_MiscMethods::activate()
+void MiscMethods::activate()
 {
     if (QWidget *window = mainWindow()) {
         window->raise();
@@ -61,7 +61,7 @@ void ROZ_MiscMethods::activate()
 
 // The time since the user last used the keyboard or the pointer, from the X
 // server's screen-saver extension; 0 without a display.
-int ROZ_MiscMethods::idleTimeInSeconds()
+int MiscMethods::idleTimeInSeconds()
 {
     Display *display = XOpenDisplay(nullptr);
     if (!display)
@@ -79,7 +79,7 @@ int ROZ_MiscMethods::idleTimeInSeconds()
     return seconds;
 }
 
-bool ROZ_MiscMethods::wait(double seconds)
+bool MiscMethods::wait(double seconds)
 {
     if (!(seconds > 0))
         return true;
@@ -92,13 +92,13 @@ bool ROZ_MiscMethods::wait(double seconds)
 
 // No Linux desktop lets an application postpone a power-off it was told
 // of, so nothing is extended.
-int ROZ_MiscMethods::extendPowerOffBy(int)
+int MiscMethods::extendPowerOffBy(int)
 {
     return 0;
 }
 
 // The calls nest: windows repaint again when every NO has had its YES.
-void ROZ_MiscMethods::toggleScreenUpdates(bool enable)
+void MiscMethods::toggleScreenUpdates(bool enable)
 {
     if (enable && screenUpdatesDisabled == 0)
         return;
@@ -110,7 +110,7 @@ void ROZ_MiscMethods::toggleScreenUpdates(bool enable)
         window->setUpdatesEnabled(enable);
 }
 
-QString ROZ_MiscMethods::leadingZeros(int number, int width)
+QString MiscMethods::leadingZeros(int number, int width)
 {
     // A width from a runaway script must not ask for gigabytes.
     width = std::clamp(width, -4096, 4096);
@@ -118,7 +118,7 @@ QString ROZ_MiscMethods::leadingZeros(int number, int width)
     return QString::asprintf(format.constData(), number);
 }
 
-void ROZ_MiscMethods::clearSudo(const MethodRegistry &methods)
+void MiscMethods::clearSudo(const MethodRegistry &methods)
 {
     ScriptRunner::runScript(methods, QStringLiteral(R"JS(
         try {

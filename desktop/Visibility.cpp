@@ -4,11 +4,11 @@
 #include "HiddenItems.h"
 #include "PathConversion.h"
 
-QVariant ROZ_MiscMethods::returnItemVisiblity(const QString &path)
+QVariant MiscMethods::returnItemVisiblity(const QString &path)
 {
     if (path.isNull())
         return false;
-    const QString posix = ROZ_PathConversion::pathPOSIX(path);
+    const QString posix = PathConversion::pathPOSIX(path);
     const QString name = returnItemName(posix);
     if (name.startsWith(u'.'))
         return false;

@@ -6,7 +6,7 @@
 #include <QCoreApplication>
 #include <algorithm>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 LocalizedDateTokens LocalizedDateTokens::fromUiTable()
 {

@@ -20,7 +20,7 @@ namespace {
 
 bool isBlankFilter(const QStringList &filter)
 {
-    return filter.size() == 1 && ROZ_NSStringAdditions::isBlankString(filter.first());
+    return filter.size() == 1 && StringAdditions::isBlankString(filter.first());
 }
 
 QString extensionOf(const QString &name)
@@ -69,7 +69,7 @@ QStringList FolderListing::listFolder(const QString &folder)
 QStringList FolderListing::containerAndItemName(const QString &path)
 {
     const QString name = PathNames::lastComponent(path);
-    return {name, ROZ_NSStringAdditions::desuffix(path, name)};
+    return {name, StringAdditions::desuffix(path, name)};
 }
 
 bool FolderListing::fileTypeCode(quint32 code, const QStringList &set)

@@ -7,7 +7,7 @@
 
 #include <cstring>
 
-using ROZ_NSStringAdditions::snr;
+using StringAdditions::snr;
 
 namespace GrepReplace {
 
@@ -47,7 +47,7 @@ std::optional<QString> runPERL(const QStringList &arguments)
     }
     if (perl.wait() != 0)
         return std::nullopt;
-    return ROZ_NSStringAdditions::trimFromEnd(QString::fromUtf8(perl.output), {QStringLiteral("\n")});
+    return StringAdditions::trimFromEnd(QString::fromUtf8(perl.output), {QStringLiteral("\n")});
 }
 
 } // namespace GrepReplace

@@ -4,7 +4,7 @@
 #include "PathNames.h"
 #include "StringAdditions.h"
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 void NameComposer::useRule(const RenameRule &newRule)
 {

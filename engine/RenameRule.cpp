@@ -157,7 +157,7 @@ std::optional<RenameRule::Case> RenameRule::caseNamed(const QString &name)
 
 QString RenameRule::extensionWithStop(const QString &extension)
 {
-    return ROZ_NSStringAdditions::isBlankString(extension) || extension.startsWith(u'.') ? extension : u'.' + extension;
+    return StringAdditions::isBlankString(extension) || extension.startsWith(u'.') ? extension : u'.' + extension;
 }
 
 RenameRule RenameRule::blank()

@@ -67,13 +67,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     Reader in{data, size};
     const Descriptor tree = build(in, 0);
     try {
-        const QVariant value = ROZ_ScriptCoertions::objCObjectValue(tree);
-        const Descriptor again = ROZ_ScriptCoertions::aeDescriptorValue(value);
-        ROZ_ScriptCoertions::objCObjectValue(again);
+        const QVariant value = ScriptCoertions::objCObjectValue(tree);
+        const Descriptor again = ScriptCoertions::aeDescriptorValue(value);
+        ScriptCoertions::objCObjectValue(again);
         tree.stringValue();
         tree.coerceToDescriptorType(DescType::List);
-        ROZ_ScriptCoertions::float64Value(tree);
-        ROZ_ScriptCoertions::isMissingValue(tree);
+        ScriptCoertions::float64Value(tree);
+        ScriptCoertions::isMissingValue(tree);
     } catch (const NamedException &exception) {
         if (exception.name() != UnsupportedAEDescriptorConversion)
             __builtin_trap();

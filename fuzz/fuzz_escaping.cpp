@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 namespace {
 

@@ -12,7 +12,7 @@ bool isNil(const QVariant &value)
 // Bool is a number to the dictionaries, but an argument reads it apart.
 bool isNumber(const QVariant &value)
 {
-    return value.typeId() != QMetaType::Bool && ROZ_NSDictionaryAdditions::isNumber(value);
+    return value.typeId() != QMetaType::Bool && DictionaryAdditions::isNumber(value);
 }
 
 bool isUnsignedInteger(const QVariant &value)

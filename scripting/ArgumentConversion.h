@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CharacterSet.h"
+#include "ScriptClassNames.h"
 #include "ScriptCoertions.h"
 
 #include <QObject>
@@ -128,13 +129,13 @@ T convert(const QVariant &value, int index)
         // Any other value stands for its descriptor.
         if (value.metaType() == QMetaType::fromType<Descriptor>())
             return value.value<Descriptor>();
-        return ROZ_ScriptCoertions::aeDescriptorValue(value);
+        return ScriptCoertions::aeDescriptorValue(value);
     } else if constexpr (std::is_pointer_v<T> && std::is_base_of_v<QObject, std::remove_pointer_t<T>>) {
         if (isNil(value))
             return nullptr;
         if (auto *object = qobject_cast<T>(value.value<QObject *>()))
             return object;
-        throw WrongType{index, QStringLiteral("a %1").arg(QString::fromLatin1(std::remove_pointer_t<T>::staticMetaObject.className())),
+        throw WrongType{index, QStringLiteral("a %1").arg(scriptClassName(std::remove_pointer_t<T>::staticMetaObject)),
                         kindOf(value)};
     } else if constexpr (std::is_same_v<T, CharacterSet>) {
         // A string stands for the set of its characters.

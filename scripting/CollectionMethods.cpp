@@ -33,33 +33,33 @@ QVariant objectsAnswering(Invocation &invocation)
 
 void registerCollectionMethods(MethodRegistry &registry)
 {
-    using namespace ROZ_Collections;
+    using namespace Collections;
     using NativeBinding::addClassMethod;
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("randomLongFrom:to:"), &randomLongFrom);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnKeyValueIndex:forKey:"), &returnKeyValueIndex);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("reverseArray:"), &reverseArray);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArray:"), &sortArray);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArrayWithStringsAsNumbers:"), &sortArrayWithStringsAsNumbers);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArrayWithCleanedStringSort:"), &sortArrayWithCleanedStringSort);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortArrayRemovingDuplicates:"), &sortArrayRemovingDuplicates);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnArrayObject:atIndex:"), &batchReturnArrayObject);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("returnSomeObjectOfArray:"), &returnSomeObjectOfArray);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionaries:usingKeys:"), &sortDictionaries);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionariesByCleanedString:usingKey:"),
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("randomLongFrom:to:"), &randomLongFrom);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnKeyValueIndex:forKey:"), &returnKeyValueIndex);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("reverseArray:"), &reverseArray);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortArray:"), &sortArray);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortArrayWithStringsAsNumbers:"), &sortArrayWithStringsAsNumbers);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortArrayWithCleanedStringSort:"), &sortArrayWithCleanedStringSort);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortArrayRemovingDuplicates:"), &sortArrayRemovingDuplicates);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchReturnArrayObject:atIndex:"), &batchReturnArrayObject);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("returnSomeObjectOfArray:"), &returnSomeObjectOfArray);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortDictionaries:usingKeys:"), &sortDictionaries);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortDictionariesByCleanedString:usingKey:"),
                    &sortDictionariesByCleanedString);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionariesByDate:usingKey:"), &sortDictionariesByDate);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("sortDictionariesByNumber:usingKey:"), &sortDictionariesByNumber);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaryObject:forKey:"), &batchReturnDictionaryObject);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:whoseArrayContains:forKey:"),
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortDictionariesByDate:usingKey:"), &sortDictionariesByDate);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("sortDictionariesByNumber:usingKey:"), &sortDictionariesByNumber);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchReturnDictionaryObject:forKey:"), &batchReturnDictionaryObject);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchReturnDictionaries:whoseArrayContains:forKey:"),
                    &batchReturnDictionariesWhoseArrayContains);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:containedIn:forKey:"),
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchReturnDictionaries:containedIn:forKey:"),
                    &batchReturnDictionariesContainedIn);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:notContainedIn:forKey:"),
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchReturnDictionaries:notContainedIn:forKey:"),
                    &batchReturnDictionariesNotContainedIn);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchReturnDictionaries:withObject:forKey:"),
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchReturnDictionaries:withObject:forKey:"),
                    &batchReturnDictionariesWithObject);
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("batchReturnObjectFromObjects:forKey:"), &objectsAnswering);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("batchCleanString:forChars:"), &batchCleanString);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("uis:"), &uis);
-    addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("uisR:replaceWith:"), &uisR);
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("batchReturnObjectFromObjects:forKey:"), &objectsAnswering);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("batchCleanString:forChars:"), &batchCleanString);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("uis:"), &uis);
+    addClassMethod(registry, MiscMethodsClass, QStringLiteral("uisR:replaceWith:"), &uisR);
 }

@@ -2,6 +2,6 @@
 
 class MethodRegistry;
 
-// The whole-list methods of ROZ_MiscMethods (sorting, filters, projections,
+// The whole-list methods of MiscMethods (sorting, filters, projections,
 // "ui" strings).
 void registerCollectionMethods(MethodRegistry &registry);

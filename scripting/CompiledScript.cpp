@@ -41,7 +41,7 @@ QVariant descriptorReady(const QJSValue &value)
 
 Descriptor descriptorFromScriptValue(const QJSValue &value)
 {
-    return ROZ_ScriptCoertions::aeDescriptorValue(descriptorReady(value));
+    return ScriptCoertions::aeDescriptorValue(descriptorReady(value));
 }
 
 CompiledScript::CompiledScript(const MethodRegistry &methods, const QString &source, const QString &fileName,
@@ -145,7 +145,7 @@ std::optional<Descriptor> CompiledScript::executeAppleEvent(const Descriptor &ev
 
     QJSValueList arguments;
     const Descriptor parameters = event.descriptorForKeyword(DescType::DirectObject).value_or(Descriptor::list());
-    for (const QVariant &argument : ROZ_ScriptCoertions::arrayWithAEDesc(parameters).toList())
+    for (const QVariant &argument : ScriptCoertions::arrayWithAEDesc(parameters).toList())
         arguments.append(JsValues::toJs(engine, argument));
     const auto outcome = m_host->call(handler, arguments, m_fileName);
     if (!outcome.ok()) {

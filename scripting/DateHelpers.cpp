@@ -10,7 +10,7 @@
 #include <QCoreApplication>
 #include <QLocale>
 
-namespace ROZ_DateHelpers {
+namespace DateHelpers {
 
 namespace {
 
@@ -111,7 +111,7 @@ QVariant relativeDescriptionForDate(const QVariant &date, const QVariant &format
         return CalendarFormat::format(when, CalendarFormat::DefaultFormat);
     QString calendarFormat = format.toString();
     if (calendarFormat.isEmpty()) {
-        const QVariant preferred = ROZ_UserDefaults::readDefault(QStringLiteral("NSDateFormatString"));
+        const QVariant preferred = UserDefaults::readDefault(QStringLiteral("NSDateFormatString"));
         if (!preferred.isValid())
             return QLocale::system().toString(when.date(), QLocale::LongFormat);
         calendarFormat = preferred.toString();
@@ -124,25 +124,25 @@ void setClock(std::function<QDateTime()> now)
     clock() = std::move(now);
 }
 
-} // namespace ROZ_DateHelpers
+} // namespace DateHelpers
 
 void registerDateHelperMethods(MethodRegistry &registry)
 {
-    using namespace ROZ_DateHelpers;
+    using namespace DateHelpers;
     using ArgumentConversion::convert;
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("testDate:"), [](Invocation &invocation) {
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("testDate:"), [](Invocation &invocation) {
         return QVariant(testDate(*invocation.methods, convert<QString>(invocation.arguments[0], 0)));
     });
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("returnDateFormat:withWeekday:asNumeric:"), [](Invocation &invocation) {
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("returnDateFormat:withWeekday:asNumeric:"), [](Invocation &invocation) {
         return returnDateFormat(*invocation.methods, convert<bool>(invocation.arguments[0], 0),
                                 convert<bool>(invocation.arguments[1], 1), convert<bool>(invocation.arguments[2], 2));
     });
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("makeLocalDate:withMonth:withDay:withYear:withTime:"),
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("makeLocalDate:withMonth:withDay:withYear:withTime:"),
                             [](Invocation &invocation) {
                                 const QVariantList &a = invocation.arguments;
                                 return makeLocalDate(*invocation.methods, convert<bool>(a[0], 0), a[1], a[2], a[3],
                                                      convert<QString>(a[4], 4));
                             });
-    NativeBinding::addClassMethod(registry, ROZ_MiscMethodsClass, QStringLiteral("relativeDescriptionForDate:withFormat:"),
+    NativeBinding::addClassMethod(registry, MiscMethodsClass, QStringLiteral("relativeDescriptionForDate:withFormat:"),
                                   &relativeDescriptionForDate);
 }

@@ -9,7 +9,7 @@ class MethodRegistry;
 // Which order of day, month and year the script language reads dates in,
 // found by asking a script to read sample dates, and dates described
 // relative to today.
-namespace ROZ_DateHelpers {
+namespace DateHelpers {
 
 // The probe and date scripts, with the text quoted so that any text is
 // safe inside them.
@@ -30,6 +30,6 @@ QVariant relativeDescriptionForDate(const QVariant &date, const QVariant &format
 // The clock relative descriptions count from; tests fix it.
 void setClock(std::function<QDateTime()> clock);
 
-} // namespace ROZ_DateHelpers
+} // namespace DateHelpers
 
 void registerDateHelperMethods(MethodRegistry &registry);

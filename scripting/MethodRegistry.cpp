@@ -1,4 +1,5 @@
 #include "MethodRegistry.h"
+#include "ScriptClassNames.h"
 
 #include "ArgumentConversion.h"
 
@@ -66,9 +67,7 @@ QString MethodRegistry::classNameOf(const QVariant &value) const
         return QStringLiteral("NSData");
     case QMetaType::QObjectStar: {
         const QObject *object = value.value<QObject *>();
-        const QVariant declared = object ? object->property("nomenClassName") : QVariant();
-        return declared.isValid() ? declared.toString()
-                                  : QString::fromLatin1(object ? object->metaObject()->className() : "NSObject");
+        return object ? scriptClassName(*object) : QStringLiteral("NSObject");
     }
     default:
         break;

@@ -31,7 +31,7 @@ using NativeMethod = std::function<QVariant(Invocation &)>;
 enum class MethodKind { Instance, Class };
 
 // The class most desktop and toolkit services are registered under.
-inline const QString ROZ_MiscMethodsClass = QStringLiteral("ROZ_MiscMethods");
+inline const QString MiscMethodsClass = QStringLiteral("ROZ_MiscMethods");
 
 // The one table through which scripts reach native code: (class, exact
 // selector) to native function. The number of colons in a selector is the

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace ROZ_ScriptCoertions {
+namespace ScriptCoertions {
 
 namespace {
 
@@ -136,39 +136,39 @@ Descriptor numberDescriptor(const QVariant &number)
         return Descriptor::boolean(number.toBool());
     if (type == QLatin1String("s")) {
         const qint16 v = qint16(number.toInt());
-        return ROZ_DescriptorValueWithSignedIntP(number, &v, 2);
+        return DescriptorValueWithSignedIntP(number, &v, 2);
     }
     if (type == QLatin1String("i") || type == QLatin1String("l")) {
         const qint32 v = qint32(number.toLongLong());
-        return ROZ_DescriptorValueWithSignedIntP(number, &v, 4);
+        return DescriptorValueWithSignedIntP(number, &v, 4);
     }
     if (type == QLatin1String("q")) {
         const qint64 v = number.toLongLong();
-        return ROZ_DescriptorValueWithSignedIntP(number, &v, 8);
+        return DescriptorValueWithSignedIntP(number, &v, 8);
     }
     if (type == QLatin1String("C")) {
         const quint8 v = quint8(number.toUInt());
-        return ROZ_DescriptorValueWithUnsignedIntP(number, &v, 1);
+        return DescriptorValueWithUnsignedIntP(number, &v, 1);
     }
     if (type == QLatin1String("S")) {
         const quint16 v = quint16(number.toUInt());
-        return ROZ_DescriptorValueWithUnsignedIntP(number, &v, 2);
+        return DescriptorValueWithUnsignedIntP(number, &v, 2);
     }
     if (type == QLatin1String("I") || type == QLatin1String("L")) {
         const quint32 v = quint32(number.toULongLong());
-        return ROZ_DescriptorValueWithUnsignedIntP(number, &v, 4);
+        return DescriptorValueWithUnsignedIntP(number, &v, 4);
     }
     if (type == QLatin1String("Q")) {
         const quint64 v = number.toULongLong();
-        return ROZ_DescriptorValueWithUnsignedIntP(number, &v, 8);
+        return DescriptorValueWithUnsignedIntP(number, &v, 8);
     }
     if (type == QLatin1String("f")) {
         const float v = number.toFloat();
-        return ROZ_DescriptorValueWithFloatP(number, &v, 4);
+        return DescriptorValueWithFloatP(number, &v, 4);
     }
     if (type == QLatin1String("d")) {
         const double v = number.toDouble();
-        return ROZ_DescriptorValueWithFloatP(number, &v, 8);
+        return DescriptorValueWithFloatP(number, &v, 8);
     }
     throw NamedException(UnsupportedAEDescriptorConversion,
                          QStringLiteral("ScriptSubroutine: unsupported conversion of an NSNumber with type '%1' to an "
@@ -176,7 +176,7 @@ Descriptor numberDescriptor(const QVariant &number)
                              .arg(type.isEmpty() ? QString::fromLatin1(number.typeName()) : type));
 }
 
-Descriptor ROZ_DescriptorValueWithSignedIntP(const QVariant &number, const void *value, int byteCount)
+Descriptor DescriptorValueWithSignedIntP(const QVariant &number, const void *value, int byteCount)
 {
     switch (byteCount) {
     case 0:
@@ -189,22 +189,22 @@ Descriptor ROZ_DescriptorValueWithSignedIntP(const QVariant &number, const void 
     default: {
         // No 64-bit integers in scripts: they travel as doubles.
         const double d = number.toDouble();
-        return ROZ_DescriptorValueWithFloatP(number, &d, 8);
+        return DescriptorValueWithFloatP(number, &d, 8);
     }
     }
 }
 
-Descriptor ROZ_DescriptorValueWithUnsignedIntP(const QVariant &number, const void *value, int byteCount)
+Descriptor DescriptorValueWithUnsignedIntP(const QVariant &number, const void *value, int byteCount)
 {
     if (byteCount >= 0 && byteCount <= 3)
         return descriptorWithUnsignedInt32(number.toUInt());
     if (byteCount == 4)
         return descriptorWithUnsignedInt32(readPointed<quint32>(value));
     const double d = double(number.toULongLong());
-    return ROZ_DescriptorValueWithFloatP(number, &d, 8);
+    return DescriptorValueWithFloatP(number, &d, 8);
 }
 
-Descriptor ROZ_DescriptorValueWithFloatP(const QVariant &number, const void *value, int byteCount)
+Descriptor DescriptorValueWithFloatP(const QVariant &number, const void *value, int byteCount)
 {
     if (byteCount >= 0 && byteCount <= 3)
         return descriptorWithFloat32(number.toFloat());
@@ -219,7 +219,7 @@ Descriptor ROZ_DescriptorValueWithFloatP(const QVariant &number, const void *val
         QStringLiteral("Cannot create an NSAppleEventDescriptor for float with %1 bytes of data.").arg(byteCount));
 }
 
-QVariant ROZ_NumberWithSignedIntP(const void *value, int byteCount)
+QVariant NumberWithSignedIntP(const void *value, int byteCount)
 {
     switch (byteCount) {
     case 1:
@@ -235,7 +235,7 @@ QVariant ROZ_NumberWithSignedIntP(const void *value, int byteCount)
     }
 }
 
-QVariant ROZ_NumberWithUnsignedIntP(const void *value, int byteCount)
+QVariant NumberWithUnsignedIntP(const void *value, int byteCount)
 {
     switch (byteCount) {
     case 1:
@@ -251,7 +251,7 @@ QVariant ROZ_NumberWithUnsignedIntP(const void *value, int byteCount)
     }
 }
 
-QVariant ROZ_NumberWithFloatP(const void *value, int byteCount)
+QVariant NumberWithFloatP(const void *value, int byteCount)
 {
     // Every real number from a script ends as a single-precision float;
     // callers depend on that, so the double is narrowed here on purpose.
@@ -271,23 +271,23 @@ QVariant numberWithAEDesc(const Descriptor &descriptor)
         return QVariant(descriptor.booleanValue());
     case DescType::SInt16: {
         const qint16 v = int16Value(descriptor);
-        return ROZ_NumberWithSignedIntP(&v, 2);
+        return NumberWithSignedIntP(&v, 2);
     }
     case DescType::SInt32: {
         const qint32 v = descriptor.int32Value();
-        return ROZ_NumberWithSignedIntP(&v, 4);
+        return NumberWithSignedIntP(&v, 4);
     }
     case DescType::UInt32: {
         const quint32 v = unsignedInt32Value(descriptor);
-        return ROZ_NumberWithUnsignedIntP(&v, 4);
+        return NumberWithUnsignedIntP(&v, 4);
     }
     case DescType::Float32: {
         const float v = float32Value(descriptor);
-        return ROZ_NumberWithFloatP(&v, 4);
+        return NumberWithFloatP(&v, 4);
     }
     case DescType::Float64: {
         const double v = float64Value(descriptor);
-        return ROZ_NumberWithFloatP(&v, 8);
+        return NumberWithFloatP(&v, 8);
     }
     default:
         break;
@@ -299,7 +299,7 @@ QVariant numberWithAEDesc(const Descriptor &descriptor)
                                             "with type '%1' to an aeDescriptor.")
                                  .arg(fourCharString(descriptor.descriptorType())));
     const double v = float64Value(*asDouble);
-    return ROZ_NumberWithFloatP(&v, 8);
+    return NumberWithFloatP(&v, 8);
 }
 
-} // namespace ROZ_ScriptCoertions
+} // namespace ScriptCoertions

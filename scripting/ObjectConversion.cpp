@@ -1,4 +1,5 @@
 #include "ScriptCoertions.h"
+#include "ScriptClassNames.h"
 
 #include "PathCodec.h"
 #include "SystemLog.h"
@@ -20,7 +21,7 @@ void MixedKeyDictionary::setValue(const QVariant &key, const QVariant &value)
     entries.append({key, value});
 }
 
-namespace ROZ_ScriptCoertions {
+namespace ScriptCoertions {
 
 namespace {
 
@@ -114,9 +115,7 @@ QString description(const QVariant &value)
     }
     if (value.metaType().flags() & QMetaType::PointerToQObject) {
         const QObject *object = value.value<QObject *>();
-        const QVariant declared = object ? object->property("nomenClassName") : QVariant();
-        const QString name = declared.isValid() ? declared.toString()
-                                                : QString::fromLatin1(object ? object->metaObject()->className() : "nil");
+        const QString name = object ? scriptClassName(*object) : QStringLiteral("nil");
         return QStringLiteral("<%1: 0x%2>").arg(name, QString::number(quintptr(object), 16));
     }
     return QStringLiteral("<%1>").arg(QString::fromLatin1(value.typeName()));
@@ -250,7 +249,7 @@ void logDescriptorType(const Descriptor &descriptor)
     SystemLog::write(name.isNull() ? QStringLiteral("(null)") : name);
 }
 
-} // namespace ROZ_ScriptCoertions
+} // namespace ScriptCoertions
 
 ConversionTable::ConversionTable()
 {
@@ -265,7 +264,7 @@ ConversionTable &ConversionTable::shared()
 
 void ConversionTable::reset()
 {
-    using namespace ROZ_ScriptCoertions;
+    using namespace ScriptCoertions;
     m_rows.clear();
     // 'TEXT' is listed twice; the second row replaces the first with the same.
     registerConversionSubroutine(&stringWithAEDesc, {fourCharCode("utxt"), fourCharCode("TEXT"), fourCharCode("utf8"),

@@ -22,7 +22,7 @@ Q_DECLARE_METATYPE(MixedKeyDictionary)
 
 // Conversion of native values to descriptors and back, and the numeric
 // descriptor layouts.
-namespace ROZ_ScriptCoertions {
+namespace ScriptCoertions {
 
 // Values to descriptors and back.
 Descriptor aeDescriptorValue(const QVariant &object);
@@ -52,20 +52,20 @@ bool isMissingValue(const Descriptor &descriptor);
 // A number's descriptor, chosen by its C type; and the three routes by byte
 // count that choice goes through. `value` points at `byteCount` bytes.
 Descriptor numberDescriptor(const QVariant &number);
-Descriptor ROZ_DescriptorValueWithSignedIntP(const QVariant &number, const void *value, int byteCount);
-Descriptor ROZ_DescriptorValueWithUnsignedIntP(const QVariant &number, const void *value, int byteCount);
-Descriptor ROZ_DescriptorValueWithFloatP(const QVariant &number, const void *value, int byteCount);
+Descriptor DescriptorValueWithSignedIntP(const QVariant &number, const void *value, int byteCount);
+Descriptor DescriptorValueWithUnsignedIntP(const QVariant &number, const void *value, int byteCount);
+Descriptor DescriptorValueWithFloatP(const QVariant &number, const void *value, int byteCount);
 // Numbers of the C type the byte count gives.
-QVariant ROZ_NumberWithSignedIntP(const void *value, int byteCount);
-QVariant ROZ_NumberWithUnsignedIntP(const void *value, int byteCount);
-QVariant ROZ_NumberWithFloatP(const void *value, int byteCount);
+QVariant NumberWithSignedIntP(const void *value, int byteCount);
+QVariant NumberWithUnsignedIntP(const void *value, int byteCount);
+QVariant NumberWithFloatP(const void *value, int byteCount);
 
 // The C type encoding of a number ("c", "i", "Q", ...); empty
 // for a value that is not a number.
 QString objCType(const QVariant &number);
 QString objCType(QMetaType type);
 
-} // namespace ROZ_ScriptCoertions
+} // namespace ScriptCoertions
 
 // The process-wide table from descriptor type to the class method that
 // turns such a descriptor into a value. Built with its standard rows on

@@ -12,7 +12,7 @@
 namespace {
 
 using ArgumentConversion::convert;
-using namespace ROZ_ScriptCoertions;
+using namespace ScriptCoertions;
 
 const QString DescriptorClass = QStringLiteral("NSAppleEventDescriptor");
 const QString ScriptClass = QStringLiteral("NSAppleScript");
@@ -167,24 +167,24 @@ void registerNumbers(MethodRegistry &registry)
 {
     const QString NSNumber = QStringLiteral("NSNumber");
     registry.addInstanceMethod(NSNumber, QStringLiteral("ROZ_DescriptorValueWithSignedIntP:byteCount:"),
-                               &routeFromScript<&ROZ_DescriptorValueWithSignedIntP>);
+                               &routeFromScript<&DescriptorValueWithSignedIntP>);
     registry.addInstanceMethod(NSNumber, QStringLiteral("ROZ_DescriptorValueWithUnsignedIntP:byteCount:"),
-                               &routeFromScript<&ROZ_DescriptorValueWithUnsignedIntP>);
+                               &routeFromScript<&DescriptorValueWithUnsignedIntP>);
     registry.addInstanceMethod(NSNumber, QStringLiteral("ROZ_DescriptorValueWithFloatP:byteCount:"),
-                               &routeFromScript<&ROZ_DescriptorValueWithFloatP>);
+                               &routeFromScript<&DescriptorValueWithFloatP>);
     registry.addClassMethod(NSNumber, QStringLiteral("ROZ_NumberWithSignedIntP:byteCount:"),
-                            &factoryFromScript<&ROZ_NumberWithSignedIntP>);
+                            &factoryFromScript<&NumberWithSignedIntP>);
     registry.addClassMethod(NSNumber, QStringLiteral("ROZ_NumberWithUnsignedIntP:byteCount:"),
-                            &factoryFromScript<&ROZ_NumberWithUnsignedIntP>);
+                            &factoryFromScript<&NumberWithUnsignedIntP>);
     registry.addClassMethod(NSNumber, QStringLiteral("ROZ_NumberWithFloatP:byteCount:"),
-                            &factoryFromScript<&ROZ_NumberWithFloatP>);
+                            &factoryFromScript<&NumberWithFloatP>);
     NativeBinding::addInstanceMethod(registry, QStringLiteral("NSData"), QStringLiteral("offsetOfData:"),
-                                     &ROZ_NSDataAdditions::offsetOfData);
+                                     &DataAdditions::offsetOfData);
 }
 
 void registerScripts(MethodRegistry &registry)
 {
-    using namespace ROZ_ScriptSubroutines;
+    using namespace ScriptSubroutines;
     const auto script = [](Invocation &invocation) -> CompiledScript & { return scriptOf(invocation); };
     const auto name = [](Invocation &invocation) { return convert<QString>(invocation.arguments[0], 0); };
 
@@ -211,28 +211,28 @@ void registerScripts(MethodRegistry &registry)
     });
 
     registry.addInstanceMethod(ScriptClass, QStringLiteral("ROZ_runScriptSubroutine:"), [=](Invocation &invocation) {
-        return ROZ_runScriptSubroutine(script(invocation), name(invocation));
+        return runScriptSubroutine(script(invocation), name(invocation));
     });
     registry.addInstanceMethod(ScriptClass, QStringLiteral("ROZ_runScriptSubroutine:withParameter:"),
                                [=](Invocation &invocation) {
-                                   return ROZ_runScriptSubroutine(script(invocation), name(invocation),
+                                   return runScriptSubroutine(script(invocation), name(invocation),
                                                                   invocation.arguments[1]);
                                });
     registry.addInstanceMethod(ScriptClass, QStringLiteral("ROZ_runScriptSubroutine:withParameters:"),
                                [=](Invocation &invocation) {
-                                   return ROZ_runScriptSubroutineWithParameters(
+                                   return runScriptSubroutineWithParameters(
                                        script(invocation), name(invocation), convert<QVariantList>(invocation.arguments[1], 1));
                                });
     registry.addInstanceMethod(ScriptClass, QStringLiteral("ROZ_runScriptSubroutine:withParametersFromArray:"),
                                [=](Invocation &invocation) {
-                                   return ROZ_runScriptSubroutineWithParametersFromArray(
+                                   return runScriptSubroutineWithParametersFromArray(
                                        script(invocation), name(invocation), convert<QVariantList>(invocation.arguments[1], 1));
                                });
     registry.addInstanceMethod(
         ScriptClass, QStringLiteral("ROZ_ExecuteWithoutTranslationSubroutine:error:withParametersDesc:"),
         [=](Invocation &invocation) {
             std::optional<QVariantMap> error;
-            const auto result = ROZ_ExecuteWithoutTranslationSubroutine(
+            const auto result = ExecuteWithoutTranslationSubroutine(
                 script(invocation), name(invocation), &error, convert<Descriptor>(invocation.arguments[2], 2));
             if (invocation.hasBox(1))
                 invocation.outputs[1] = error ? QVariant(*error) : QVariant();
@@ -240,19 +240,19 @@ void registerScripts(MethodRegistry &registry)
         });
     registry.addInstanceMethod(ScriptClass, QStringLiteral("ROZ_HandleASError:"), [](Invocation &invocation) {
         const QVariant error = invocation.arguments[0];
-        return ROZ_HandleASError(ArgumentConversion::isNil(error)
+        return HandleASError(ArgumentConversion::isNil(error)
                                      ? std::nullopt
                                      : std::optional(convert<QVariantMap>(error, 0)));
     });
     NativeBinding::addClassMethod(registry, ScriptClass, QStringLiteral("ROZ_subroutinesInScriptFile:"),
-                                  &ROZ_subroutinesInScriptFile);
+                                  &subroutinesInScriptFile);
     NativeBinding::addClassMethod(registry, ScriptClass, QStringLiteral("ROZ_validSubroutinesFromArray:inScriptFile:"),
-                                  &ROZ_validSubroutinesFromArray);
+                                  &validSubroutinesFromArray);
 
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("runScript:"), [](Invocation &invocation) {
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("runScript:"), [](Invocation &invocation) {
         return ScriptRunner::runScript(*invocation.methods, convert<QString>(invocation.arguments[0], 0));
     });
-    registry.addClassMethod(ROZ_MiscMethodsClass, QStringLiteral("runScriptFile:"),
+    registry.addClassMethod(MiscMethodsClass, QStringLiteral("runScriptFile:"),
                             [](Invocation &invocation) {
                                 return ScriptRunner::runScriptFile(*invocation.methods,
                                                                    convert<QString>(invocation.arguments[0], 0));

@@ -7,21 +7,21 @@
 
 #include <unistd.h>
 
-namespace ROZ_ScriptSubroutines {
+namespace ScriptSubroutines {
 
-QVariant ROZ_runScriptSubroutine(CompiledScript &script, const QString &name)
+QVariant runScriptSubroutine(CompiledScript &script, const QString &name)
 {
-    return ROZ_runScriptSubroutineWithParameters(script, name, {});
+    return runScriptSubroutineWithParameters(script, name, {});
 }
 
-QVariant ROZ_runScriptSubroutine(CompiledScript &script, const QString &name, const QVariant &parameter)
+QVariant runScriptSubroutine(CompiledScript &script, const QString &name, const QVariant &parameter)
 {
     if (!parameter.isValid())
         throw NamedException(NSInvalidArgumentException, QStringLiteral("Parameter cannot be nil."));
-    return ROZ_runScriptSubroutineWithParameters(script, name, {parameter});
+    return runScriptSubroutineWithParameters(script, name, {parameter});
 }
 
-QVariant ROZ_runScriptSubroutineWithParameters(CompiledScript &script, const QString &name,
+QVariant runScriptSubroutineWithParameters(CompiledScript &script, const QString &name,
                                                const QVariantList &nilTerminated)
 {
     QVariantList parameters;
@@ -30,18 +30,18 @@ QVariant ROZ_runScriptSubroutineWithParameters(CompiledScript &script, const QSt
             break;
         parameters.append(parameter);
     }
-    return ROZ_runScriptSubroutineWithParametersFromArray(script, name, parameters);
+    return runScriptSubroutineWithParametersFromArray(script, name, parameters);
 }
 
-QVariant ROZ_runScriptSubroutineWithParametersFromArray(CompiledScript &script, const QString &name,
+QVariant runScriptSubroutineWithParametersFromArray(CompiledScript &script, const QString &name,
                                                         const QVariantList &parameters)
 {
     std::optional<QVariantMap> error;
-    const Descriptor list = ROZ_ScriptCoertions::aeDescriptorValue(parameters);
-    const auto result = ROZ_ExecuteWithoutTranslationSubroutine(script, name, &error, list);
+    const Descriptor list = ScriptCoertions::aeDescriptorValue(parameters);
+    const auto result = ExecuteWithoutTranslationSubroutine(script, name, &error, list);
     if (error)
-        return ROZ_HandleASError(error);
-    return ROZ_ScriptCoertions::objCObjectValue(result.value_or(Descriptor::null()));
+        return HandleASError(error);
+    return ScriptCoertions::objCObjectValue(result.value_or(Descriptor::null()));
 }
 
 Descriptor handlerCallEvent(const QString &name, const Descriptor &parameters)
@@ -55,7 +55,7 @@ Descriptor handlerCallEvent(const QString &name, const Descriptor &parameters)
     return event;
 }
 
-std::optional<Descriptor> ROZ_ExecuteWithoutTranslationSubroutine(CompiledScript &script, const QString &name,
+std::optional<Descriptor> ExecuteWithoutTranslationSubroutine(CompiledScript &script, const QString &name,
                                                                   std::optional<QVariantMap> *error,
                                                                   const Descriptor &parameters)
 {
@@ -66,7 +66,7 @@ std::optional<Descriptor> ROZ_ExecuteWithoutTranslationSubroutine(CompiledScript
     return result;
 }
 
-QVariant ROZ_HandleASError(const std::optional<QVariantMap> &error)
+QVariant HandleASError(const std::optional<QVariantMap> &error)
 {
     if (!error)
         return QString(QLatin1String(""));
@@ -90,14 +90,14 @@ struct MappedFile {
 
 } // namespace
 
-QVariant ROZ_subroutinesInScriptFile(const QString &path)
+QVariant subroutinesInScriptFile(const QString &path)
 {
     // Never lists handlers: callers only learn whether the file is readable.
     const MappedFile file(path);
     return file.bytes.isEmpty() ? QVariant() : QVariant(QVariantList());
 }
 
-QVariant ROZ_validSubroutinesFromArray(const QVariantList &names, const QString &path)
+QVariant validSubroutinesFromArray(const QVariantList &names, const QString &path)
 {
     const MappedFile file(path);
     if (file.bytes.isEmpty())
@@ -109,13 +109,13 @@ QVariant ROZ_validSubroutinesFromArray(const QVariantList &names, const QString 
         const QString text = name.toString();
         const bool ascii = std::all_of(text.cbegin(), text.cend(), [](QChar c) { return c.unicode() < 128; });
         const QByteArray bytes = ascii ? text.toLatin1() : QByteArray();
-        if (ROZ_NSDataAdditions::offsetOfData(file.bytes, bytes) != ROZ_NSDataAdditions::NotFound)
+        if (DataAdditions::offsetOfData(file.bytes, bytes) != DataAdditions::NotFound)
             valid.append(name);
     }
     return valid;
 }
 
-} // namespace ROZ_ScriptSubroutines
+} // namespace ScriptSubroutines
 
 namespace ScriptRunner {
 
@@ -145,7 +145,7 @@ QVariant resultOf(CompiledScript &script)
 {
     QVariantMap error;
     const auto result = script.executeAndReturnError(&error);
-    return result ? ROZ_ScriptCoertions::objCObjectValue(*result) : QVariant();
+    return result ? ScriptCoertions::objCObjectValue(*result) : QVariant();
 }
 
 } // namespace

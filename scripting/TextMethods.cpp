@@ -22,7 +22,7 @@ QVariant substringsMatching(Invocation &invocation)
     const auto options = convert<int>(invocation.arguments[2], 2);
     QList<TextRange> ranges;
     std::optional<ErrorInfo> error;
-    const auto matches = ROZ_NSStringAdditions::substringsMatchingRegularExpression(
+    const auto matches = StringAdditions::substringsMatchingRegularExpression(
         self, pattern, count, options, invocation.hasBox(3) ? &ranges : nullptr,
         invocation.hasBox(4) ? &error : nullptr);
     if (invocation.hasBox(3) && matches && count != -1) {
@@ -49,17 +49,17 @@ QVariant dictionarySetter(Invocation &invocation)
 
 void registerDictionaryMethods(MethodRegistry &registry)
 {
-    using namespace ROZ_NSDictionaryAdditions;
+    using namespace DictionaryAdditions;
     using NativeBinding::addInstanceMethod;
     for (const QString &dictionary : {QStringLiteral("NSDictionary"), QStringLiteral("NSMutableDictionary")}) {
         registry.addInstanceMethod(dictionary, QStringLiteral("setBool:forKey:"),
-                                   &dictionarySetter<bool, &ROZ_NSMutableDictionaryAdditions::setBool>);
+                                   &dictionarySetter<bool, &MutableDictionaryAdditions::setBool>);
         registry.addInstanceMethod(dictionary, QStringLiteral("setInteger:forKey:"),
-                                   &dictionarySetter<qint32, &ROZ_NSMutableDictionaryAdditions::setInteger>);
+                                   &dictionarySetter<qint32, &MutableDictionaryAdditions::setInteger>);
         registry.addInstanceMethod(dictionary, QStringLiteral("setUnsignedInteger:forKey:"),
-                                   &dictionarySetter<quint32, &ROZ_NSMutableDictionaryAdditions::setUnsignedInteger>);
+                                   &dictionarySetter<quint32, &MutableDictionaryAdditions::setUnsignedInteger>);
         registry.addInstanceMethod(dictionary, QStringLiteral("setFloat:forKey:"),
-                                   &dictionarySetter<float, &ROZ_NSMutableDictionaryAdditions::setFloat>);
+                                   &dictionarySetter<float, &MutableDictionaryAdditions::setFloat>);
     }
     const QString NSDictionary = QStringLiteral("NSDictionary");
     addInstanceMethod(registry, NSDictionary, QStringLiteral("stringForKey:"), &stringForKey);
@@ -94,7 +94,7 @@ void registerDictionaryMethods(MethodRegistry &registry)
 
 void registerTextMethods(MethodRegistry &registry)
 {
-    using namespace ROZ_NSStringAdditions;
+    using namespace StringAdditions;
     using NativeBinding::addClassMethod;
     using NativeBinding::addInstanceMethod;
 
@@ -109,14 +109,14 @@ void registerTextMethods(MethodRegistry &registry)
     // out-pointers to pass.
     const QString formatter = QStringLiteral("ROZ_ByteFormatter");
     addClassMethod(registry, formatter, QStringLiteral("stringForObjectValue:"),
-                   +[](const QVariant &object) { return ROZ_ByteFormatter::stringForObjectValue(object); });
+                   +[](const QVariant &object) { return ByteFormatter::stringForObjectValue(object); });
     addClassMethod(registry, formatter, QStringLiteral("getObjectValue:forString:errorDescription:"),
                    +[](const QVariant &, const QString &text, const QVariant &) {
-                       const ROZ_ByteFormatter::Parsed parsed = ROZ_ByteFormatter::getObjectValueForString(text);
+                       const ByteFormatter::Parsed parsed = ByteFormatter::getObjectValueForString(text);
                        return parsed.value ? QVariantList{true, *parsed.value} : QVariantList{false, parsed.errorDescription};
                    });
     addClassMethod(registry, formatter, QStringLiteral("attributedStringForObjectValue:withDefaultAttributes:"),
-                   &ROZ_ByteFormatter::attributedStringForObjectValue);
+                   &ByteFormatter::attributedStringForObjectValue);
     registry.addValueClass(QMetaType::fromType<AttributedString>(), QStringLiteral("NSAttributedString"));
     addInstanceMethod(registry, QStringLiteral("NSAttributedString"), QStringLiteral("string"),
                       +[](const AttributedString &self) { return self.string; });
@@ -124,9 +124,9 @@ void registerTextMethods(MethodRegistry &registry)
                       +[](const AttributedString &self) { return self.attributes; });
 
     // Case, cleaning and trimming.
-    addInstanceMethod(registry, NSString, QStringLiteral("log"), &ROZ_NSStringAdditions::log);
+    addInstanceMethod(registry, NSString, QStringLiteral("log"), &StringAdditions::log);
     addInstanceMethod(registry, NSString, QStringLiteral("isBlankString"), &isBlankString);
-    addInstanceMethod(registry, NSString, QStringLiteral("reverse"), &ROZ_NSStringAdditions::reverse);
+    addInstanceMethod(registry, NSString, QStringLiteral("reverse"), &StringAdditions::reverse);
     addInstanceMethod(registry, NSString, QStringLiteral("titleCaseString"), &titleCaseString);
     addInstanceMethod(registry, NSString, QStringLiteral("stripDiacritical"), &stripDiacritical);
     addInstanceMethod(registry, NSString, QStringLiteral("clean:"), &clean);
@@ -188,6 +188,6 @@ void registerTextMethods(MethodRegistry &registry)
     addInstanceMethod(registry, NSString, QStringLiteral("checksum"), &checksum);
 
     // Sorting and dictionaries.
-    addInstanceMethod(registry, NSString, QStringLiteral("stringAsNumberSort:"), &ROZ_NSStringAdditions::stringAsNumberSort);
+    addInstanceMethod(registry, NSString, QStringLiteral("stringAsNumberSort:"), &StringAdditions::stringAsNumberSort);
     registerDictionaryMethods(registry);
 }

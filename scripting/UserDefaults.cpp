@@ -1,4 +1,5 @@
 #include "UserDefaults.h"
+#include "ScriptClassNames.h"
 #include "ErrnoText.h"
 
 #include "DictionaryAdditions.h"
@@ -80,7 +81,7 @@ std::optional<QVariant> unstreamed(const QByteArray &magic, const QByteArray &by
 
 bool isPropertyListValue(const QVariant &value)
 {
-    if (ROZ_NSDictionaryAdditions::isNumber(value))
+    if (DictionaryAdditions::isNumber(value))
         return true;
     switch (value.typeId()) {
     case QMetaType::QString: case QMetaType::QByteArray: case QMetaType::QDateTime: case QMetaType::QStringList:
@@ -102,7 +103,7 @@ QString classNameOf(const QVariant &value)
 {
     if (value.typeId() == QMetaType::QObjectStar)
         if (const QObject *object = value.value<QObject *>())
-            return QString::fromLatin1(object->metaObject()->className());
+            return scriptClassName(*object->metaObject());
     return QString::fromLatin1(value.metaType().name());
 }
 
@@ -124,18 +125,18 @@ std::optional<QString> unarchivableClass(const QVariant &value)
 
 } // namespace
 
-void ROZ_UserDefaults::registerDefaults(const QVariantMap &defaults)
+void UserDefaults::registerDefaults(const QVariantMap &defaults)
 {
     for (auto it = defaults.cbegin(); it != defaults.cend(); ++it)
         registered().insert(it.key(), it.value());
 }
 
-void ROZ_UserDefaults::registerDefault(const QVariant &value, const QString &key)
+void UserDefaults::registerDefault(const QVariant &value, const QString &key)
 {
     registerDefaults({{key, value}});
 }
 
-void ROZ_UserDefaults::writeDefault(const QVariant &value, const QString &key)
+void UserDefaults::writeDefault(const QVariant &value, const QString &key)
 {
     if (!value.isValid() || value.typeId() == QMetaType::Nullptr) {
         removeDefault(key);
@@ -148,12 +149,12 @@ void ROZ_UserDefaults::writeDefault(const QVariant &value, const QString &key)
     store().setValue(storedKey(key), streamed(StoredMagic, value));
 }
 
-void ROZ_UserDefaults::writeArchivedDataDefault(const QVariant &object, const QString &key)
+void UserDefaults::writeArchivedDataDefault(const QVariant &object, const QString &key)
 {
     writeDefault(archive(object), key);
 }
 
-QVariant ROZ_UserDefaults::readDefault(const QString &key)
+QVariant UserDefaults::readDefault(const QString &key)
 {
     const QVariant stored = store().value(storedKey(key));
     if (stored.isValid()) {
@@ -169,7 +170,7 @@ QVariant ROZ_UserDefaults::readDefault(const QString &key)
     return registered().value(key);
 }
 
-QVariant ROZ_UserDefaults::readArchivedDataDefault(const QString &key)
+QVariant UserDefaults::readArchivedDataDefault(const QString &key)
 {
     const QVariant value = readDefault(key);
     if (value.typeId() != QMetaType::QByteArray)
@@ -182,24 +183,24 @@ QVariant ROZ_UserDefaults::readArchivedDataDefault(const QString &key)
     return *object;
 }
 
-bool ROZ_UserDefaults::defaultExists(const QString &key)
+bool UserDefaults::defaultExists(const QString &key)
 {
     return readDefault(key).isValid();
 }
 
-void ROZ_UserDefaults::removeDefault(const QString &key)
+void UserDefaults::removeDefault(const QString &key)
 {
     store().remove(storedKey(key));
 }
 
-void ROZ_UserDefaults::synchronizeDefaults()
+void UserDefaults::synchronizeDefaults()
 {
     store().sync();
     if (store().status() != QSettings::NoError)
         SystemLog::write(QStringLiteral("synchronizeDefaults: cannot write %1").arg(store().fileName()));
 }
 
-QString ROZ_UserDefaults::returnUserCountryCode()
+QString UserDefaults::returnUserCountryCode()
 {
     const QVariant city = readDefault(QStringLiteral("com.apple.TimeZonePref.Last_Selected_City"));
     if (city.isValid()) {
@@ -213,14 +214,14 @@ QString ROZ_UserDefaults::returnUserCountryCode()
     return country.isEmpty() ? QStringLiteral("US") : country;
 }
 
-void ROZ_UserDefaults::touchBundleDate()
+void UserDefaults::touchBundleDate()
 {
     const QString folder = ResourceFolder::path();
     if (::utimensat(AT_FDCWD, PathCodec::encode(folder).constData(), nullptr, 0) != 0)
         SystemLog::write(QStringLiteral("touchBundleDate: %1: %2").arg(folder, errnoText(errno)));
 }
 
-QVariant ROZ_UserDefaults::returnPlistValue(const QString &key)
+QVariant UserDefaults::returnPlistValue(const QString &key)
 {
     const auto contents = FileBytes::read(ResourceFolder::infoPlistPath());
     if (!contents.bytes)
@@ -228,7 +229,7 @@ QVariant ROZ_UserDefaults::returnPlistValue(const QString &key)
     return PropertyLists::parse(*contents.bytes).value.value_or(QVariant()).toMap().value(key);
 }
 
-QVariant ROZ_UserDefaults::returnPlistValueForKey(const QString &path, const QString &key)
+QVariant UserDefaults::returnPlistValueForKey(const QString &path, const QString &key)
 {
     const auto contents = FileBytes::read(path);
     const auto parsed = contents.bytes ? PropertyLists::parse(*contents.bytes)
@@ -241,7 +242,7 @@ QVariant ROZ_UserDefaults::returnPlistValueForKey(const QString &path, const QSt
     return parsed.value->toMap().value(key);
 }
 
-QByteArray ROZ_UserDefaults::archive(const QVariant &object)
+QByteArray UserDefaults::archive(const QVariant &object)
 {
     if (const auto refused = unarchivableClass(object))
         throw NamedException(NSInvalidArgumentException,
@@ -249,7 +250,7 @@ QByteArray ROZ_UserDefaults::archive(const QVariant &object)
     return streamed(ArchiveMagic, object);
 }
 
-std::optional<QVariant> ROZ_UserDefaults::unarchive(const QByteArray &data)
+std::optional<QVariant> UserDefaults::unarchive(const QByteArray &data)
 {
     return unstreamed(ArchiveMagic, data);
 }
@@ -257,7 +258,7 @@ std::optional<QVariant> ROZ_UserDefaults::unarchive(const QByteArray &data)
 void registerUserDefaultsMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    using D = ROZ_UserDefaults;
+    using D = UserDefaults;
     const QString Defaults = QStringLiteral("ROZ_UserDefaults");
     addClassMethod(registry, Defaults, QStringLiteral("registerDefaults:"), &D::registerDefaults);
     addClassMethod(registry, Defaults, QStringLiteral("registerDefault:forKey:"), &D::registerDefault);

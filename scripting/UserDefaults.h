@@ -9,7 +9,7 @@
 // group of ~/.config/Nomen/Nomen.conf), each value kept with its type, over
 // a registration layer of fallbacks that lives in memory only. Also the
 // application's information property list and other property list files.
-class ROZ_UserDefaults {
+class UserDefaults {
 public:
     static void registerDefaults(const QVariantMap &defaults);
     static void registerDefault(const QVariant &value, const QString &key);

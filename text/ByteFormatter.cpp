@@ -5,7 +5,7 @@
 
 #include <QCoreApplication>
 
-namespace ROZ_ByteFormatter {
+namespace ByteFormatter {
 
 namespace {
 
@@ -18,7 +18,7 @@ QString unit(const char *key)
 
 QString stringForObjectValue(const QVariant &object)
 {
-    if (!ROZ_NSDictionaryAdditions::isNumber(object))
+    if (!DictionaryAdditions::isNumber(object))
         return QStringLiteral("-");
     const float v = object.toFloat();
     if (v >= BytesPerGB)
@@ -36,7 +36,7 @@ Parsed getObjectValueForString(const QString &text)
     for (const auto &[key, scale] : scales) {
         const QString suffix = u' ' + unit(key);
         if (text.endsWith(suffix))
-            return {ROZ_NSDictionaryAdditions::floatValue(ROZ_NSStringAdditions::desuffix(text, suffix)) * scale, {}};
+            return {DictionaryAdditions::floatValue(StringAdditions::desuffix(text, suffix)) * scale, {}};
     }
     return {std::nullopt, QCoreApplication::translate("ui", "Couldn't find unit designation")};
 }
@@ -46,4 +46,4 @@ AttributedString attributedStringForObjectValue(const QVariant &object, const QV
     return {stringForObjectValue(object), attributes};
 }
 
-} // namespace ROZ_ByteFormatter
+} // namespace ByteFormatter

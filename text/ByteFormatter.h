@@ -9,7 +9,7 @@
 // Shows a byte count as a short size with a unit ("1.5 KB") and reads such
 // a text back. Values go through 32-bit floats, so counts of 2^24 bytes and
 // more lose their last places; that is accepted for a size column.
-namespace ROZ_ByteFormatter {
+namespace ByteFormatter {
 
 inline constexpr float BytesPerKB = 1024.0f;
 inline constexpr float BytesPerMB = 1048576.0f;
@@ -28,4 +28,4 @@ Parsed getObjectValueForString(const QString &text);
 // The display text with the given attributes over all of it.
 AttributedString attributedStringForObjectValue(const QVariant &object, const QVariantMap &attributes);
 
-} // namespace ROZ_ByteFormatter
+} // namespace ByteFormatter

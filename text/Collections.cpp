@@ -10,7 +10,7 @@
 #include <vector>
 #include <cstdlib>
 
-namespace ROZ_Collections {
+namespace Collections {
 
 namespace {
 
@@ -40,7 +40,7 @@ QString stringValueOf(const QVariant &value, qsizetype position)
 {
     if (value.typeId() == QMetaType::Bool)
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    if (value.typeId() == QMetaType::QString || ROZ_NSDictionaryAdditions::isNumber(value))
+    if (value.typeId() == QMetaType::QString || DictionaryAdditions::isNumber(value))
         return value.toString();
     throw NamedException(NSInvalidArgumentException,
                          QStringLiteral("uisR:replaceWith: value %1 is a %2, not a string or a number")
@@ -210,7 +210,7 @@ QStringList batchCleanString(const QStringList &strings, const QString &allowed)
     QStringList cleaned;
     cleaned.reserve(strings.size());
     for (const QString &text : strings)
-        cleaned.append(ROZ_NSStringAdditions::clean(text, allowed));
+        cleaned.append(StringAdditions::clean(text, allowed));
     return cleaned;
 }
 
@@ -223,8 +223,8 @@ QString uisR(const QString &key, const QVariantList &values)
 {
     QString text = uis(key);
     for (qsizetype i = 1; i <= values.size(); ++i)
-        text = ROZ_NSStringAdditions::snr(text, u'%' + QString::number(i), stringValueOf(values[i - 1], i));
+        text = StringAdditions::snr(text, u'%' + QString::number(i), stringValueOf(values[i - 1], i));
     return text;
 }
 
-} // namespace ROZ_Collections
+} // namespace Collections

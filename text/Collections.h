@@ -8,7 +8,7 @@
 // projecting lists and lists of dictionaries, and "ui" table look-ups with
 // numbered placeholders. Every function answers a new list and leaves its
 // arguments as they were; filters keep the input's order.
-namespace ROZ_Collections {
+namespace Collections {
 
 // A whole number from low to high drawn from the C library's generator,
 // in single precision as callers have always relied on; never seeded here.
@@ -52,4 +52,4 @@ QString uisR(const QString &key, const QVariantList &values);
 // Whether a collection (a list, or a dictionary's values) holds the object.
 bool collectionContains(const QVariant &collection, const QVariant &object);
 
-} // namespace ROZ_Collections
+} // namespace Collections

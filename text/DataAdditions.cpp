@@ -1,6 +1,6 @@
 #include "DataAdditions.h"
 
-namespace ROZ_NSDataAdditions {
+namespace DataAdditions {
 
 qint64 offsetOfData(const QByteArray &self, const QByteArray &pattern)
 {
@@ -12,4 +12,4 @@ qint64 offsetOfData(const QByteArray &self, const QByteArray &pattern)
     return at < 0 ? NotFound : at;
 }
 
-} // namespace ROZ_NSDataAdditions
+} // namespace DataAdditions

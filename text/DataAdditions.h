@@ -3,7 +3,7 @@
 #include <QByteArray>
 
 // Byte operations on data.
-namespace ROZ_NSDataAdditions {
+namespace DataAdditions {
 
 // The not-found index: the largest signed 32-bit value.
 constexpr qint64 NotFound = 0x7fffffff;
@@ -12,4 +12,4 @@ constexpr qint64 NotFound = 0x7fffffff;
 // pattern, NotFound when there is none.
 qint64 offsetOfData(const QByteArray &self, const QByteArray &pattern);
 
-} // namespace ROZ_NSDataAdditions
+} // namespace DataAdditions

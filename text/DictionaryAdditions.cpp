@@ -6,7 +6,7 @@
 #include <climits>
 #include <cstring>
 
-namespace ROZ_NSDictionaryAdditions {
+namespace DictionaryAdditions {
 
 bool isNumber(const QVariant &value)
 {
@@ -219,9 +219,9 @@ quint32 osType(const QString &code)
     return value;
 }
 
-} // namespace ROZ_NSDictionaryAdditions
+} // namespace DictionaryAdditions
 
-namespace ROZ_NSMutableDictionaryAdditions {
+namespace MutableDictionaryAdditions {
 
 void setBool(QVariantMap &self, bool value, const QString &key)
 {
@@ -243,4 +243,4 @@ void setFloat(QVariantMap &self, float value, const QString &key)
     self.insert(key, QVariant::fromValue(value));
 }
 
-} // namespace ROZ_NSMutableDictionaryAdditions
+} // namespace MutableDictionaryAdditions

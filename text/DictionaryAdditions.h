@@ -10,7 +10,7 @@
 // Kept on purpose: boolForKey, integerForKey and floatForKey read only
 // string values (a number reads as NO, 0, 0.0), while uintForKey reads any
 // number.
-namespace ROZ_NSDictionaryAdditions {
+namespace DictionaryAdditions {
 
 std::optional<QString> stringForKey(const QVariantMap &self, const QString &key);
 std::optional<QDateTime> dateForKey(const QVariantMap &self, const QString &key);
@@ -52,15 +52,15 @@ bool isNumber(const QVariant &value);
 int intValue(const QString &text);
 float floatValue(const QString &text);
 
-} // namespace ROZ_NSDictionaryAdditions
+} // namespace DictionaryAdditions
 
 // The setters store typed numbers.
-namespace ROZ_NSMutableDictionaryAdditions {
+namespace MutableDictionaryAdditions {
 void setBool(QVariantMap &self, bool value, const QString &key);
 void setInteger(QVariantMap &self, qint32 value, const QString &key);
 void setUnsignedInteger(QVariantMap &self, quint32 value, const QString &key);
 void setFloat(QVariantMap &self, float value, const QString &key);
-} // namespace ROZ_NSMutableDictionaryAdditions
+} // namespace MutableDictionaryAdditions
 
 // The file manager's attribute keys and type names.
 namespace FileAttributeKeys {

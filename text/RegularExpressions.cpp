@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 namespace {
 
@@ -121,4 +121,4 @@ bool validateWithRegEx(const QString &self, const QString &pattern)
     return U_SUCCESS(status) && matches;
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

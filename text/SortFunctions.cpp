@@ -105,8 +105,8 @@ int cleanedStringSort(const QVariant &a, const QVariant &b, const QVariant &cont
     QString left = operand(a, context).toString();
     QString right = operand(b, context).toString();
     for (const QString &word : stripList()) {
-        left = ROZ_NSStringAdditions::deprefixCaseInsensitive(left, word);
-        right = ROZ_NSStringAdditions::deprefixCaseInsensitive(right, word);
+        left = StringAdditions::deprefixCaseInsensitive(left, word);
+        right = StringAdditions::deprefixCaseInsensitive(right, word);
     }
     return localizedCaseInsensitiveCompare(left, right);
 }
@@ -129,7 +129,7 @@ int stringAsNumberSort(const QVariant &a, const QVariant &b, const QVariant &)
 
 } // namespace SortFunctions
 
-int ROZ_NSStringAdditions::stringAsNumberSort(const QString &self, const QString &other)
+int StringAdditions::stringAsNumberSort(const QString &self, const QString &other)
 {
     return SortFunctions::stringAsNumberCompare(self, other);
 }

@@ -33,6 +33,6 @@ QStringList stripList();
 
 } // namespace SortFunctions
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 int stringAsNumberSort(const QString &self, const QString &other);
 }

@@ -13,7 +13,7 @@
 // Each takes the receiver first and returns a new value; none changes its
 // arguments. A character is one UTF-16 code unit throughout. Most operations
 // answer a blank (zero-length) receiver with the receiver itself.
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 // Shared character sets.
 const CharacterSet &allWhitespaceCharacterSet(); // " \t\n\r\v\f"
@@ -101,4 +101,4 @@ QString ordinalStringForInt(qint32 n);
 QVariant pluralStringForCount(qint32 count, const QVariant &zero, const QVariant &singular, const QVariant &plural);
 quint32 checksum(const QString &self);
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

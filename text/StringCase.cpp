@@ -8,7 +8,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 namespace {
 
@@ -142,4 +142,4 @@ bool hasCaseInsensitiveSuffix(const QString &self, const QString &suffix)
     return !suffix.isEmpty() && self.toLower().endsWith(suffix.toLower());
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

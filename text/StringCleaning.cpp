@@ -3,7 +3,7 @@
 
 #include <QSet>
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 namespace {
 
@@ -133,4 +133,4 @@ QString desuffixCaseInsensitive(const QString &self, const QString &suffix)
                                                   : self;
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

@@ -5,7 +5,7 @@
 #include <QUrl>
 #include <QUuid>
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 namespace {
 
@@ -203,4 +203,4 @@ QString uuidString()
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

@@ -1,7 +1,7 @@
 #include "NamedException.h"
 #include "StringAdditions.h"
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 QString snr(const QString &self, const QString &search, const QString &replacement)
 {
@@ -45,4 +45,4 @@ QString substringFromDelim(const QString &self, const QString &start, const QStr
     return substringToDelim(self.mid(from + start.size()), end);
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

@@ -1,6 +1,6 @@
 #include "StringAdditions.h"
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 QString wrapToLength(const QString &self, quint32 length)
 {
@@ -69,4 +69,4 @@ quint32 checksum(const QString &self)
     return sum;
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

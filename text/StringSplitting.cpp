@@ -2,7 +2,7 @@
 #include "StringAdditions.h"
 #include "TextScanner.h"
 
-namespace ROZ_NSStringAdditions {
+namespace StringAdditions {
 
 namespace {
 
@@ -134,4 +134,4 @@ QStringList tokensSeparatedByCharactersFromSet(const QString &self, const Charac
     return tokens;
 }
 
-} // namespace ROZ_NSStringAdditions
+} // namespace StringAdditions

@@ -11,7 +11,7 @@ QVariantList dictionariesFromText(const QString &text)
     QVariantList records;
     QStringList keys;
     bool haveKeys = false;
-    for (const QString &line : ROZ_NSStringAdditions::paragraphs(text)) {
+    for (const QString &line : StringAdditions::paragraphs(text)) {
         if (line.isEmpty() || line.startsWith(u'#'))
             continue;
         const QStringList fields = line.split(u'\t');

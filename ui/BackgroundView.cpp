@@ -5,12 +5,12 @@
 #include <QPixmap>
 
 // A background takes whatever size its window has and never sets it.
-ROZ_BackgroundView::ROZ_BackgroundView(QWidget *parent) : QLabel(parent)
+BackgroundView::BackgroundView(QWidget *parent) : QLabel(parent)
 {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 }
 
-QString ROZ_BackgroundView::imageNameForTag(int tag)
+QString BackgroundView::imageNameForTag(int tag)
 {
     switch (tag) {
     case 1:
@@ -24,7 +24,7 @@ QString ROZ_BackgroundView::imageNameForTag(int tag)
     }
 }
 
-void ROZ_BackgroundView::awakeFromNib()
+void BackgroundView::awakeFromNib()
 {
     setScaledContents(true);
     m_imageName = imageNameForTag(m_tag);

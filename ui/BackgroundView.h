@@ -5,11 +5,12 @@
 // Fills its window with one of four background textures, chosen by the
 // view's "tag" property in the interface file and stretched to the view on
 // both axes.
-class ROZ_BackgroundView : public QLabel {
+class BackgroundView : public QLabel {
     Q_OBJECT
+    Q_CLASSINFO("nomenClassName", "ROZ_BackgroundView")
     Q_PROPERTY(int tag READ tag WRITE setTag)
 public:
-    explicit ROZ_BackgroundView(QWidget *parent = nullptr);
+    explicit BackgroundView(QWidget *parent = nullptr);
 
     int tag() const { return m_tag; }
     void setTag(int tag) { m_tag = tag; }

@@ -49,22 +49,21 @@ QPointF mouseOnScreen()
 
 } // namespace
 
-ROZ_CustomWindow::ROZ_CustomWindow(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+CustomWindow::CustomWindow(QWidget *parent) : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
 {
     setAttribute(Qt::WA_TranslucentBackground);
-    setProperty("nomenClassName", QStringLiteral("ROZ_CustomWindow"));
     setProperty("styleMask", 0);
     setProperty("hasShadow", true);
     WindowLevels::setLevel(this, WindowLevels::floatingKey);
     WindowConstruction::setTransparency(this, 1.0f);
 }
 
-ROZ_CustomWindow::~ROZ_CustomWindow()
+CustomWindow::~CustomWindow()
 {
     stopTimer();
 }
 
-void ROZ_CustomWindow::awakeFromNib()
+void CustomWindow::awakeFromNib()
 {
     m_minHeight = float(minimumHeight()) - titleBarHeight;
     m_maxHeight = float(maximumHeight());
@@ -75,32 +74,32 @@ void ROZ_CustomWindow::awakeFromNib()
     m_lastFrame = frame();
 }
 
-QRectF ROZ_CustomWindow::frame() const
+QRectF CustomWindow::frame() const
 {
     return WindowConstruction::frameOf(this);
 }
 
-void ROZ_CustomWindow::setFrame(const QRectF &frame)
+void CustomWindow::setFrame(const QRectF &frame)
 {
     WindowConstruction::setFrame(this, frame);
 }
 
-void ROZ_CustomWindow::setFrameOrigin(const QPointF &origin)
+void CustomWindow::setFrameOrigin(const QPointF &origin)
 {
     setFrame(QRectF(origin, frame().size()));
 }
 
-void ROZ_CustomWindow::setUserAdjustedFromControl(bool value)
+void CustomWindow::setUserAdjustedFromControl(bool value)
 {
     dragState().userAdjustedFromControl = value;
 }
 
-QPointF ROZ_CustomWindow::locationInWindow(const QMouseEvent *event) const
+QPointF CustomWindow::locationInWindow(const QMouseEvent *event) const
 {
     return {event->position().x(), height() - event->position().y()};
 }
 
-void ROZ_CustomWindow::mouseMoveEvent(QMouseEvent *event)
+void CustomWindow::mouseMoveEvent(QMouseEvent *event)
 {
     if (event->buttons() & Qt::LeftButton)
         mouseDragged(event);
@@ -108,13 +107,13 @@ void ROZ_CustomWindow::mouseMoveEvent(QMouseEvent *event)
         QWidget::mouseMoveEvent(event);
 }
 
-void ROZ_CustomWindow::mouseReleaseEvent(QMouseEvent *event)
+void CustomWindow::mouseReleaseEvent(QMouseEvent *event)
 {
     dragState().shouldRedoInitials = true;
     QWidget::mouseReleaseEvent(event);
 }
 
-void ROZ_CustomWindow::mouseDragged(QMouseEvent *event)
+void CustomWindow::mouseDragged(QMouseEvent *event)
 {
     DragState &drag = dragState();
     if (drag.shouldRedoInitials) {
@@ -131,7 +130,7 @@ void ROZ_CustomWindow::mouseDragged(QMouseEvent *event)
     }
 }
 
-void ROZ_CustomWindow::takeInitials(QMouseEvent *event)
+void CustomWindow::takeInitials(QMouseEvent *event)
 {
     m_initialLocation = locationInWindow(event);
     m_initialFrame = frame();
@@ -145,7 +144,7 @@ void ROZ_CustomWindow::takeInitials(QMouseEvent *event)
 }
 
 // The top edge stays put while the bottom edge follows the mouse.
-void ROZ_CustomWindow::resizeFromCorner()
+void CustomWindow::resizeFromCorner()
 {
     const qreal dy = mouseOnScreen().y() - m_initialLocationOnScreen.y();
     const qreal h = m_initialFrame.height() - dy;
@@ -163,7 +162,7 @@ void ROZ_CustomWindow::resizeFromCorner()
 }
 
 // The window never rises under the desktop's top panel.
-void ROZ_CustomWindow::moveWithMouse()
+void CustomWindow::moveWithMouse()
 {
     m_currentLocation = mouseOnScreen();
     QPointF origin = m_currentLocation - m_initialLocation;
@@ -172,17 +171,17 @@ void ROZ_CustomWindow::moveWithMouse()
     setFrameOrigin(origin);
 }
 
-void ROZ_CustomWindow::moveEvent(QMoveEvent *event)
+void CustomWindow::moveEvent(QMoveEvent *event)
 {
     QWidget::moveEvent(event);
     if (isWindow() && isVisible())
         windowMoved();
 }
 
-void ROZ_CustomWindow::windowMoved()
+void CustomWindow::windowMoved()
 {
     const QList<QScreen *> screens = QGuiApplication::screens();
-    if (screens.isEmpty() || screen() != screens.first() || ROZ_NSEventAdditions::isOptionKeyDown())
+    if (screens.isEmpty() || screen() != screens.first() || ModifierKeys::isOptionKeyDown())
         return;
     const QRectF now = frame();
     const QSizeF screenSize = ScreenPoints::frameOf(screen()).size();
@@ -208,7 +207,7 @@ void ROZ_CustomWindow::windowMoved()
     drag.userAdjustedFromControl = false;
 }
 
-void ROZ_CustomWindow::springCoordinate(Coordinate coordinate, float value, QPointF &point)
+void CustomWindow::springCoordinate(Coordinate coordinate, float value, QPointF &point)
 {
     if (coordinate == Coordinate::X)
         point.setX(value);
@@ -217,7 +216,7 @@ void ROZ_CustomWindow::springCoordinate(Coordinate coordinate, float value, QPoi
     setFrameOrigin(point);
 }
 
-QRectF ROZ_CustomWindow::windowWillUseStandardFrame(const QRectF &defaultFrame)
+QRectF CustomWindow::windowWillUseStandardFrame(const QRectF &defaultFrame)
 {
     const QRectF current = frame();
     if (!(m_canResize && m_canMove))
@@ -230,12 +229,12 @@ QRectF ROZ_CustomWindow::windowWillUseStandardFrame(const QRectF &defaultFrame)
                                                  std::min(visible.height(), qreal(m_maxHeight))));
 }
 
-void ROZ_CustomWindow::zoom()
+void CustomWindow::zoom()
 {
     setFrame(windowWillUseStandardFrame(ScreenPoints::visibleFrameOf(screen())));
 }
 
-void ROZ_CustomWindow::startTimer(void (ROZ_CustomWindow::*step)())
+void CustomWindow::startTimer(void (CustomWindow::*step)())
 {
     stopTimer();
     m_timer = new QTimer(this);
@@ -244,22 +243,22 @@ void ROZ_CustomWindow::startTimer(void (ROZ_CustomWindow::*step)())
     m_timer->start();
 }
 
-void ROZ_CustomWindow::stopTimer()
+void CustomWindow::stopTimer()
 {
     delete m_timer;
     m_timer = nullptr;
 }
 
-void ROZ_CustomWindow::openWithFade()
+void CustomWindow::openWithFade()
 {
     WindowConstruction::setTransparency(this, 0.0f);
     show();
     raise();
     activateWindow();
-    startTimer(&ROZ_CustomWindow::fadeIn);
+    startTimer(&CustomWindow::fadeIn);
 }
 
-void ROZ_CustomWindow::fadeIn()
+void CustomWindow::fadeIn()
 {
     float alpha = WindowConstruction::alphaOf(this);
     if (alpha < 1.0f)
@@ -270,7 +269,7 @@ void ROZ_CustomWindow::fadeIn()
         stopTimer();
 }
 
-void ROZ_CustomWindow::fade()
+void CustomWindow::fade()
 {
     float alpha = WindowConstruction::alphaOf(this);
     if (alpha > 0.0f)
@@ -284,16 +283,16 @@ void ROZ_CustomWindow::fade()
     }
 }
 
-void ROZ_CustomWindow::close()
+void CustomWindow::close()
 {
     if (m_useFade) {
-        startTimer(&ROZ_CustomWindow::fade);
+        startTimer(&CustomWindow::fade);
         return;
     }
     orderOutAndRelease();
 }
 
-void ROZ_CustomWindow::orderOutAndRelease()
+void CustomWindow::orderOutAndRelease()
 {
     hide();
     if (m_controller && m_controller->metaObject()->indexOfMethod("closeAndRelease()") >= 0)
@@ -302,7 +301,7 @@ void ROZ_CustomWindow::orderOutAndRelease()
 
 // A close asked for by the window manager or a close button goes the same
 // way: the window is put away, not destroyed.
-void ROZ_CustomWindow::closeEvent(QCloseEvent *event)
+void CustomWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore();
     if (!m_timer)
@@ -328,7 +327,7 @@ void click(QWidget *control)
 } // namespace
 
 // A disabled control still takes its key, so the key goes nowhere else.
-void ROZ_CustomWindow::keyPressEvent(QKeyEvent *event)
+void CustomWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape && m_cancelObject) {
         click(m_cancelObject);

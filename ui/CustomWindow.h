@@ -15,11 +15,12 @@ class QTimer;
 //
 // Frames, points and limits are in screen coordinates with the origin at the
 // bottom left of the main screen, as scripts give them.
-class ROZ_CustomWindow : public QWidget {
+class CustomWindow : public QWidget {
     Q_OBJECT
+    Q_CLASSINFO("nomenClassName", "ROZ_CustomWindow")
 public:
-    explicit ROZ_CustomWindow(QWidget *parent = nullptr);
-    ~ROZ_CustomWindow() override;
+    explicit CustomWindow(QWidget *parent = nullptr);
+    ~CustomWindow() override;
 
     // After loading from an interface file: the limits come from the file's
     // minimum and maximum sizes, less the title bar this window lacks (22)
@@ -88,7 +89,7 @@ private:
     void takeInitials(QMouseEvent *event);
     void resizeFromCorner();
     void moveWithMouse();
-    void startTimer(void (ROZ_CustomWindow::*step)());
+    void startTimer(void (CustomWindow::*step)());
     void stopTimer();
     void fadeIn();
     void fade();

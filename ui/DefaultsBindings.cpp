@@ -18,7 +18,7 @@ QString keyOf(const QWidget *control)
 
 void writeBack(QWidget *control)
 {
-    ROZ_UserDefaults::writeDefault(OutletValues::contentsOf(control), keyOf(control));
+    UserDefaults::writeDefault(OutletValues::contentsOf(control), keyOf(control));
 }
 
 // Only what the user does is written back: a value set by the program
@@ -45,7 +45,7 @@ void bind(QWidget *window)
     for (QWidget *control : window->findChildren<QWidget *>()) {
         if (!isBound(control))
             continue;
-        const QVariant value = ROZ_UserDefaults::readDefault(keyOf(control));
+        const QVariant value = UserDefaults::readDefault(keyOf(control));
         if (value.isValid())
             OutletValues::setContents(control, value);
         watch(control);
@@ -54,7 +54,7 @@ void bind(QWidget *window)
 
 void updateValue(QWidget *window, const QVariant &value, const QString &key)
 {
-    ROZ_UserDefaults::writeDefault(value, key);
+    UserDefaults::writeDefault(value, key);
     if (!window)
         return;
     for (QWidget *control : window->findChildren<QWidget *>())

@@ -13,12 +13,12 @@ namespace Dialogs {
 
 void showMessage(const QString &title, const QString &text)
 {
-    ROZ_MiscMethods::displayInformational(title, Alerts::literal(text), Alerts::localized("OK"));
+    MiscMethods::displayInformational(title, Alerts::literal(text), Alerts::localized("OK"));
 }
 
 void showError(const QString &title, const QString &text)
 {
-    ROZ_MiscMethods::displayError(title, Alerts::literal(text), nullptr);
+    MiscMethods::displayError(title, Alerts::literal(text), nullptr);
 }
 
 QString askQuestion(QWidget *window, const QString &title, const QString &text, const QStringList &buttons)

@@ -27,7 +27,7 @@ QList<UserInput::KeyStroke> strokesFrom(const QVariantList &records)
 void registerInputAndSpeechMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString M = ROZ_MiscMethodsClass;
+    const QString M = MiscMethodsClass;
     addClassMethod(registry, M, QStringLiteral("moveMouseToPointX:andY:"),
                    +[](float x, float y) { UserInput::moveMouseTo({x, y}); });
     addClassMethod(registry, M, QStringLiteral("getCurrentMouseLocation"), +[] { return UserInput::mouseLocation(); });

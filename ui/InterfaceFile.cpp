@@ -24,11 +24,11 @@ public:
     {
         QWidget *widget = m_factory ? m_factory(className, parent, name) : nullptr;
         if (!widget && className == QLatin1String("ROZ_CustomWindow")) {
-            auto *window = new ROZ_CustomWindow(parent);
+            auto *window = new CustomWindow(parent);
             m_windows.append(window);
             widget = window;
         } else if (!widget && className == QLatin1String("ROZ_BackgroundView")) {
-            auto *view = new ROZ_BackgroundView(parent);
+            auto *view = new BackgroundView(parent);
             m_views.append(view);
             widget = view;
         }
@@ -40,16 +40,16 @@ public:
 
     void awakeFromNib()
     {
-        for (ROZ_CustomWindow *window : std::as_const(m_windows))
+        for (CustomWindow *window : std::as_const(m_windows))
             window->awakeFromNib();
-        for (ROZ_BackgroundView *view : std::as_const(m_views))
+        for (BackgroundView *view : std::as_const(m_views))
             view->awakeFromNib();
     }
 
 private:
     const InterfaceFile::WidgetFactory &m_factory;
-    QList<ROZ_CustomWindow *> m_windows;
-    QList<ROZ_BackgroundView *> m_views;
+    QList<CustomWindow *> m_windows;
+    QList<BackgroundView *> m_views;
 };
 
 // Fields for short entries (numbers, extensions) are as wide as the

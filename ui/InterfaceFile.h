@@ -8,7 +8,7 @@
 // The main window as the interface file describes it. Its controls are its
 // outlets, found by object name; one the file lacks is not connected
 // (nullptr). Without the file the window is empty. Widgets the file
-// promotes to ROZ_CustomWindow or ROZ_BackgroundView are made as those.
+// promotes to CustomWindow or BackgroundView are made as those.
 class InterfaceFile {
 public:
     // Makes a widget of the caller's own for (class, parent, object name),

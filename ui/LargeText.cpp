@@ -26,9 +26,9 @@ QFont boldFont(float size)
 std::optional<float> largestFromDefaults()
 {
     const QString key = QStringLiteral("maxLargeTypeFontSize");
-    if (!ROZ_UserDefaults::defaultExists(key))
+    if (!UserDefaults::defaultExists(key))
         return std::nullopt;
-    return ROZ_UserDefaults::readDefault(key).toFloat();
+    return UserDefaults::readDefault(key).toFloat();
 }
 
 void setText(QWidget *field, const QString &text, const QFont &font)

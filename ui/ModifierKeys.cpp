@@ -4,7 +4,7 @@
 
 #include <X11/X.h>
 
-namespace ROZ_NSEventAdditions {
+namespace ModifierKeys {
 
 namespace {
 
@@ -38,4 +38,4 @@ bool isShiftKeyDown() { return isDown(shiftBit); }
 bool isOptionKeyDown() { return isDown(optionBit); }
 bool isControlKeyDown() { return isDown(controlBit); }
 
-} // namespace ROZ_NSEventAdditions
+} // namespace ModifierKeys

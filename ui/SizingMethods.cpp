@@ -33,7 +33,7 @@ QColor colorFrom(const QVariant &value, int index)
 void registerSizingMethods(MethodRegistry &registry)
 {
     using NativeBinding::addClassMethod;
-    const QString M = ROZ_MiscMethodsClass;
+    const QString M = MiscMethodsClass;
     addClassMethod(registry, M, QStringLiteral("showLargeText:inTextField:inWindow:"),
                    +[](const QString &text, QWidget *field, QWidget *window) { LargeText::show(text, field, window); });
     addClassMethod(registry, M, QStringLiteral("fitTextFieldToText:withOffset:smallestAllowableSize:adjustFromTop:"),

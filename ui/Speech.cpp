@@ -78,10 +78,10 @@ QStringList voiceNames()
 
 void speak(const QString &text, const QString &voiceName)
 {
-    if (ROZ_NSStringAdditions::isBlankString(text))
+    if (StringAdditions::isBlankString(text))
         return;
     QTextToSpeech engine;
-    if (!ROZ_NSStringAdditions::isBlankString(voiceName)) {
+    if (!StringAdditions::isBlankString(voiceName)) {
         const QList<QVoice> voices = engine.availableVoices();
         for (const QVoice &voice : voices)
             if (voice.name() == voiceName) {

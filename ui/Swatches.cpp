@@ -68,7 +68,7 @@ bool write(const QImage &image, const QString &path)
 {
     static const QList<std::pair<QString, const char *>> formats{
         {QStringLiteral("jpg"), "JPEG"}, {QStringLiteral("png"), "PNG"}, {QStringLiteral("tif"), "TIFF"}};
-    const QString posix = ROZ_PathConversion::pathPOSIX(expandTilde(path));
+    const QString posix = PathConversion::pathPOSIX(expandTilde(path));
     const QString extension = QFileInfo(posix).suffix();
     for (const auto &[suffix, format] : formats) {
         if (extension != suffix)

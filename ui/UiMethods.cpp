@@ -26,13 +26,13 @@ using WindowConstruction::Decorations;
 using WindowConstruction::Kind;
 
 template <auto Getter>
-auto get(ROZ_CustomWindow *window)
+auto get(CustomWindow *window)
 {
     return (window->*Getter)();
 }
 
 template <auto Setter, typename Value>
-void set(ROZ_CustomWindow *window, Value value)
+void set(CustomWindow *window, Value value)
 {
     (window->*Setter)(value);
 }
@@ -69,7 +69,7 @@ QVariant rtfPath(const QString &name)
 
 void registerCustomWindow(MethodRegistry &registry)
 {
-    using W = ROZ_CustomWindow;
+    using W = CustomWindow;
     const QString C = QStringLiteral("ROZ_CustomWindow");
     addClassMethod(registry, C, QStringLiteral("initWithContentRect:styleMask:backing:defer:"),
                    +[](const QRectF &rect, int, int, bool) -> QObject * {
@@ -155,7 +155,7 @@ void registerWindowBasics(MethodRegistry &registry, const QString &C)
 
 void registerWindowConstruction(MethodRegistry &registry)
 {
-    const QString M = ROZ_MiscMethodsClass;
+    const QString M = MiscMethodsClass;
     addClassMethod(registry, M, QStringLiteral("makeWindow:useBorder:useTexture:isCloseable:isMiniaturizable:isResizable:isUnified:"),
                    +[](const QRectF &rect, bool border, bool texture, bool closable, bool mini, bool resizable, bool unified) {
                        return makeWindow(Kind::Window, rect, {border, texture, closable, mini, resizable, unified});
@@ -208,16 +208,16 @@ void registerDateFormatter(MethodRegistry &registry)
 void registerViewsAndKeys(MethodRegistry &registry)
 {
     const QString V = QStringLiteral("ROZ_BackgroundView");
-    addInstanceMethod(registry, V, QStringLiteral("awakeFromNib"), +[](ROZ_BackgroundView *view) { view->awakeFromNib(); });
-    addInstanceMethod(registry, V, QStringLiteral("tag"), +[](ROZ_BackgroundView *view) { return view->tag(); });
-    addInstanceMethod(registry, V, QStringLiteral("setTag:"), +[](ROZ_BackgroundView *view, int tag) { view->setTag(tag); });
-    addInstanceMethod(registry, V, QStringLiteral("imageName"), +[](ROZ_BackgroundView *view) { return view->imageName(); });
+    addInstanceMethod(registry, V, QStringLiteral("awakeFromNib"), +[](BackgroundView *view) { view->awakeFromNib(); });
+    addInstanceMethod(registry, V, QStringLiteral("tag"), +[](BackgroundView *view) { return view->tag(); });
+    addInstanceMethod(registry, V, QStringLiteral("setTag:"), +[](BackgroundView *view, int tag) { view->setTag(tag); });
+    addInstanceMethod(registry, V, QStringLiteral("imageName"), +[](BackgroundView *view) { return view->imageName(); });
     // The category's methods, under its own name and the class it extends.
     for (const QString &C : {QStringLiteral("ROZ_NSEventAdditions"), QStringLiteral("NSEvent")}) {
-        addClassMethod(registry, C, QStringLiteral("isCommandKeyDown"), &ROZ_NSEventAdditions::isCommandKeyDown);
-        addClassMethod(registry, C, QStringLiteral("isShiftKeyDown"), &ROZ_NSEventAdditions::isShiftKeyDown);
-        addClassMethod(registry, C, QStringLiteral("isOptionKeyDown"), &ROZ_NSEventAdditions::isOptionKeyDown);
-        addClassMethod(registry, C, QStringLiteral("isControlKeyDown"), &ROZ_NSEventAdditions::isControlKeyDown);
+        addClassMethod(registry, C, QStringLiteral("isCommandKeyDown"), &ModifierKeys::isCommandKeyDown);
+        addClassMethod(registry, C, QStringLiteral("isShiftKeyDown"), &ModifierKeys::isShiftKeyDown);
+        addClassMethod(registry, C, QStringLiteral("isOptionKeyDown"), &ModifierKeys::isOptionKeyDown);
+        addClassMethod(registry, C, QStringLiteral("isControlKeyDown"), &ModifierKeys::isControlKeyDown);
     }
 }
 

@@ -2,9 +2,9 @@
 
 class MethodRegistry;
 
-// The windows, views, menus and keys scripts reach: ROZ_CustomWindow,
-// ROZ_BackgroundView, ROZ_NSEventAdditions and the window and menu class
-// methods of ROZ_MiscMethods.
+// The windows, views, menus and keys scripts reach: CustomWindow,
+// BackgroundView, ModifierKeys and the window and menu class
+// methods of MiscMethods.
 void registerUiMethods(MethodRegistry &registry);
 // Posted pointer and key input, and speech.
 void registerInputAndSpeechMethods(MethodRegistry &registry);

@@ -16,7 +16,7 @@ namespace UserInput {
 
 KeyStroke KeyStroke::fromRecord(const QVariantMap &record)
 {
-    using namespace ROZ_NSDictionaryAdditions;
+    using namespace DictionaryAdditions;
     // Numbers and booleans as scripts give them; text as the platform reads it.
     const auto number = [&](const char *key) {
         const QVariant value = record.value(QLatin1String(key));

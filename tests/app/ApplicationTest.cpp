@@ -283,8 +283,8 @@ TEST(Batch, ARequestForMoreRowsThanTheTableHoldsIsRefused)
 // changes are not written back.
 TEST(Defaults, BoundControlsFollowTheirKeyBothWays)
 {
-    ROZ_UserDefaults::writeDefault("stored", "greeting");
-    ROZ_UserDefaults::writeDefault(true, "flag");
+    UserDefaults::writeDefault("stored", "greeting");
+    UserDefaults::writeDefault(true, "flag");
     QWidget window;
     auto *field = new QLineEdit(&window);
     auto *mirror = new QLineEdit(&window);
@@ -302,21 +302,21 @@ TEST(Defaults, BoundControlsFollowTheirKeyBothWays)
     EXPECT_TRUE(box->isChecked());
 
     type(field, "!");
-    EXPECT_EQ(ROZ_UserDefaults::readDefault("greeting"), QVariant("stored!"));
+    EXPECT_EQ(UserDefaults::readDefault("greeting"), QVariant("stored!"));
     box->click();
-    EXPECT_EQ(ROZ_UserDefaults::readDefault("flag"), QVariant(false));
+    EXPECT_EQ(UserDefaults::readDefault("flag"), QVariant(false));
     popup->setCurrentIndex(1);
-    EXPECT_FALSE(ROZ_UserDefaults::defaultExists("choice")) << "a change the program makes is not the user's";
+    EXPECT_FALSE(UserDefaults::defaultExists("choice")) << "a change the program makes is not the user's";
     emit popup->activated(2);
     popup->setCurrentIndex(2);
     emit popup->activated(2);
-    EXPECT_EQ(ROZ_UserDefaults::readDefault("choice"), QVariant("three"));
+    EXPECT_EQ(UserDefaults::readDefault("choice"), QVariant("three"));
 
     DefaultsBindings::updateValue(&window, "from script", "greeting");
     EXPECT_EQ(field->text(), "from script");
     EXPECT_EQ(mirror->text(), "from script");
     EXPECT_EQ(loose->text(), "");
-    EXPECT_EQ(ROZ_UserDefaults::readDefault("greeting"), QVariant("from script"));
+    EXPECT_EQ(UserDefaults::readDefault("greeting"), QVariant("from script"));
     DefaultsBindings::updateValue(&window, "two", "choice");
     EXPECT_EQ(popup->currentIndex(), 1);
 }

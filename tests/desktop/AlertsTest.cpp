@@ -15,7 +15,7 @@
 
 namespace {
 
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 QMessageBox *openBox()
 {

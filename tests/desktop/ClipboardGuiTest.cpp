@@ -20,7 +20,7 @@
 
 namespace {
 
-using namespace ROZ_GlobalKeys;
+using namespace GlobalKeys;
 
 void putTwoFormats()
 {
@@ -34,17 +34,17 @@ TEST(Clipboard, SavesAndRestoresEveryFormat)
 {
     putTwoFormats();
     ASSERT_TRUE(QApplication::clipboard()->ownsClipboard()) << "we own the X CLIPBOARD selection";
-    const QVariantMap saved = ROZ_MiscMethods::returnClipboard();
-    const QStringList types = saved.value(ROZ_pbTypesKey).toStringList();
+    const QVariantMap saved = MiscMethods::returnClipboard();
+    const QStringList types = saved.value(pbTypesKey).toStringList();
     EXPECT_TRUE(types.contains(QStringLiteral("text/plain")));
     EXPECT_TRUE(types.contains(QStringLiteral("application/x-nomen-test")));
-    EXPECT_EQ(saved.value(ROZ_returnDataKey).toList().size(), types.size());
+    EXPECT_EQ(saved.value(returnDataKey).toList().size(), types.size());
 
-    EXPECT_TRUE(ROZ_MiscMethods::setClipboard(QStringLiteral("replacement")));
-    EXPECT_EQ(ROZ_MiscMethods::returnClipboardString(), QStringLiteral("replacement"));
+    EXPECT_TRUE(MiscMethods::setClipboard(QStringLiteral("replacement")));
+    EXPECT_EQ(MiscMethods::returnClipboardString(), QStringLiteral("replacement"));
     EXPECT_FALSE(QApplication::clipboard()->mimeData()->hasFormat(QStringLiteral("application/x-nomen-test")));
 
-    ROZ_MiscMethods::resetClipboard(saved);
+    MiscMethods::resetClipboard(saved);
     const QMimeData *back = QApplication::clipboard()->mimeData();
     EXPECT_EQ(back->text(), QStringLiteral("plain words"));
     EXPECT_EQ(back->data(QStringLiteral("application/x-nomen-test")), QByteArray("\x00\x01\xfe\xff", 4));
@@ -53,26 +53,26 @@ TEST(Clipboard, SavesAndRestoresEveryFormat)
 TEST(Clipboard, AnEmptyClipboardSavesAsEmptyListsAndRestoresEmpty)
 {
     QApplication::clipboard()->clear();
-    const QVariantMap saved = ROZ_MiscMethods::returnClipboard();
-    EXPECT_EQ(saved.value(ROZ_returnDataKey).toList().size(), 0);
-    EXPECT_EQ(saved.value(ROZ_pbTypesKey).toStringList().size(), 0);
-    EXPECT_EQ(ROZ_MiscMethods::returnClipboardString(), std::nullopt);
-    ROZ_MiscMethods::setClipboard(QStringLiteral("something"));
-    ROZ_MiscMethods::resetClipboard(saved);
-    EXPECT_EQ(ROZ_MiscMethods::returnClipboardString(), std::nullopt);
+    const QVariantMap saved = MiscMethods::returnClipboard();
+    EXPECT_EQ(saved.value(returnDataKey).toList().size(), 0);
+    EXPECT_EQ(saved.value(pbTypesKey).toStringList().size(), 0);
+    EXPECT_EQ(MiscMethods::returnClipboardString(), std::nullopt);
+    MiscMethods::setClipboard(QStringLiteral("something"));
+    MiscMethods::resetClipboard(saved);
+    EXPECT_EQ(MiscMethods::returnClipboardString(), std::nullopt);
 }
 
 TEST(Clipboard, AnEntryThatIsNotDataIsLoggedAndSkipped)
 {
     const QVariantMap saved = {
-        {ROZ_pbTypesKey, QStringList{"text/plain", "application/x-bad"}},
-        {ROZ_returnDataKey, QVariantList{QVariantMap{{ROZ_the_dataKey, 42}, {ROZ_data_typeKey, "application/x-bad"}},
-                                         QVariantMap{{ROZ_the_dataKey, QByteArray("kept")},
-                                                     {ROZ_data_typeKey, "text/plain"}}}}};
+        {pbTypesKey, QStringList{"text/plain", "application/x-bad"}},
+        {returnDataKey, QVariantList{QVariantMap{{the_dataKey, 42}, {data_typeKey, "application/x-bad"}},
+                                         QVariantMap{{the_dataKey, QByteArray("kept")},
+                                                     {data_typeKey, "text/plain"}}}}};
     testing::internal::CaptureStderr();
-    ROZ_MiscMethods::resetClipboard(saved);
+    MiscMethods::resetClipboard(saved);
     const QString logged = QString::fromStdString(testing::internal::GetCapturedStderr());
-    EXPECT_EQ(ROZ_MiscMethods::returnClipboardString(), QStringLiteral("kept"));
+    EXPECT_EQ(MiscMethods::returnClipboardString(), QStringLiteral("kept"));
     EXPECT_TRUE(logged.contains(QStringLiteral("application/x-bad: application/x-bad"))) << logged.toStdString();
 }
 
@@ -99,14 +99,14 @@ TEST(PasteAndRestore, PastesIntoTheFocusedFieldThenPutsTheOldClipboardBack)
     field->setFocus();
     ASSERT_TRUE(waitFor([&] { return QApplication::focusWidget() == field && window.isActiveWindow(); }));
 
-    ROZ_MiscMethods::pasteAndRestore(QStringLiteral("IMG_0042 beach.jpg"));
+    MiscMethods::pasteAndRestore(QStringLiteral("IMG_0042 beach.jpg"));
     EXPECT_TRUE(waitFor([&] { return field->text() == QLatin1String("IMG_0042 beach.jpg"); })) << field->text().toStdString();
 
     // A screenshot of what a person would see.
     if (const QString file = screenshotFile(QStringLiteral("paste.png")); !file.isEmpty())
         window.grab().save(file);
 
-    EXPECT_TRUE(waitFor([] { return ROZ_MiscMethods::returnClipboardString() == QStringLiteral("plain words"); }));
+    EXPECT_TRUE(waitFor([] { return MiscMethods::returnClipboardString() == QStringLiteral("plain words"); }));
     EXPECT_EQ(QApplication::clipboard()->mimeData()->data(QStringLiteral("application/x-nomen-test")),
               QByteArray("\x00\x01\xfe\xff", 4));
 }

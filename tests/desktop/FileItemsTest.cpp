@@ -15,7 +15,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 namespace {
 
@@ -23,10 +23,10 @@ class FileItems : public testing::Test {
 protected:
     void SetUp() override
     {
-        ROZ_PathConversion::setRootVolumeName(QStringLiteral("Disk"));
+        PathConversion::setRootVolumeName(QStringLiteral("Disk"));
         ASSERT_TRUE(dir.isValid());
     }
-    void TearDown() override { ROZ_PathConversion::setRootVolumeName(QString()); }
+    void TearDown() override { PathConversion::setRootVolumeName(QString()); }
 
     QString make(const QString &relative, const QByteArray &contents = "x")
     {
@@ -48,7 +48,7 @@ protected:
         const QString probe = make(QStringLiteral(".probe"));
         return setxattr(QFile::encodeName(probe).constData(), "user.nomen.probe", "1", 1, 0) == 0;
     }
-    static QString hfs(const QString &path) { return ROZ_PathConversion::pathHFS(path); }
+    static QString hfs(const QString &path) { return PathConversion::pathHFS(path); }
 
     QTemporaryDir dir;
 };

@@ -18,7 +18,7 @@
 
 namespace {
 
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 QByteArray bytes(const QString &path)
 {

@@ -32,32 +32,32 @@ protected:
 
 TEST_F(LoginItems, SettingWritesOneEntryThatStartsThisExecutable)
 {
-    EXPECT_FALSE(ROZ_MiscMethods::returnStartupItem());
-    ROZ_MiscMethods::setStartupItem(true);
-    ROZ_MiscMethods::setStartupItem(true);
-    EXPECT_TRUE(ROZ_MiscMethods::returnStartupItem());
+    EXPECT_FALSE(MiscMethods::returnStartupItem());
+    MiscMethods::setStartupItem(true);
+    MiscMethods::setStartupItem(true);
+    EXPECT_TRUE(MiscMethods::returnStartupItem());
     QFile file(entryPath());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(file.readAll());
     EXPECT_EQ(text.count(QStringLiteral("[Desktop Entry]")), 1);
     EXPECT_TRUE(text.contains(QCoreApplication::applicationFilePath())) << text.toStdString();
-    ROZ_MiscMethods::setStartupItem(false);
+    MiscMethods::setStartupItem(false);
     EXPECT_FALSE(QFile::exists(entryPath()));
-    EXPECT_FALSE(ROZ_MiscMethods::returnStartupItem());
-    ROZ_MiscMethods::setStartupItem(false);
+    EXPECT_FALSE(MiscMethods::returnStartupItem());
+    MiscMethods::setStartupItem(false);
 }
 
 TEST_F(LoginItems, HiddenOrForeignEntriesDoNotCount)
 {
     const QString self = QCoreApplication::applicationFilePath();
     writeEntry(QStringLiteral("[Desktop Entry]\nType=Application\nExec=%1 --flag\n").arg(self));
-    EXPECT_TRUE(ROZ_MiscMethods::returnStartupItem()) << "arguments after the program are fine";
+    EXPECT_TRUE(MiscMethods::returnStartupItem()) << "arguments after the program are fine";
     writeEntry(QStringLiteral("[Desktop Entry]\nExec=\"%1\"\nHidden=true\n").arg(self));
-    EXPECT_FALSE(ROZ_MiscMethods::returnStartupItem());
+    EXPECT_FALSE(MiscMethods::returnStartupItem());
     writeEntry(QStringLiteral("[Desktop Entry]\nExec=/bin/true\n"));
-    EXPECT_FALSE(ROZ_MiscMethods::returnStartupItem());
+    EXPECT_FALSE(MiscMethods::returnStartupItem());
     writeEntry(QStringLiteral("[Other Group]\nExec=%1\n").arg(self));
-    EXPECT_FALSE(ROZ_MiscMethods::returnStartupItem());
+    EXPECT_FALSE(MiscMethods::returnStartupItem());
 }
 
 // A program whose path holds a space, "%", quotes, a backtick, "$" and a

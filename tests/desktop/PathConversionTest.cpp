@@ -4,7 +4,7 @@
 #include <QDir>
 #include <gtest/gtest.h>
 
-using namespace ROZ_PathConversion;
+using namespace PathConversion;
 
 namespace {
 

@@ -16,7 +16,7 @@
 
 #include <memory>
 
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 namespace {
 
@@ -123,15 +123,15 @@ protected:
     void SetUp() override
     {
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(config.path()));
-        ROZ_UserDefaults::registerDefault(QVariant(), QStringLiteral("SMSGatewayURL"));
-        ROZ_UserDefaults::registerDefault(QVariant(), QStringLiteral("ReversePhoneLookupURL"));
-        ROZ_UserDefaults::registerDefault(QVariant(), QStringLiteral("NetworkTimeout"));
+        UserDefaults::registerDefault(QVariant(), QStringLiteral("SMSGatewayURL"));
+        UserDefaults::registerDefault(QVariant(), QStringLiteral("ReversePhoneLookupURL"));
+        UserDefaults::registerDefault(QVariant(), QStringLiteral("NetworkTimeout"));
     }
     void TearDown() override { qunsetenv("XDG_CONFIG_HOME"); }
     static void use(const CannedServer &server)
     {
-        ROZ_UserDefaults::registerDefault(server.address(), QStringLiteral("SMSGatewayURL"));
-        ROZ_UserDefaults::registerDefault(server.address(), QStringLiteral("ReversePhoneLookupURL"));
+        UserDefaults::registerDefault(server.address(), QStringLiteral("SMSGatewayURL"));
+        UserDefaults::registerDefault(server.address(), QStringLiteral("ReversePhoneLookupURL"));
     }
     QTemporaryDir config;
 };
@@ -155,9 +155,9 @@ TEST_F(PhoneServicesTest, TheGatewayGetsTheFormAndAnswersWhetherItWasSent)
     EXPECT_FALSE(M::sendGoogleSMS("hello", "", "5551234567", "verizon")) << "codes are exact";
     EXPECT_FALSE(M::sendGoogleSMS("hello", "", "5551234567", "ACME"));
     EXPECT_EQ(server.requests.size(), 1);
-    ROZ_UserDefaults::registerDefault(QStringLiteral("file:///etc/"), QStringLiteral("SMSGatewayURL"));
+    UserDefaults::registerDefault(QStringLiteral("file:///etc/"), QStringLiteral("SMSGatewayURL"));
     EXPECT_FALSE(M::sendGoogleSMS("hello", "", "5551234567", "ATT")) << "only web addresses";
-    ROZ_UserDefaults::registerDefault(QVariant(), QStringLiteral("SMSGatewayURL"));
+    UserDefaults::registerDefault(QVariant(), QStringLiteral("SMSGatewayURL"));
     EXPECT_FALSE(M::sendGoogleSMS("hello", "", "5551234567", "ATT")) << "no gateway set";
     EXPECT_EQ(server.requests.size(), 1);
 }
@@ -175,12 +175,12 @@ TEST_F(PhoneServicesTest, TheGatewayFailsOnOtherPagesRefusalsAndSilence)
         ASSERT_TRUE(gone.listen(QHostAddress::LocalHost));
         closedPort = gone.serverPort();
     }
-    ROZ_UserDefaults::registerDefault(QStringLiteral("http://127.0.0.1:%1").arg(closedPort), "SMSGatewayURL");
+    UserDefaults::registerDefault(QStringLiteral("http://127.0.0.1:%1").arg(closedPort), "SMSGatewayURL");
     EXPECT_FALSE(M::sendGoogleSMS("hello", "", "5551234567", "ATT"));
 
     CannedServer silent("", true);
     use(silent);
-    ROZ_UserDefaults::registerDefault(1, QStringLiteral("NetworkTimeout"));
+    UserDefaults::registerDefault(1, QStringLiteral("NetworkTimeout"));
     QDeadlineTimer deadline(20000);
     EXPECT_FALSE(M::sendGoogleSMS("hello", "", "5551234567", "ATT"));
     EXPECT_EQ(M::returnCarrierForMobileNumber("5551234567"), std::nullopt);
@@ -212,7 +212,7 @@ TEST_F(PhoneServicesTest, TheLookupReadsTheProviderFromThePage)
         EXPECT_EQ(M::returnCarrierForMobileNumber(QStringLiteral("5551234567")), code) << page.constData();
     }
     EXPECT_EQ(M::returnCarrierForMobileNumber(QStringLiteral("no number")), std::nullopt);
-    ROZ_UserDefaults::registerDefault(QVariant(), QStringLiteral("ReversePhoneLookupURL"));
+    UserDefaults::registerDefault(QVariant(), QStringLiteral("ReversePhoneLookupURL"));
     EXPECT_EQ(M::returnCarrierForMobileNumber(QStringLiteral("5551234567")), std::nullopt) << "no service set";
 }
 

@@ -23,7 +23,7 @@
 #include "WindowProperties.h"
 #include <memory>
 
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 namespace {
 
@@ -83,7 +83,7 @@ TEST(RunningApplications, AreTheProcessesBehindTheManagedWindows)
     EXPECT_FALSE(applicationOf(me).contains("NSApplicationBundleIdentifier")) << "no entry claims this one";
     EXPECT_EQ(M::returnLaunchedApplications().size(), 3);
     EXPECT_EQ(M::returnLaunchedApplicationProperty("NSApplicationPath", true),
-              QVariantList(3, ROZ_PathConversion::pathHFS(program)));
+              QVariantList(3, PathConversion::pathHFS(program)));
     EXPECT_EQ(M::returnLaunchedApplicationProperty("NSApplicationBundleIdentifier", false),
               QVariantList({"nomen-test-named", "org.example.Claimed"}))
         << "only those that have the key, in the window manager's order";

@@ -17,7 +17,7 @@ namespace {
 QString run(const QString &tool, const std::optional<QStringList> &arguments, const std::optional<QString> &data,
             const QString &directory = QString())
 {
-    return ROZ_MiscMethods::runTask(tool, arguments, data, directory);
+    return MiscMethods::runTask(tool, arguments, data, directory);
 }
 
 const QString sh = QStringLiteral("/bin/sh");

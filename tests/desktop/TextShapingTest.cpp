@@ -14,7 +14,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-using namespace ROZ_TextShaping;
+using namespace TextShaping;
 
 namespace {
 
@@ -119,13 +119,13 @@ TEST(TextShaping, AnAliasIsThePathsBytesAndComesBackAsThePath)
     ASSERT_GE(fd, 0);
     close(fd);
     const QString path = PathCodec::decode(name);
-    EXPECT_EQ(ROZ_PathConversion::aliasData(path), name);
-    const std::optional<Descriptor> alias = ROZ_PathConversion::alias(path);
+    EXPECT_EQ(PathConversion::aliasData(path), name);
+    const std::optional<Descriptor> alias = PathConversion::alias(path);
     ASSERT_TRUE(alias.has_value());
     EXPECT_EQ(alias->descriptorType(), fourCharCode("alis"));
-    EXPECT_EQ(ROZ_ScriptCoertions::objCObjectValue(*alias).toString(), path);
-    EXPECT_FALSE(ROZ_PathConversion::alias(path + QStringLiteral("-gone")).has_value());
-    EXPECT_EQ(ROZ_PathConversion::fsRef(path), QByteArray(80, '\0'));
+    EXPECT_EQ(ScriptCoertions::objCObjectValue(*alias).toString(), path);
+    EXPECT_FALSE(PathConversion::alias(path + QStringLiteral("-gone")).has_value());
+    EXPECT_EQ(PathConversion::fsRef(path), QByteArray(80, '\0'));
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 #include <QTreeView>
 #include <gtest/gtest.h>
 
-using M = ROZ_MiscMethods;
+using M = MiscMethods;
 
 namespace {
 

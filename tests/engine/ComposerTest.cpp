@@ -210,7 +210,7 @@ TEST(CaseInEveryScript, AsIcuMakesIt)
     EXPECT_EQ(differences(names, [&](const QString &t) { return composer.changeCase(t, RenameRule::Case::Upper); }, "Any-Upper"), "");
     EXPECT_EQ(differences(names, [&](const QString &t) { return composer.changeCase(t, RenameRule::Case::Lower); }, "Any-Lower"), "");
     // Accents go as the decomposition's marks go; the rest stays decomposed.
-    EXPECT_EQ(differences(names, &ROZ_NSStringAdditions::stripDiacritical, "::NFD; [:M:] > ;"), "");
+    EXPECT_EQ(differences(names, &StringAdditions::stripDiacritical, "::NFD; [:M:] > ;"), "");
     // ICU titles a word at its first letter; here every word starts with one.
     QStringList sentences;
     const QStringList &words = NameCorpus::letterWords();

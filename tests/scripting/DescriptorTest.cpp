@@ -6,7 +6,7 @@
 #include <QRectF>
 #include <gtest/gtest.h>
 
-using namespace ROZ_ScriptCoertions;
+using namespace ScriptCoertions;
 
 namespace {
 
@@ -125,34 +125,34 @@ TEST(NumericDescriptors, RoutesByByteCount)
 {
     const QVariant number = QVariant::fromValue(3.75);
     const qint64 wide = 1LL << 33;
-    EXPECT_EQ(typeOf(ROZ_DescriptorValueWithSignedIntP(QVariant(7), &wide, 0)), QStringLiteral("long"));
-    EXPECT_EQ(typeOf(ROZ_DescriptorValueWithSignedIntP(number, &wide, 3)), QStringLiteral("doub"));
-    EXPECT_EQ(float64Value(ROZ_DescriptorValueWithSignedIntP(number, &wide, 8)), 3.75) << "re-reads the number";
-    EXPECT_EQ(typeOf(ROZ_DescriptorValueWithUnsignedIntP(QVariant(7u), &wide, 3)), QStringLiteral("magn"));
-    EXPECT_EQ(typeOf(ROZ_DescriptorValueWithUnsignedIntP(QVariant(7u), &wide, 8)), QStringLiteral("doub"));
-    EXPECT_EQ(typeOf(ROZ_DescriptorValueWithFloatP(number, &wide, 2)), QStringLiteral("sing"));
-    EXPECT_EQ(float64Value(ROZ_DescriptorValueWithFloatP(number, &wide, 16)), 3.75);
+    EXPECT_EQ(typeOf(DescriptorValueWithSignedIntP(QVariant(7), &wide, 0)), QStringLiteral("long"));
+    EXPECT_EQ(typeOf(DescriptorValueWithSignedIntP(number, &wide, 3)), QStringLiteral("doub"));
+    EXPECT_EQ(float64Value(DescriptorValueWithSignedIntP(number, &wide, 8)), 3.75) << "re-reads the number";
+    EXPECT_EQ(typeOf(DescriptorValueWithUnsignedIntP(QVariant(7u), &wide, 3)), QStringLiteral("magn"));
+    EXPECT_EQ(typeOf(DescriptorValueWithUnsignedIntP(QVariant(7u), &wide, 8)), QStringLiteral("doub"));
+    EXPECT_EQ(typeOf(DescriptorValueWithFloatP(number, &wide, 2)), QStringLiteral("sing"));
+    EXPECT_EQ(float64Value(DescriptorValueWithFloatP(number, &wide, 16)), 3.75);
     for (int count : {5, 6, 7})
-        expectRaises([&] { ROZ_DescriptorValueWithFloatP(number, &wide, count); }, NSInvalidArgumentException,
+        expectRaises([&] { DescriptorValueWithFloatP(number, &wide, count); }, NSInvalidArgumentException,
                      QStringLiteral("Cannot create an NSAppleEventDescriptor for float with %1 bytes of data.").arg(count));
 }
 
 TEST(NumericDescriptors, NumberFactoriesTakeTheWidthTheCountGives)
 {
     const quint8 bytes[8] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-    EXPECT_EQ(ROZ_NumberWithSignedIntP(bytes, 1).typeId(), QMetaType::Char);
-    EXPECT_EQ(ROZ_NumberWithSignedIntP(bytes, 2), QVariant::fromValue(short(-1)));
-    EXPECT_EQ(ROZ_NumberWithSignedIntP(bytes, 4), QVariant::fromValue(-1));
-    EXPECT_EQ(ROZ_NumberWithSignedIntP(bytes, 8), QVariant::fromValue(-1LL));
-    EXPECT_EQ(ROZ_NumberWithUnsignedIntP(bytes, 2), QVariant::fromValue<unsigned short>(65535));
-    EXPECT_EQ(ROZ_NumberWithUnsignedIntP(bytes, 8), QVariant::fromValue(~0ULL));
+    EXPECT_EQ(NumberWithSignedIntP(bytes, 1).typeId(), QMetaType::Char);
+    EXPECT_EQ(NumberWithSignedIntP(bytes, 2), QVariant::fromValue(short(-1)));
+    EXPECT_EQ(NumberWithSignedIntP(bytes, 4), QVariant::fromValue(-1));
+    EXPECT_EQ(NumberWithSignedIntP(bytes, 8), QVariant::fromValue(-1LL));
+    EXPECT_EQ(NumberWithUnsignedIntP(bytes, 2), QVariant::fromValue<unsigned short>(65535));
+    EXPECT_EQ(NumberWithUnsignedIntP(bytes, 8), QVariant::fromValue(~0ULL));
     const double d = 0.1;
-    EXPECT_EQ(ROZ_NumberWithFloatP(&d, 8), QVariant::fromValue(0.1f));
-    expectRaises([&] { ROZ_NumberWithSignedIntP(bytes, 3); }, NSInvalidArgumentException,
+    EXPECT_EQ(NumberWithFloatP(&d, 8), QVariant::fromValue(0.1f));
+    expectRaises([&] { NumberWithSignedIntP(bytes, 3); }, NSInvalidArgumentException,
                  QStringLiteral("NSNumber: number with 3 bytes not supported."));
-    expectRaises([&] { ROZ_NumberWithUnsignedIntP(bytes, 16); }, NSInvalidArgumentException,
+    expectRaises([&] { NumberWithUnsignedIntP(bytes, 16); }, NSInvalidArgumentException,
                  QStringLiteral("NSNumber: number with 16 bytes not supported."));
-    expectRaises([&] { ROZ_NumberWithFloatP(bytes, 2); }, NSInvalidArgumentException,
+    expectRaises([&] { NumberWithFloatP(bytes, 2); }, NSInvalidArgumentException,
                  QStringLiteral("NSNumber: floating point number with 2 bytes not supported."));
 }
 

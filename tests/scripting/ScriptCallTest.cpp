@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-using namespace ROZ_ScriptSubroutines;
+using namespace ScriptSubroutines;
 
 namespace {
 
@@ -32,9 +32,9 @@ protected:
 
 TEST_F(ScriptCalls, HandlerNamesAreMatchedInLowerCase)
 {
-    EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("Execute_Perl"), QStringLiteral("s/a/b/")),
+    EXPECT_EQ(runScriptSubroutine(script, QStringLiteral("Execute_Perl"), QStringLiteral("s/a/b/")),
               QVariant(QStringLiteral("ran s/a/b/")));
-    EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("EXECUTE_PERL"), QStringLiteral("x")),
+    EXPECT_EQ(runScriptSubroutine(script, QStringLiteral("EXECUTE_PERL"), QStringLiteral("x")),
               QVariant(QStringLiteral("ran x")));
 }
 
@@ -49,25 +49,25 @@ TEST(HelperScriptFile, LowerCaseHandlerAnswersAMixedCaseCall)
     QVariantMap error;
     std::unique_ptr<CompiledScript> script(CompiledScript::fromFile(methods, file.fileName(), &error));
     ASSERT_NE(script, nullptr) << error.value(QStringLiteral("NSAppleScriptErrorMessage")).toString().toStdString();
-    EXPECT_EQ(ROZ_runScriptSubroutine(*script, QStringLiteral("Execute_Perl"), QStringLiteral("abc")),
+    EXPECT_EQ(runScriptSubroutine(*script, QStringLiteral("Execute_Perl"), QStringLiteral("abc")),
               QVariant(QStringLiteral("cba")));
-    EXPECT_EQ(ROZ_validSubroutinesFromArray({"execute_perl", "Execute_Perl"}, file.fileName()),
+    EXPECT_EQ(validSubroutinesFromArray({"execute_perl", "Execute_Perl"}, file.fileName()),
               QVariant(QVariantList{"execute_perl"}))
         << "the file scan is case-sensitive";
 }
 
 TEST_F(ScriptCalls, ParametersArriveInOrderAndStopAtTheFirstNil)
 {
-    EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("echo_all")), QVariant(QVariantList()));
-    EXPECT_EQ(ROZ_runScriptSubroutineWithParameters(script, QStringLiteral("echo_all"),
+    EXPECT_EQ(runScriptSubroutine(script, QStringLiteral("echo_all")), QVariant(QVariantList()));
+    EXPECT_EQ(runScriptSubroutineWithParameters(script, QStringLiteral("echo_all"),
                                                     {QStringLiteral("a"), QStringLiteral("b"), QVariant(),
                                                      QStringLiteral("c")}),
               QVariant(QVariantList{QStringLiteral("a"), QStringLiteral("b")}));
-    EXPECT_EQ(ROZ_runScriptSubroutineWithParametersFromArray(script, QStringLiteral("echo_all"),
+    EXPECT_EQ(runScriptSubroutineWithParametersFromArray(script, QStringLiteral("echo_all"),
                                                              {1, QStringLiteral("x"), QVariantMap{{"k", true}}}),
               QVariant(QVariantList{1, QStringLiteral("x"), QVariantMap{{"k", true}}}));
     try {
-        ROZ_runScriptSubroutine(script, QStringLiteral("echo_all"), QVariant());
+        runScriptSubroutine(script, QStringLiteral("echo_all"), QVariant());
         FAIL() << "nil parameter accepted";
     } catch (const NamedException &e) {
         EXPECT_EQ(e.name(), NSInvalidArgumentException);
@@ -78,7 +78,7 @@ TEST_F(ScriptCalls, ParametersArriveInOrderAndStopAtTheFirstNil)
 TEST_F(ScriptCalls, ResultsComeBackThroughDescriptors)
 {
     std::optional<QVariantMap> error;
-    const auto raw = ROZ_ExecuteWithoutTranslationSubroutine(script, QStringLiteral("shapes"), &error,
+    const auto raw = ExecuteWithoutTranslationSubroutine(script, QStringLiteral("shapes"), &error,
                                                              Descriptor::list());
     ASSERT_TRUE(raw.has_value());
     EXPECT_FALSE(error.has_value());
@@ -86,8 +86,8 @@ TEST_F(ScriptCalls, ResultsComeBackThroughDescriptors)
     for (qsizetype i = 1; i <= raw->numberOfItems(); ++i)
         types.append(fourCharString(raw->descriptorAtIndex(i)->descriptorType()));
     EXPECT_EQ(types, QStringList({"long", "doub", "utxt", "bool", "null", "type", "ldt ", "reco"}));
-    EXPECT_TRUE(ROZ_ScriptCoertions::isMissingValue(*raw->descriptorAtIndex(6)));
-    const QVariantList values = ROZ_ScriptCoertions::objCObjectValue(*raw).toList();
+    EXPECT_TRUE(ScriptCoertions::isMissingValue(*raw->descriptorAtIndex(6)));
+    const QVariantList values = ScriptCoertions::objCObjectValue(*raw).toList();
     EXPECT_EQ(values[1], QVariant::fromValue(2.5f));
     EXPECT_EQ(values[6].toDateTime(), QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5), Qt::LocalTime));
     EXPECT_EQ(values[7], QVariant(QVariantMap{{"k", QVariantList{1}}}));
@@ -95,13 +95,13 @@ TEST_F(ScriptCalls, ResultsComeBackThroughDescriptors)
 
 TEST_F(ScriptCalls, FailuresComeBackAsTheErrorPair)
 {
-    EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("fails")),
+    EXPECT_EQ(runScriptSubroutine(script, QStringLiteral("fails")),
               QVariant(QVariantList{-2753, QStringLiteral("helper.js:5: Error: it broke")}));
-    const QVariantList plain = ROZ_runScriptSubroutine(script, QStringLiteral("fails_plainly")).toList();
+    const QVariantList plain = runScriptSubroutine(script, QStringLiteral("fails_plainly")).toList();
     ASSERT_EQ(plain.size(), 2);
     EXPECT_EQ(plain[0], QVariant(-2700));
     EXPECT_TRUE(plain[1].toString().contains(QStringLiteral("just text")));
-    const QVariantList missing = ROZ_runScriptSubroutine(script, QStringLiteral("No_Such")).toList();
+    const QVariantList missing = runScriptSubroutine(script, QStringLiteral("No_Such")).toList();
     ASSERT_EQ(missing.size(), 2);
     EXPECT_EQ(missing[0], QVariant(-1708));
     EXPECT_TRUE(missing[1].toString().contains(QStringLiteral("no_such")));
@@ -112,16 +112,16 @@ TEST(HandleASError, PrefersTheFullMessageAndFallsBack)
     const QString number = QStringLiteral("NSAppleScriptErrorNumber");
     const QString full = QStringLiteral("NSAppleScriptErrorMessage");
     const QString brief = QStringLiteral("NSAppleScriptErrorBriefMessage");
-    EXPECT_EQ(ROZ_HandleASError(std::nullopt), QVariant(QString("")));
-    EXPECT_EQ(ROZ_HandleASError(QVariantMap{{number, -2753}, {full, "full"}, {brief, "brief"}}),
+    EXPECT_EQ(HandleASError(std::nullopt), QVariant(QString("")));
+    EXPECT_EQ(HandleASError(QVariantMap{{number, -2753}, {full, "full"}, {brief, "brief"}}),
               QVariant(QVariantList{-2753, "full"}));
-    EXPECT_EQ(ROZ_HandleASError(QVariantMap{{number, 5}, {brief, "brief"}}), QVariant(QVariantList{5, "brief"}));
-    EXPECT_EQ(ROZ_HandleASError(QVariantMap{}), QVariant(QVariantList{0, "Unidentified AppleScript error."}));
+    EXPECT_EQ(HandleASError(QVariantMap{{number, 5}, {brief, "brief"}}), QVariant(QVariantList{5, "brief"}));
+    EXPECT_EQ(HandleASError(QVariantMap{}), QVariant(QVariantList{0, "Unidentified AppleScript error."}));
 }
 
 TEST(HandlerCallEvent, IsAddressedToThisProcessWithTheLowerCasedName)
 {
-    const Descriptor parameters = ROZ_ScriptCoertions::aeDescriptorValue(QVariantList{QStringLiteral("a")});
+    const Descriptor parameters = ScriptCoertions::aeDescriptorValue(QVariantList{QStringLiteral("a")});
     const Descriptor event = handlerCallEvent(QStringLiteral("Get_EXIF_Image"), parameters);
     EXPECT_EQ(fourCharString(event.descriptorType()), QStringLiteral("aevt"));
     EXPECT_EQ(fourCharString(event.eventClass()), QStringLiteral("ascr"));
@@ -158,8 +158,8 @@ TEST(CompiledScriptLoading, TopLevelRunsOnceBeforeTheFirstHandler)
 {
     const MethodRegistry methods = buildMethodTable();
     CompiledScript script(methods, QStringLiteral("var calls = 0; function count() { return ++calls; }"));
-    EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("count")), QVariant(1));
-    EXPECT_EQ(ROZ_runScriptSubroutine(script, QStringLiteral("count")), QVariant(2));
+    EXPECT_EQ(runScriptSubroutine(script, QStringLiteral("count")), QVariant(1));
+    EXPECT_EQ(runScriptSubroutine(script, QStringLiteral("count")), QVariant(2));
 }
 
 TEST(ScriptFiles, HandlerNamesAreFoundAsByteSubstrings)
@@ -169,22 +169,22 @@ TEST(ScriptFiles, HandlerNamesAreFoundAsByteSubstrings)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("function foo() {}\n");
     file.close();
-    EXPECT_EQ(ROZ_validSubroutinesFromArray({"foo", "fo", "bar", "Foo", QString::fromUtf8("fé")}, file.fileName()),
+    EXPECT_EQ(validSubroutinesFromArray({"foo", "fo", "bar", "Foo", QString::fromUtf8("fé")}, file.fileName()),
               QVariant(QVariantList{"foo", "fo", QString::fromUtf8("fé")}))
         << "a name with no ASCII form searches for nothing, which is found";
-    EXPECT_EQ(ROZ_subroutinesInScriptFile(file.fileName()), QVariant(QVariantList()));
-    EXPECT_FALSE(ROZ_validSubroutinesFromArray({"foo"}, dir.filePath(QStringLiteral("missing"))).isValid());
-    EXPECT_FALSE(ROZ_subroutinesInScriptFile(dir.filePath(QStringLiteral("missing"))).isValid());
+    EXPECT_EQ(subroutinesInScriptFile(file.fileName()), QVariant(QVariantList()));
+    EXPECT_FALSE(validSubroutinesFromArray({"foo"}, dir.filePath(QStringLiteral("missing"))).isValid());
+    EXPECT_FALSE(subroutinesInScriptFile(dir.filePath(QStringLiteral("missing"))).isValid());
     QFile empty(dir.filePath(QStringLiteral("empty.scpt")));
     ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
     empty.close();
-    EXPECT_FALSE(ROZ_subroutinesInScriptFile(empty.fileName()).isValid());
+    EXPECT_FALSE(subroutinesInScriptFile(empty.fileName()).isValid());
 }
 
 TEST(ByteSearch, FindsTheFirstOccurrence)
 {
-    using ROZ_NSDataAdditions::NotFound;
-    using ROZ_NSDataAdditions::offsetOfData;
+    using DataAdditions::NotFound;
+    using DataAdditions::offsetOfData;
     EXPECT_EQ(offsetOfData(QByteArray("abcabc"), QByteArray()), 0);
     EXPECT_EQ(offsetOfData(QByteArray(), QByteArray()), 0);
     EXPECT_EQ(offsetOfData(QByteArray("abcabc"), QByteArray("ca")), 2);

@@ -17,7 +17,7 @@
 
 namespace {
 
-using D = ROZ_UserDefaults;
+using D = UserDefaults;
 
 // Every value kind a default may hold, with its C type.
 QVariantMap typedValues()
@@ -203,8 +203,8 @@ TEST_P(RelativeDays, CountCalendarDaysInTheLocalTimeZone)
     qputenv("TZ", "Europe/Berlin");
     tzset();
     const QDateTime now = GetParam().now;
-    ROZ_DateHelpers::setClock([now] { return now; });
-    EXPECT_EQ(ROZ_DateHelpers::relativeDescriptionForDate(GetParam().date, "%d.%m.%Y %H:%M").toString(),
+    DateHelpers::setClock([now] { return now; });
+    EXPECT_EQ(DateHelpers::relativeDescriptionForDate(GetParam().date, "%d.%m.%Y %H:%M").toString(),
               GetParam().expected);
 }
 
@@ -233,13 +233,13 @@ TEST(RelativeDescription, AnEmptyFormatFallsBackToTheDefaultThenTheLocale)
     qputenv("XDG_CONFIG_HOME", PathCodec::encode(config.path()));
     qputenv("LC_ALL", "en_US.UTF-8");
     const QDateTime now(QDate(2026, 5, 10), QTime(12, 0));
-    ROZ_DateHelpers::setClock([now] { return now; });
+    DateHelpers::setClock([now] { return now; });
     const QDateTime then(QDate(2026, 5, 1), QTime(8, 0));
-    EXPECT_EQ(ROZ_DateHelpers::relativeDescriptionForDate(then, QVariant()).toString().left(19), "2026-05-01 08:00:00");
-    EXPECT_FALSE(ROZ_DateHelpers::relativeDescriptionForDate(then, "").toString().isEmpty());
+    EXPECT_EQ(DateHelpers::relativeDescriptionForDate(then, QVariant()).toString().left(19), "2026-05-01 08:00:00");
+    EXPECT_FALSE(DateHelpers::relativeDescriptionForDate(then, "").toString().isEmpty());
     D::writeDefault("%Y/%m/%d", "NSDateFormatString");
-    EXPECT_EQ(ROZ_DateHelpers::relativeDescriptionForDate(then, ""), QVariant("2026/05/01"));
-    EXPECT_EQ(ROZ_DateHelpers::relativeDescriptionForDate(42, ""), QVariant(42));
+    EXPECT_EQ(DateHelpers::relativeDescriptionForDate(then, ""), QVariant("2026/05/01"));
+    EXPECT_EQ(DateHelpers::relativeDescriptionForDate(42, ""), QVariant(42));
 }
 
 struct ProbeCase {
@@ -258,7 +258,7 @@ TEST_P(DateProbe, FindsTheLocalesOrderAndBuildsDatesInIt)
     qputenv("TZ", "UTC");
     tzset();
     const MethodRegistry methods = buildMethodTable();
-    using namespace ROZ_DateHelpers;
+    using namespace DateHelpers;
     EXPECT_EQ(returnDateFormat(methods, false, false, false), QVariant(GetParam().label));
     EXPECT_EQ(returnDateFormat(methods, false, false, true), QVariant(GetParam().numeric));
     EXPECT_EQ(makeLocalDate(methods, true, 7, 4, 2010, "10:00"), QVariant(GetParam().localDate));

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace ROZ_ByteFormatter;
+using namespace ByteFormatter;
 
 TEST(ByteFormatter, EachUnitStartsAtItsPowerOf1024WithItsOwnPrecision)
 {

@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(Collections, FiltersKeepOrderAndNeverMatchAMissingValue)
 {
-    using namespace ROZ_Collections;
+    using namespace Collections;
     const QVariantList items{
         QVariantMap{{"n", "c"}, {"tags", QVariantList{"x", "y"}}},
         QVariantMap{{"n", "a"}, {"tags", QVariantList{"y"}}},
@@ -87,7 +87,7 @@ TEST(Collections, FiltersKeepOrderAndNeverMatchAMissingValue)
 
 TEST(Collections, SortsAreStableAndLeaveTheirArgumentAlone)
 {
-    using namespace ROZ_Collections;
+    using namespace Collections;
     const QVariantList input{"b", "a", "B", "b", "A10", "a9"};
     const QVariantList copy = input;
     // Case is ignored in the order but not in what counts as a duplicate.
@@ -110,7 +110,7 @@ TEST(Collections, SortsAreStableAndLeaveTheirArgumentAlone)
 
 TEST(Collections, UiPlaceholdersAreFilledInRisingOrderAsPlainText)
 {
-    using ROZ_Collections::uisR;
+    using Collections::uisR;
     EXPECT_EQ(uisR("Item %1 of %2", {3, 7}), "Item 3 of 7");
     EXPECT_EQ(uisR("%1%2", {true, 2.5}), "12.5");
     QVariantList ten;
@@ -125,7 +125,7 @@ TEST(Collections, UiPlaceholdersAreFilledInRisingOrderAsPlainText)
 
 TEST(Collections, RandomDrawsStayWithinTheirBoundsAndReachBothEnds)
 {
-    using ROZ_Collections::randomLongFrom;
+    using Collections::randomLongFrom;
     QSet<int> seen;
     for (int i = 0; i < 2000; ++i) {
         const int drawn = randomLongFrom(0, 4);
@@ -140,15 +140,15 @@ TEST(Collections, RandomDrawsStayWithinTheirBoundsAndReachBothEnds)
     }
     EXPECT_EQ(seen.size(), 5);
     EXPECT_EQ(randomLongFrom(7, 7), 7);
-    EXPECT_EQ(ROZ_Collections::returnSomeObjectOfArray({"only"}), QVariant("only"));
+    EXPECT_EQ(Collections::returnSomeObjectOfArray({"only"}), QVariant("only"));
     try {
-        ROZ_Collections::batchReturnArrayObject({QVariantList{1, 2}, QVariantList{3}}, 1);
+        Collections::batchReturnArrayObject({QVariantList{1, 2}, QVariantList{3}}, 1);
         FAIL() << "a short inner list is a range fault";
     } catch (const NamedException &e) {
         EXPECT_EQ(e.name(), NSRangeException);
         EXPECT_EQ(e.reason(), "*** -[NSArray objectAtIndex:]: index 1 beyond bounds [0 .. 0]");
     }
-    EXPECT_THROW(ROZ_Collections::returnSomeObjectOfArray({}), NamedException);
+    EXPECT_THROW(Collections::returnSomeObjectOfArray({}), NamedException);
 }
 
 } // namespace

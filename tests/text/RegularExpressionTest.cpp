@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 namespace {
 

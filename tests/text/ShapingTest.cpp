@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 TEST(Shaping, WrappingBreaksAtSpacesAndHyphensOrCutsOneShort)
 {

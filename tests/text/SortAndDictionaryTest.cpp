@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-using namespace ROZ_NSDictionaryAdditions;
+using namespace DictionaryAdditions;
 
 namespace {
 
@@ -70,10 +70,10 @@ TEST(SortFunctions, StripListComesFromTheUiTable)
 TEST(DictionaryGetters, ReadStringsOnlyExceptUint)
 {
     QVariantMap d;
-    ROZ_NSMutableDictionaryAdditions::setBool(d, true, "flag");
-    ROZ_NSMutableDictionaryAdditions::setInteger(d, 12, "int");
-    ROZ_NSMutableDictionaryAdditions::setFloat(d, 1.5f, "float");
-    ROZ_NSMutableDictionaryAdditions::setUnsignedInteger(d, 7u, "uint");
+    MutableDictionaryAdditions::setBool(d, true, "flag");
+    MutableDictionaryAdditions::setInteger(d, 12, "int");
+    MutableDictionaryAdditions::setFloat(d, 1.5f, "float");
+    MutableDictionaryAdditions::setUnsignedInteger(d, 7u, "uint");
     EXPECT_EQ(d.value("int").typeId(), QMetaType::Int);
     EXPECT_EQ(d.value("uint").typeId(), QMetaType::UInt);
     // Numbers stored by the setters read back as NO, 0 and 0.0 ...

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace ROZ_NSStringAdditions;
+using namespace StringAdditions;
 
 namespace {
 

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(Table, LogFormat,
 TEST(SystemLog, WritesOneStampedLineToStandardError)
 {
     testing::internal::CaptureStderr();
-    ROZ_NSStringAdditions::log(QStringLiteral("renamed %d files, 100%% done"));
+    StringAdditions::log(QStringLiteral("renamed %d files, 100%% done"));
     const QString written = QString::fromStdString(testing::internal::GetCapturedStderr());
     const QRegularExpression line(
         QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} \\S+\\[\\d+\\] renamed 0 files, 100% done\\n$"));

@@ -86,7 +86,7 @@ private:
     SyntheticInput m_input;
 };
 
-QRectF roundedFrame(const ROZ_CustomWindow &window)
+QRectF roundedFrame(const CustomWindow &window)
 {
     const QRectF frame = window.frame();
     return {std::round(frame.x()), std::round(frame.y()), std::round(frame.width()), std::round(frame.height())};
@@ -139,12 +139,12 @@ QPoint at(const QWidget &window, int x, int y)
 }
 
 // A custom window filled by its background, as windows of this kind are.
-struct FilledWindow : ROZ_CustomWindow {
+struct FilledWindow : CustomWindow {
     FilledWindow()
     {
         auto *layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
-        auto *background = new ROZ_BackgroundView;
+        auto *background = new BackgroundView;
         background->awakeFromNib();
         layout->addWidget(background);
     }
@@ -234,13 +234,13 @@ TEST(CustomWindowDrags, HoldTheTopBelowThePanelAndSnapToEdgesUnlessAltIsHeld)
     EXPECT_EQ(roundedFrame(window).y(), screenHeight() - 40 - 100 - 4) << "snapped below the panel";
 
     hand.key(XK_Alt_L, true);
-    ASSERT_TRUE(ROZ_NSEventAdditions::isOptionKeyDown());
+    ASSERT_TRUE(ModifierKeys::isOptionKeyDown());
     window.setFrameOrigin({10, 200});
     settle(window);
     EXPECT_EQ(roundedFrame(window).topLeft(), QPointF(10, 200)) << "Alt held: no snapping";
     hand.key(XK_Alt_L, false);
 
-    ROZ_CustomWindow::setUserAdjustedFromControl(true);
+    CustomWindow::setUserAdjustedFromControl(true);
     window.setFrameOrigin({12, 200});
     settle(window);
     EXPECT_EQ(roundedFrame(window).topLeft(), QPointF(12, 200)) << "the program's own move is not snapped";
@@ -249,7 +249,7 @@ TEST(CustomWindowDrags, HoldTheTopBelowThePanelAndSnapToEdgesUnlessAltIsHeld)
 TEST(ModifierKeys, AnswerForTheKeysHeldNowAndNeverForCapsLock)
 {
     Hand hand;
-    using namespace ROZ_NSEventAdditions;
+    using namespace ModifierKeys;
     const auto held = [] {
         return QList<bool>{isCommandKeyDown(), isShiftKeyDown(), isOptionKeyDown(), isControlKeyDown()};
     };
@@ -270,7 +270,7 @@ TEST(ModifierKeys, AnswerForTheKeysHeldNowAndNeverForCapsLock)
 
 TEST(CustomWindowKeys, ClickTheDefaultButtonOnReturnAndIgnoreEscapeWhenCancelIsDisabled)
 {
-    ROZ_CustomWindow window;
+    CustomWindow window;
     auto *layout = new QVBoxLayout(&window);
     auto *ok = new QPushButton(QStringLiteral("OK"));
     auto *cancel = new QPushButton(QStringLiteral("Cancel"));
@@ -354,7 +354,7 @@ TEST(WindowFrames, EveryKindOfWindowTakesExactlyTheFrameItIsGiven)
 {
     using namespace WindowConstruction;
     const QRectF made(100, 100, 200, 100);
-    ROZ_CustomWindow custom;
+    CustomWindow custom;
     setFrame(&custom, made);
     const std::unique_ptr<QWidget> borderless(make(Kind::Window, made, Borderless));
     const std::unique_ptr<QWidget> fixed(make(Kind::Window, made, windowStyle({true, false, true, true, false, false})));
@@ -391,8 +391,8 @@ TEST(Screenshots, ShowACustomWindowWithItsBackgroundInFrontOfTheMainWindow)
     InterfaceFile main(ResourceFolder::path() + QStringLiteral("/MainWindow.ui"));
     main.window()->setGeometry(40, 40, 900, 620);
     main.window()->show();
-    ROZ_CustomWindow window;
-    auto *background = new ROZ_BackgroundView(&window);
+    CustomWindow window;
+    auto *background = new BackgroundView(&window);
     background->setTag(1);
     background->awakeFromNib();
     background->setGeometry(0, 0, 360, 160);

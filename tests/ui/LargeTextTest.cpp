@@ -56,11 +56,11 @@ TEST(LargeTextSize, FillsTheRoomInTheInstalledFont)
 
 TEST(LargeTextWindows, FrameTheFieldAndHonourTheLargestSizeDefault)
 {
-    ROZ_UserDefaults::writeDefault(72.0f, QStringLiteral("maxLargeTypeFontSize"));
+    UserDefaults::writeDefault(72.0f, QStringLiteral("maxLargeTypeFontSize"));
     QWidget window;
     auto *field = new QLabel(&window);
     EXPECT_EQ(LargeText::show(QStringLiteral("7"), field, &window), 72);
-    ROZ_UserDefaults::removeDefault(QStringLiteral("maxLargeTypeFontSize"));
+    UserDefaults::removeDefault(QStringLiteral("maxLargeTypeFontSize"));
     EXPECT_EQ(field->font().pixelSize(), 72);
     EXPECT_TRUE(field->font().bold());
     EXPECT_EQ(window.size(), field->size() + QSize(70, 25));

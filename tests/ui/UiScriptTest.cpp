@@ -10,7 +10,7 @@
 
 namespace {
 
-// Runs the script with M = "ROZ_MiscMethods", W(args) making a window and
+// Runs the script with M = "MiscMethods", W(args) making a window and
 // P(args) a panel; answers what the last expression printed.
 QString run(const QString &script)
 {

@@ -95,7 +95,7 @@ TEST(InterfaceFiles, MakePromotedWindowsAndViewsAndWakeThemWithTheFileSizes)
 </customwidgets></ui>)");
     file.close();
     const InterfaceFile form(path);
-    auto *window = qobject_cast<ROZ_CustomWindow *>(form.window());
+    auto *window = qobject_cast<CustomWindow *>(form.window());
     ASSERT_TRUE(window);
     EXPECT_EQ(window->minHeight(), 100);
     EXPECT_EQ(window->maxHeight(), 400);
@@ -106,7 +106,7 @@ TEST(InterfaceFiles, MakePromotedWindowsAndViewsAndWakeThemWithTheFileSizes)
     const QStringList expected{"grey_05", "gbg_steele_05", "grey_05"};
     const QStringList names{"plain", "steel", "odd"};
     for (int i = 0; i < 3; ++i) {
-        const auto *view = form.control<ROZ_BackgroundView>(names[i]);
+        const auto *view = form.control<BackgroundView>(names[i]);
         ASSERT_TRUE(view) << names[i].toStdString();
         EXPECT_EQ(view->imageName(), expected[i]);
         EXPECT_EQ(view->pixmap().size(), QSize(128, 128)) << "texture not loaded for " << names[i].toStdString();
@@ -115,7 +115,7 @@ TEST(InterfaceFiles, MakePromotedWindowsAndViewsAndWakeThemWithTheFileSizes)
 }
 
 struct KeyedWindow {
-    ROZ_CustomWindow window;
+    CustomWindow window;
     QPushButton *ok = new QPushButton(QStringLiteral("OK"), &window);
     QPushButton *cancel = new QPushButton(QStringLiteral("Cancel"), &window);
     int oks = 0, cancels = 0;
@@ -193,7 +193,7 @@ public:
 };
 
 // The alpha values the screen was given, in order.
-QList<double> recordOpacity(ROZ_CustomWindow &window, const std::function<void()> &action,
+QList<double> recordOpacity(CustomWindow &window, const std::function<void()> &action,
                             const std::function<bool()> &done)
 {
     QList<double> seen;
@@ -215,7 +215,7 @@ void expectSteps(const QList<double> &seen, const QList<double> &expected)
 
 TEST(CustomWindowFades, TakeFiveStepsAndHandTheWindowToItsController)
 {
-    ROZ_CustomWindow window;
+    CustomWindow window;
     Controller controller;
     window.setWindowController(&controller);
     expectSteps(recordOpacity(window, [&] { window.openWithFade(); }, [&] { return !window.isFading(); }),
