@@ -20,7 +20,6 @@
 #include <linux/magic.h>
 #include <functional>
 #include <map>
-#include <set>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -38,12 +37,13 @@ namespace {
 // that compare names byte for byte; elsewhere each name is looked up.
 class ExistingItems {
 public:
-    void readFoldersOf(const QHash<QString, int> &usesPerFolder)
+    // `uses` counts the look-ups each folder will have.
+    void readFoldersOf(const QStringList &folders, const std::vector<int> &uses)
     {
-        for (auto use = usesPerFolder.cbegin(); use != usesPerFolder.cend(); ++use)
-            if (use.value() >= 64)
-                if (auto names = namesIn(use.key()))
-                    m_names.insert(use.key(), std::move(*names));
+        for (size_t folder = 0; folder < uses.size(); ++folder)
+            if (uses[folder] >= 64)
+                if (auto names = namesIn(folders[qsizetype(folder)]))
+                    m_names.insert(folders[qsizetype(folder)], std::move(*names));
     }
 
     bool contains(const QString &folder, const QString &name) const
@@ -82,6 +82,7 @@ private:
             return std::nullopt;
         FolderEntries listing(std::move(descriptor));
         QSet<QByteArray> names;
+        names.reserve(1024);
         while (const dirent *entry = listing.next())
             names.insert(QByteArray(entry->d_name));
         return listing.isOpen() && listing.error() == 0 ? std::optional(std::move(names)) : std::nullopt;
@@ -130,7 +131,8 @@ QString invalidNameReason(const QString &name)
         return QStringLiteral("the new name \"%1\" holds \"/\"").arg(name);
     if (name.contains(QChar(0)))
         return QStringLiteral("the new name holds a NUL character");
-    if (PathCodec::encode(name).size() > NAME_MAX)
+    // A UTF-16 code unit is at most three bytes: most names need no encoding here.
+    if (name.size() * 3 > NAME_MAX && PathCodec::encode(name).size() > NAME_MAX)
         return QStringLiteral("the new name is longer than 255 bytes");
     return {};
 }
@@ -332,21 +334,24 @@ private:
         for (const auto &candidate : m_candidates)
             if (candidate)
                 wanted[{candidate->folder, candidate->newName}] += 1;
-        QSet<NameKey> sources;
+        // Every candidate's file was identified, so one name twice is one
+        // identity twice.
         QHash<FileIdentity, int> files;
+        files.reserve(qsizetype(m_candidates.size()));
         for (size_t row = 0; row < m_candidates.size(); ++row) {
             const auto &candidate = m_candidates[row];
             if (!candidate)
                 continue;
             if (wanted.value({candidate->folder, candidate->newName}) > 1) {
                 refuse(int(row), QStringLiteral("another row takes the same new name \"%1\"").arg(candidate->newName));
-            } else if (sources.contains({candidate->folder, candidate->name})) {
-                refuse(int(row), QStringLiteral("an earlier row moves the same file"));
             } else if (const auto other = files.constFind(candidate->identity); other != files.cend()) {
-                refuse(int(row), QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
-                                     .arg(candidate->name, m_candidates[size_t(*other)]->name));
+                const Candidate &earlier = *m_candidates[size_t(*other)];
+                if (earlier.folder == candidate->folder && earlier.name == candidate->name)
+                    refuse(int(row), QStringLiteral("an earlier row moves the same file"));
+                else
+                    refuse(int(row), QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
+                                         .arg(candidate->name, earlier.name));
             } else {
-                sources.insert({candidate->folder, candidate->name});
                 files.insert(candidate->identity, int(row));
             }
         }
@@ -354,20 +359,21 @@ private:
 
     // A name already on disk is free only if the item there moves away; a
     // row that cannot move keeps its name taken, so this is repeated until
-    // nothing changes.
+    // nothing changes (a refusal can only take more names, so the order
+    // rows are looked at in does not change the outcome).
     void refuseTakenNames()
     {
-        QHash<QString, int> usesPerFolder;
+        std::vector<int> uses(size_t(m_folderPaths.size()));
+        QSet<NameKey> leaving;
+        leaving.reserve(qsizetype(m_candidates.size()));
         for (const auto &candidate : m_candidates)
-            if (candidate)
-                usesPerFolder[m_folderPaths[candidate->folder]] += 2;
-        m_existing.readFoldersOf(usesPerFolder);
+            if (candidate) {
+                uses[size_t(candidate->folder)] += 2;
+                leaving.insert({candidate->folder, candidate->name});
+            }
+        m_existing.readFoldersOf(m_folderPaths, uses);
         for (bool changed = true; changed;) {
             changed = false;
-            QSet<NameKey> leaving;
-            for (const auto &candidate : m_candidates)
-                if (candidate)
-                    leaving.insert({candidate->folder, candidate->name});
             for (size_t row = 0; row < m_candidates.size(); ++row) {
                 const auto &candidate = m_candidates[row];
                 if (!candidate || leaving.contains({candidate->folder, candidate->newName})
@@ -376,6 +382,7 @@ private:
                 // The same file under another case, on a file system that ignores case.
                 if (FileIdentity::at(PathCodec::encode(pathOf(candidate->folder, candidate->newName))) == candidate->identity)
                     continue;
+                leaving.remove({candidate->folder, candidate->name});
                 refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(candidate->newName));
                 changed = true;
             }
@@ -405,6 +412,8 @@ private:
         for (const QString &folder : std::as_const(m_folderPaths))
             journal.folders.append(folder.isEmpty() ? QStringLiteral("/") : folder);
         QHash<int, std::vector<int>> itemsOfFolder;
+        journal.items.reserve(m_candidates.size());
+        journal.steps.reserve(m_candidates.size());
         for (const auto &candidate : m_candidates) {
             if (!candidate)
                 continue;
@@ -418,16 +427,21 @@ private:
         std::sort(folders.begin(), folders.end(), [&](int a, int b) {
             return depth(a) != depth(b) ? depth(a) > depth(b) : a < b;
         });
+        std::vector<char> pending(journal.items.size(), 1);
         for (const int folder : folders)
-            orderFolder(folder, itemsOfFolder.value(folder));
+            orderFolder(folder, *itemsOfFolder.constFind(folder), pending);
     }
 
-    void orderFolder(int folder, const std::vector<int> &items)
+    // `items` are in ascending order; `pending` is indexed by item.
+    void orderFolder(int folder, const std::vector<int> &items, std::vector<char> &pending)
     {
         BatchJournal &journal = m_plan.journal;
-        std::set<int> pending(items.cbegin(), items.cend());
+        size_t waiting = items.size();
+        size_t firstPending = 0; // in `items`: none before it is pending
         QHash<QString, int> bySource; // the name each waiting item has now
         QHash<QString, int> byTarget;
+        bySource.reserve(qsizetype(items.size()));
+        byTarget.reserve(qsizetype(items.size()));
         for (const int item : items) {
             bySource.insert(journal.items[size_t(item)].names[0], item);
             byTarget.insert(journal.items[size_t(item)].names[1], item);
@@ -439,12 +453,14 @@ private:
         // The item waiting for a name, once that name is free.
         auto wakeWaiterFor = [&](const QString &freed) {
             const auto waiter = byTarget.constFind(freed);
-            if (waiter != byTarget.cend() && pending.count(*waiter))
+            if (waiter != byTarget.cend() && pending[size_t(*waiter)])
                 ready.push_back(*waiter);
         };
-        while (!pending.empty()) {
+        while (waiting > 0) {
             if (ready.empty()) {
-                const int item = *pending.begin();
+                while (!pending[size_t(items[firstPending])])
+                    ++firstPending;
+                const int item = items[firstPending];
                 BatchJournal::Item &entry = journal.items[size_t(item)];
                 const QString from = entry.names[0];
                 entry.names.insert(1, temporaryName(folder));
@@ -456,8 +472,10 @@ private:
             }
             const int item = ready.back();
             ready.pop_back();
-            if (!pending.erase(item))
+            if (!pending[size_t(item)])
                 continue;
+            pending[size_t(item)] = 0;
+            --waiting;
             const BatchJournal::Item &entry = journal.items[size_t(item)];
             journal.steps.push_back({item, entry.last()});
             bySource.remove(entry.names[entry.last() - 1]);
@@ -492,6 +510,7 @@ BatchPlan BatchPlan::make(const std::vector<Move> &moves, BatchJournal::Kind kin
 std::vector<BatchPlan::RowMove> BatchPlan::movesOf(const std::vector<ItemRecord> &rows, const QStringList &newNames)
 {
     std::vector<RowMove> moves;
+    moves.reserve(rows.size());
     for (size_t i = 0; i < rows.size() && qsizetype(i) < newNames.size(); ++i)
         if (rows[i].include)
             moves.push_back({int(i), {rows[i].path(), rows[i].location + newNames[qsizetype(i)]}});

@@ -51,7 +51,7 @@ QStringList FolderListing::directoryContents(const QString &folder, bool withInv
     if (withInvisibles)
         return FileStatus::entryNames(folder).value_or(QStringList());
     QStringList names;
-    forEachVisible(fullPath(folder, QString()), [&names](Scanned &item, const QByteArray &) {
+    forEachVisible(fullPath(folder, QString()), [&names](Scanned &item) {
         names.append(item.name);
         return true;
     });
@@ -158,8 +158,9 @@ bool FolderListing::visible(const Scanned &item, const QByteArray &path, const Q
 // A folder's visible items in the order the file system gives them, read
 // through one descriptor for the folder. Entries are taken in blocks, each
 // read by this thread and a helper (two system calls an item are most of a
-// listing's time), then used in order here.
-void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each)
+// listing's time, and making the item's record is most of the rest), then
+// handed on in order here.
+void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each)
 {
     const QString folder = PathNames::withoutTrailingSlashes(location);
     const QByteArray folderBytes = PathCodec::encode(folder);
@@ -172,14 +173,16 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
     const QByteArray base = folderBytes == "/" ? folderBytes : folderBytes + '/';
     constexpr size_t block = 1024;
     std::vector<QByteArray> names;
-    std::vector<QByteArray> paths(block);
-    std::vector<Status> found(block);
     std::vector<Scanned> items(block);
-    // The helper thread only makes system calls: whatever allocates stays
-    // on this thread.
+    std::vector<char> shown(block);
     const auto readRange = [&](size_t from, size_t to) {
-        for (size_t i = from; i < to; ++i)
-            found[i] = statusAt(descriptor, names[i].constData(), paths[i]);
+        QByteArray path = base; // one buffer for every path of the range
+        for (size_t i = from; i < to; ++i) {
+            path.truncate(base.size());
+            path += names[i];
+            items[i] = scanned(statusAt(descriptor, names[i].constData(), path), shared, PathCodec::decode(names[i]));
+            shown[i] = visible(items[i], path, hidden);
+        }
     };
     for (bool more = true; more;) {
         names.clear();
@@ -192,8 +195,6 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
             names.emplace_back(entry->d_name);
         }
         const size_t count = names.size();
-        for (size_t i = 0; i < count; ++i)
-            paths[i] = base + names[i];
         if (count >= 64) {
             std::thread helper(readRange, count / 2, count);
             readRange(0, count / 2);
@@ -202,9 +203,7 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
             readRange(0, count);
         }
         for (size_t i = 0; i < count; ++i)
-            items[i] = scanned(found[i], shared, PathCodec::decode(names[i]));
-        for (size_t i = 0; i < count; ++i)
-            if (visible(items[i], paths[i], hidden) && !each(items[i], paths[i])) {
+            if (shown[i] && !each(items[i])) {
                 more = false;
                 break;
             }
@@ -346,7 +345,7 @@ bool FolderListing::shouldStop(const ListingRequest &request)
 void FolderListing::addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
                               Listing &listing, bool &stopped)
 {
-    forEachVisible(location, [&](Scanned &item, const QByteArray &) {
+    forEachVisible(location, [&](Scanned &item) {
         if (shouldStop(request)) {
             stopped = true;
             return false;

@@ -93,9 +93,9 @@ private:
     static Scanned scanned(const Status &found, const QString &location, QString name);
     static Scanned scanPath(const QString &path);
     static bool visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden);
-    // Calls `each` with every visible item of a folder and its path, until
-    // it answers false.
-    static void forEachVisible(const QString &location, const std::function<bool(Scanned &, const QByteArray &)> &each);
+    // Calls `each` with every visible item of a folder, until it answers
+    // false.
+    static void forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each);
     ItemRecord fileRecord(const Scanned &item, bool include) const;
     ItemRecord folderRecord(const Scanned &item) const;
     bool shouldStop(const ListingRequest &request);

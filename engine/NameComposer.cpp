@@ -4,6 +4,8 @@
 #include "PathNames.h"
 #include "StringAdditions.h"
 
+#include <QStringBuilder>
+
 using namespace StringAdditions;
 
 void NameComposer::useRule(const RenameRule &newRule)
@@ -187,10 +189,10 @@ QString NameComposer::numbered(const QString &location, const QString &newName, 
     // Duplicates are counted among names given out earlier in this pass,
     // never against the files on disk. Built by concatenation: names may
     // hold "%" sequences of their own.
-    QString path = location + newName + extension;
+    QString path = location % newName % extension;
     if (!duplicate_check_list.contains(path)) {
         duplicate_check_list.append(path);
-        return newName + extension;
+        return path.mid(location.size());
     }
     int n = 1;
     while (duplicate_check_list.contains(location + newName + u' ' + QString::number(n) + extension))

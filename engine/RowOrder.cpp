@@ -32,26 +32,28 @@ std::vector<size_t> orderByName(const std::vector<ItemRecord> &rows, bool descen
     // Folder keys are made once per folder; rows of a folder share its rank.
     QHash<QString, int> folderRank;
     std::vector<std::pair<QByteArray, QString>> folders;
-    for (const ItemRecord &row : rows)
-        if (!folderRank.contains(row.location)) {
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const ItemRecord &row = rows[i];
+        if ((i == 0 || row.location.constData() != rows[i - 1].location.constData()) && !folderRank.contains(row.location)) {
             folderRank.insert(row.location, 0);
             folders.emplace_back(SortFunctions::stringAsNumberKey(row.location), row.location);
         }
+    }
     std::sort(folders.begin(), folders.end());
     for (size_t i = 0; i < folders.size(); ++i)
         folderRank[folders[i].second] = int(i);
 
+    // Rows of a folder follow each other: its rank is looked up once.
     std::vector<int> ranks(rows.size());
-    std::vector<QByteArray> keys(rows.size());
-    for (size_t i = 0; i < rows.size(); ++i) {
-        ranks[i] = folderRank.value(rows[i].location);
-        keys[i] = SortFunctions::stringAsNumberKey(rows[i].name);
-    }
+    for (size_t i = 0; i < rows.size(); ++i)
+        ranks[i] = i > 0 && rows[i].location.constData() == rows[i - 1].location.constData() ? ranks[i - 1]
+                                                                                           : folderRank.value(rows[i].location);
+    const SortFunctions::NaturalKeys keys(rows.size(), [&rows](size_t i) -> const QString & { return rows[i].name; });
     std::vector<size_t> order(rows.size());
     std::iota(order.begin(), order.end(), size_t(0));
     std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
         const int byFolder = ranks[a] - ranks[b];
-        const int byName = byFolder ? 0 : keys[a].compare(keys[b]);
+        const int byName = byFolder ? 0 : keys.key(a).compare(keys.key(b));
         return descending ? (byFolder ? byFolder > 0 : byName > 0) : (byFolder ? byFolder < 0 : byName < 0);
     });
     return order;

@@ -1,4 +1,5 @@
 #include "DictionaryAdditions.h"
+#include "NameCorpus.h"
 #include "SortFunctions.h"
 #include "TestPrinting.h"
 
@@ -40,6 +41,24 @@ INSTANTIATE_TEST_SUITE_P(
                     OrderCase{"leading_zeros_same_value", "img007", "img7", 0},
                     OrderCase{"long_numbers", "x99999999999999999998", "x99999999999999999999", -1}),
     [](const auto &info) { return info.param.name; });
+
+// Keys made in bulk (on two threads past a few thousand names) order names
+// exactly as the collator compares them, in every script and with numbers.
+TEST(SortFunctions, BulkNaturalKeysCompareAsTheCollator)
+{
+    QStringList names = NameCorpus::utf8Names(3000);
+    for (int i = 0; i < 3000; ++i)
+        names.append(QStringLiteral("img%1_%2").arg(i % 997).arg(QStringList{"a", "B", "é", "E\u0301"}[i % 4]));
+    const SortFunctions::NaturalKeys keys(size_t(names.size()),
+                                          [&names](size_t i) -> const QString & { return names[qsizetype(i)]; });
+    const auto sign = [](int value) { return (value > 0) - (value < 0); };
+    int disagreements = 0;
+    for (qsizetype i = 0; i < names.size(); ++i)
+        for (const qsizetype j : {qsizetype(0), (i + 1) % names.size(), (i * 7919) % names.size(), names.size() - 1 - i})
+            disagreements += sign(keys.key(size_t(i)).compare(keys.key(size_t(j))))
+                             != sign(SortFunctions::stringAsNumberCompare(names[i], names[j]));
+    EXPECT_EQ(disagreements, 0);
+}
 
 TEST(SortFunctions, SortAListNaturally)
 {
