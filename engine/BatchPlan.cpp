@@ -33,26 +33,32 @@ namespace {
 
 // Whether names exist, for a plan: the names of a folder that many moves
 // touch are read once (one pass over the folder instead of a file status
-// call per name, each walking the whole path again). Only on file systems
-// that compare names byte for byte; elsewhere each name is looked up.
+// call per name, each walking the whole path again), and kept as sorted
+// hashes of their bytes; a name whose hash is there is looked up to be
+// sure. Only on file systems that compare names byte for byte; elsewhere
+// each name is looked up.
 class ExistingItems {
 public:
-    // `uses` counts the look-ups each folder will have.
+    // `uses` counts the look-ups each folder (by index) will have.
     void readFoldersOf(const QStringList &folders, const std::vector<int> &uses)
     {
+        m_hashes.resize(uses.size());
         for (size_t folder = 0; folder < uses.size(); ++folder)
             if (uses[folder] >= 64)
-                if (auto names = namesIn(folders[qsizetype(folder)]))
-                    m_names.insert(folders[qsizetype(folder)], std::move(*names));
+                m_hashes[folder] = hashesIn(folders[qsizetype(folder)]);
     }
 
-    bool contains(const QString &folder, const QString &name) const
+    bool contains(int folder, const QString &path, const QString &name) const
     {
-        const auto names = m_names.constFind(folder);
-        if (names != m_names.cend())
-            return names->contains(PathCodec::encode(name));
+        const QByteArray bytes = PathCodec::encode(PathNames::joined(path, name));
+        if (size_t(folder) < m_hashes.size() && m_hashes[size_t(folder)]) {
+            const std::vector<size_t> &hashes = *m_hashes[size_t(folder)];
+            const qsizetype nameStart = bytes.lastIndexOf('/') + 1;
+            if (!std::binary_search(hashes.cbegin(), hashes.cend(), qHash(QByteArrayView(bytes).sliced(nameStart))))
+                return false;
+        }
         struct stat info;
-        return lstat(PathCodec::encode(folder + u'/' + name).constData(), &info) == 0;
+        return lstat(bytes.constData(), &info) == 0;
     }
 
 private:
@@ -75,20 +81,22 @@ private:
         }
     }
 
-    static std::optional<QSet<QByteArray>> namesIn(const QString &folder)
+    static std::optional<std::vector<size_t>> hashesIn(const QString &folder)
     {
         FileDescriptor descriptor(open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!descriptor.isOpen() || !comparesBytes(descriptor.get()))
             return std::nullopt;
         FolderEntries listing(std::move(descriptor));
-        QSet<QByteArray> names;
-        names.reserve(1024);
+        std::vector<size_t> hashes;
         while (const dirent *entry = listing.next())
-            names.insert(QByteArray(entry->d_name));
-        return listing.isOpen() && listing.error() == 0 ? std::optional(std::move(names)) : std::nullopt;
+            hashes.push_back(qHash(QByteArrayView(entry->d_name)));
+        if (!listing.isOpen() || listing.error() != 0)
+            return std::nullopt;
+        std::sort(hashes.begin(), hashes.end());
+        return hashes;
     }
 
-    QHash<QString, QSet<QByteArray>> m_names;
+    std::vector<std::optional<std::vector<size_t>>> m_hashes; // by folder index
 };
 
 // Folders made absolute and free of links, each worked out once.
@@ -377,7 +385,7 @@ private:
             for (size_t row = 0; row < m_candidates.size(); ++row) {
                 const auto &candidate = m_candidates[row];
                 if (!candidate || leaving.contains({candidate->folder, candidate->newName})
-                    || !m_existing.contains(m_folderPaths[candidate->folder], candidate->newName))
+                    || !m_existing.contains(candidate->folder, m_folderPaths[candidate->folder], candidate->newName))
                     continue;
                 // The same file under another case, on a file system that ignores case.
                 if (FileIdentity::at(PathCodec::encode(pathOf(candidate->folder, candidate->newName))) == candidate->identity)
