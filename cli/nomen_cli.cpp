@@ -24,6 +24,8 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 
 using CliReport::say;
 
@@ -166,6 +168,15 @@ Result<QStringList> rootsOf(const QStringList &arguments)
     return roots;
 }
 
+// A dry run holds a table of many small strings and nothing else: once its
+// rows are out, the process ends without taking them apart one by one.
+[[noreturn]] void endNow(int code)
+{
+    std::fflush(stdout);
+    std::fflush(stderr);
+    std::_Exit(code);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -254,7 +265,7 @@ int main(int argc, char **argv)
     try {
         const Table table = compose(options, rule, roots);
         if (!apply)
-            return CliReport::rows(withGrepFailures(SafeMover::plan(table.rows, table.composed.names), table), json, false);
+            endNow(CliReport::rows(withGrepFailures(SafeMover::plan(table.rows, table.composed.names), table), json, false));
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
         SafeMover::Report report = mover.apply(table.rows, table.composed.names);
