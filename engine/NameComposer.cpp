@@ -189,15 +189,15 @@ QString NameComposer::numbered(const QString &location, const QString &newName, 
     // Duplicates are counted among names given out earlier in this pass,
     // never against the files on disk. Built by concatenation: names may
     // hold "%" sequences of their own.
-    QString path = location % newName % extension;
-    if (!duplicate_check_list.contains(path)) {
-        duplicate_check_list.append(path);
-        return path.mid(location.size());
+    const QString name = newName % extension;
+    if (!duplicate_check_list.contains(location, name)) {
+        duplicate_check_list.append(location, name);
+        return name;
     }
     int n = 1;
-    while (duplicate_check_list.contains(location + newName + u' ' + QString::number(n) + extension))
+    while (duplicate_check_list.contains(location, newName % u' ' % QString::number(n) % extension))
         ++n;
     const QString result = newName + u' ' + QString::number(n) + extension;
-    duplicate_check_list.append(location + result);
+    duplicate_check_list.append(location, result);
     return result;
 }

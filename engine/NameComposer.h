@@ -20,31 +20,57 @@ struct CompositionRequest {
     QDateTime suffixDate;
 };
 
-// Full paths given out as new names in the current pass, in order, with a
-// set beside the list so that each check is one lookup, not a scan.
+// New names given out in the current pass, each with its folder, in order,
+// with a set beside the list so that each check is one lookup, not a scan.
+// Folder and name are kept apart: both are strings the pass holds anyway.
 class DuplicateList {
 public:
-    void append(const QString &path)
+    void append(const QString &location, const QString &name)
     {
-        m_list.append(path);
-        m_set.insert(path);
+        Entry entry = entryOf(location, name);
+        m_set.insert(entry);
+        m_list.push_back(std::move(entry));
     }
-    bool contains(const QString &path) const { return m_set.contains(path); }
+    bool contains(const QString &location, const QString &name) const { return m_set.contains(entryOf(location, name)); }
     void clear()
     {
         m_list.clear();
         m_set.clear();
     }
-    const QStringList &toList() const { return m_list; }
+    // The full paths, in the order they were given out.
+    QStringList toList() const
+    {
+        QStringList paths;
+        for (const Entry &entry : m_list)
+            paths.append(entry.location + entry.name);
+        return paths;
+    }
     void reserve(qsizetype size)
     {
-        m_list.reserve(size);
+        m_list.reserve(size_t(size));
         m_set.reserve(size);
     }
 
 private:
-    QStringList m_list;
-    QSet<QString> m_set;
+    struct Entry {
+        QString location;
+        QString name;
+        bool operator==(const Entry &) const = default;
+        friend size_t qHash(const Entry &entry, size_t seed = 0) { return qHashMulti(seed, entry.location, entry.name); }
+    };
+    // Two entries are equal exactly when their full paths are: each is
+    // split after the path's last "/" (as it already is in a listing's rows).
+    static Entry entryOf(const QString &location, const QString &name)
+    {
+        if (location.endsWith(u'/') && !name.contains(u'/'))
+            return {location, name};
+        const QString path = location + name;
+        const qsizetype slash = path.lastIndexOf(u'/');
+        return {path.left(slash + 1), path.mid(slash + 1)};
+    }
+
+    std::vector<Entry> m_list;
+    QSet<Entry> m_set;
 };
 
 // Turns an item's current name into its new name by the rename rule:
