@@ -10,6 +10,7 @@
 #include "CliReport.h"
 #include "FolderListing.h"
 #include "GrepPrefetch.h"
+#include "HeapPages.h"
 #include "LocalTimeZone.h"
 #include "MapFile.h"
 #include "NamedException.h"
@@ -97,6 +98,7 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
         else
             rows.insert(rows.end(), std::make_move_iterator(listing.items.begin()), std::make_move_iterator(listing.items.end()));
     }
+    HeapPages::adviseHugePages();
     sortRows(rows, options.value("sort"));
     engine.useRule(rule);
     PassRequest pass;
@@ -104,6 +106,7 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
     pass.suffixChoice = rule.suffix.date;
     pass.supplied = QDateTime::currentDateTime();
     table.composed = engine.composeTable(rows, pass);
+    HeapPages::adviseHugePages();
     return table;
 }
 
@@ -181,6 +184,7 @@ Result<QStringList> rootsOf(const QStringList &arguments)
 
 int main(int argc, char **argv)
 {
+    HeapPages::growInLargeSteps(size_t(1) << 30);
     pinLocalTimeZone();
     QCoreApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("nomen-cli"));
