@@ -47,33 +47,79 @@ QString NameComposer::counterText(qint32 counter, qint32 rowCount, qint32 minimu
     return padded ? addLeadingZeros(counter, rowCount, minimum) : QString::number(counter);
 }
 
-QString NameComposer::tokensFilled(const QString &text, const QDateTime &date) const
+// The counter's and the folder's places in a text whose date tokens are
+// filled: every "«#»" is the counter; in what is between them every "«ƒ»"
+// is the folder's name. A counter is digits and a sign, so it can neither
+// make nor break a "«ƒ»": this is the text with "«#»" replaced and then
+// "«ƒ»", cut up once.
+std::vector<NameComposer::FilledText::Part> NameComposer::partsOf(const QString &filled)
+{
+    using Piece = FilledText::Piece;
+    static const QString counter = QStringLiteral("«#»");
+    static const QString folder = QStringLiteral("«ƒ»");
+    std::vector<FilledText::Part> parts;
+    const auto literal = [&](qsizetype from, qsizetype to) {
+        for (qsizetype at; (at = filled.indexOf(folder, from)) >= 0 && at < to;) {
+            if (at > from)
+                parts.push_back({Piece::Literal, from, at - from});
+            parts.push_back({Piece::Folder});
+            from = at + folder.size();
+        }
+        if (to > from)
+            parts.push_back({Piece::Literal, from, to - from});
+    };
+    qsizetype from = 0;
+    for (qsizetype at; (at = filled.indexOf(counter, from)) >= 0;) {
+        literal(from, at);
+        parts.push_back({Piece::Counter});
+        from = at + counter.size();
+    }
+    literal(from, filled.size());
+    return parts;
+}
+
+const NameComposer::FilledText &NameComposer::tokensFilled(const QString &text, const QDateTime &date) const
 {
     // Dates are the same only at the same offset: two clocks can show one
     // instant differently, and the tokens show the clock.
     for (const FilledText &last : m_filled)
         if (last.text == text && last.date == date && last.date.offsetFromUtc() == date.offsetFromUtc()
             && last.date.timeSpec() == date.timeSpec())
-            return last.filled;
+            return last;
     // Two texts are in use at once, the prefix and the suffix: the older
     // entry gives way.
     FilledText &slot = m_filled[m_nextFilled];
     m_nextFilled = 1 - m_nextFilled;
-    slot = {text, date, replaceInsertConstants(text, date)};
-    return slot.filled;
+    slot.text = text;
+    slot.date = date;
+    slot.filled = replaceInsertConstants(text, date);
+    slot.parts = partsOf(slot.filled);
+    return slot;
 }
 
 QString NameComposer::fillTokens(const QString &text, const QDateTime &date, const QString &counter,
-                                 const QString &folder) const
+                                 const QString &folder, qsizetype room) const
 {
     // Every token opens with a guillemet; most texts have none.
     if (!text.contains(u'«'))
         return text;
-    QString filled = snr(tokensFilled(text, date), QStringLiteral("«#»"), counter);
-    // The case-insensitive test for «ƒ»: the hook's only other case is Ƒ.
-    if (filled.contains(QStringLiteral("«ƒ»")) || filled.contains(QStringLiteral("«Ƒ»")))
-        filled = snr(filled, QStringLiteral("«ƒ»"), folder);
-    return filled;
+    const FilledText &filled = tokensFilled(text, date);
+    QString made;
+    made.reserve(filled.filled.size() + counter.size() + folder.size() + room);
+    for (const FilledText::Part &part : filled.parts) {
+        switch (part.piece) {
+        case FilledText::Piece::Literal:
+            made += QStringView(filled.filled).sliced(part.from, part.length);
+            break;
+        case FilledText::Piece::Counter:
+            made += counter;
+            break;
+        case FilledText::Piece::Folder:
+            made += folder;
+            break;
+        }
+    }
+    return made;
 }
 
 QString NameComposer::baseNameOf(const QString &name)
@@ -147,9 +193,10 @@ QString NameComposer::generateNewName(const CompositionRequest &request)
 {
     const QString folder = folderNameOf(request.location);
 
+    // Room for the rest of the name, so it is appended without copying.
     QString newName = fillTokens(rule.prefix.text, request.prefixDate,
                                  counterText(prefixCounter, request.rowCount, rule.prefix.digits, prefixZerosControlConnected),
-                                 folder);
+                                 folder, request.name.size() + rule.suffix.text.size() + 8);
     // Advances on every call, whether or not the prefix shows a counter.
     prefixCounter += rule.prefix.step;
 
@@ -190,10 +237,8 @@ QString NameComposer::numbered(const QString &location, const QString &newName, 
     // never against the files on disk. Built by concatenation: names may
     // hold "%" sequences of their own.
     const QString name = newName % extension;
-    if (!duplicate_check_list.contains(location, name)) {
-        duplicate_check_list.append(location, name);
+    if (duplicate_check_list.appendNew(location, name))
         return name;
-    }
     int n = 1;
     while (duplicate_check_list.contains(location, newName % u' ' % QString::number(n) % extension))
         ++n;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <QStringList>
 #include <functional>
+#include <vector>
 
 // One composition request: the six entries the composer is given.
 struct CompositionRequest {
@@ -25,13 +26,19 @@ struct CompositionRequest {
 // Folder and name are kept apart: both are strings the pass holds anyway.
 class DuplicateList {
 public:
-    void append(const QString &location, const QString &name)
+    void append(const QString &location, const QString &name) { add(entryOf(location, name)); }
+    bool contains(const QString &location, const QString &name) const { return m_set.contains(entryOf(location, name)); }
+    // Appends the name unless it is there already; answers whether it was added.
+    bool appendNew(const QString &location, const QString &name)
     {
         Entry entry = entryOf(location, name);
+        const qsizetype before = m_set.size();
         m_set.insert(entry);
+        if (m_set.size() == before)
+            return false;
         m_list.push_back(std::move(entry));
+        return true;
     }
-    bool contains(const QString &location, const QString &name) const { return m_set.contains(entryOf(location, name)); }
     void clear()
     {
         m_list.clear();
@@ -55,22 +62,40 @@ private:
     struct Entry {
         QString location;
         QString name;
-        bool operator==(const Entry &) const = default;
-        friend size_t qHash(const Entry &entry, size_t seed = 0) { return qHashMulti(seed, entry.location, entry.name); }
+        size_t locationHash = 0; // the location's: most rows share one, so it is worked out once
+        bool operator==(const Entry &other) const { return name == other.name && location == other.location; }
+        friend size_t qHash(const Entry &entry, size_t seed = 0) { return qHashMulti(seed, entry.locationHash, entry.name); }
     };
+
+    void add(Entry entry)
+    {
+        m_set.insert(entry);
+        m_list.push_back(std::move(entry));
+    }
     // Two entries are equal exactly when their full paths are: each is
     // split after the path's last "/" (as it already is in a listing's rows).
-    static Entry entryOf(const QString &location, const QString &name)
+    Entry entryOf(const QString &location, const QString &name) const
     {
         if (location.endsWith(u'/') && !name.contains(u'/'))
-            return {location, name};
+            return {location, name, locationHash(location)};
         const QString path = location + name;
         const qsizetype slash = path.lastIndexOf(u'/');
-        return {path.left(slash + 1), path.mid(slash + 1)};
+        const QString folder = path.left(slash + 1);
+        return {folder, path.mid(slash + 1), locationHash(folder)};
+    }
+    size_t locationHash(const QString &location) const
+    {
+        if (location.constData() != m_lastLocation.constData() || location.size() != m_lastLocation.size()) {
+            m_lastLocation = location;
+            m_lastLocationHash = qHash(location);
+        }
+        return m_lastLocationHash;
     }
 
     std::vector<Entry> m_list;
     QSet<Entry> m_set;
+    mutable QString m_lastLocation; // held, so its characters stay where they are
+    mutable size_t m_lastLocationHash = 0;
 };
 
 // Turns an item's current name into its new name by the rename rule:
@@ -137,10 +162,13 @@ public:
 
 private:
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;
-    QString fillTokens(const QString &text, const QDateTime &date, const QString &counter, const QString &folder) const;
+    // `room`: characters to leave room for after the text.
+    QString fillTokens(const QString &text, const QDateTime &date, const QString &counter, const QString &folder,
+                       qsizetype room = 0) const;
     TreatedBase treatedBaseName(const QString &name);
     TreatedBase cachedBaseName(const QString &name);
-    QString tokensFilled(const QString &text, const QDateTime &date) const;
+    struct FilledText;
+    const FilledText &tokensFilled(const QString &text, const QDateTime &date) const;
     QString folderNameOf(const QString &location);
 
     // Rows of one folder follow each other: its name is worked out once.
@@ -148,12 +176,22 @@ private:
     QString m_lastFolderName;
 
     // The last texts the date tokens were filled in: rows without dates of
-    // their own share one answer.
+    // their own share one answer. What is left is cut once into literal
+    // runs and the places of the counter and the folder's name, which
+    // change with every row.
     struct FilledText {
+        enum class Piece : char { Literal, Counter, Folder };
+        struct Part {
+            Piece piece;
+            qsizetype from = 0; // a literal run of `filled`
+            qsizetype length = 0;
+        };
         QString text;
         QDateTime date;
         QString filled;
+        std::vector<Part> parts;
     };
+    static std::vector<FilledText::Part> partsOf(const QString &filled);
     mutable FilledText m_filled[2];
     mutable int m_nextFilled = 0;
 };
