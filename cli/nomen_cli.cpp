@@ -113,9 +113,10 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
 // A row whose GREP program failed stays as it is, and says why.
 std::vector<SafeMover::Outcome> withGrepFailures(std::vector<SafeMover::Outcome> outcomes, const Table &table)
 {
+    const QStringList &failures = table.composed.grepFailures;
     for (SafeMover::Outcome &outcome : outcomes)
-        if (outcome.row >= 0)
-            if (const QString &failure = table.composed.grepFailures[outcome.row]; !failure.isEmpty())
+        if (outcome.row >= 0 && outcome.row < failures.size())
+            if (const QString &failure = failures[outcome.row]; !failure.isEmpty())
                 outcome.reason = QStringLiteral("Perl: ") + failure;
     return outcomes;
 }

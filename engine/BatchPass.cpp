@@ -31,10 +31,8 @@ QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows
     const bool suffixDated = rule.suffix.text.contains(u'«');
     QStringList names;
     names.reserve(count);
-    if (failures) {
+    if (failures)
         failures->clear();
-        failures->resize(count);
-    }
     for (qint32 n = 0; n < count; ++n) {
         if (request.progress)
             request.progress(n + 1, count);
@@ -49,8 +47,11 @@ QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows
                 names.append(composed);
             } else {
                 names.append(row.name);
-                if (failures)
+                if (failures) {
+                    if (failures->isEmpty())
+                        failures->resize(count);
                     (*failures)[n] = composer.lastFailure;
+                }
             }
             continue;
         }

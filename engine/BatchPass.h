@@ -23,7 +23,8 @@ struct PassRequest {
 };
 
 // A table's new names, one per covered row, and why each row's GREP
-// program failed ("" for none; such a row keeps its own name).
+// program failed ("" for none; such a row keeps its own name): no entries
+// at all when none failed.
 struct Composed {
     QStringList names;
     QStringList grepFailures;
@@ -35,8 +36,9 @@ struct Composed {
 // advanceExcluded an excluded row still uses up counter values, and the
 // prefix counter then becomes the suffix counter plus the prefix increment.
 // The pass starts a new duplicate list but not new counters. A row whose
-// GREP program fails keeps its own name; `failures`, when asked for, gets
-// one entry per covered row: why, in Perl's words, or "".
+// GREP program fails keeps its own name; `failures`, when asked for, stays
+// empty when none fails, else gets one entry per covered row: why, in
+// Perl's words, or "".
 namespace BatchPass {
 
 QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows, const PassRequest &request,

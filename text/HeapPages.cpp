@@ -1,6 +1,8 @@
 #include "HeapPages.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -36,8 +38,9 @@ void growInLargeSteps(size_t step)
     constexpr int largestBlock = 32 << 20; // the most malloc will take itself
     mallopt(M_MMAP_THRESHOLD, largestBlock);
     mallopt(M_ARENA_MAX, 1);
-    mallopt(M_TOP_PAD, int(step));
-    mallopt(M_TRIM_THRESHOLD, int(2 * step));
+    const auto limited = [](size_t bytes) { return int(std::min<size_t>(bytes, std::numeric_limits<int>::max())); };
+    mallopt(M_TOP_PAD, limited(step));
+    mallopt(M_TRIM_THRESHOLD, limited(2 * step));
     // One block from the heap makes it grow by the step now, so the advice
     // covers the memory the next phase will touch.
     void *volatile block = std::malloc(largestBlock / 2);
