@@ -68,8 +68,9 @@ public:
     static QVariant makeTargetFolder(const QString &path); // the folder's alias, or NO
     static QString returnUniquePath(const QString &path);  // "report 1.txt" where "report.txt" is taken
     static QString returnAppPath(const QString &creatorCode);
-    // The platform's string-to-type conversion: first character highest.
-    // (The dictionary category's osType: keeps the bytes in memory order.)
+    // A four-character code as a number: the first character in the highest
+    // byte, a short code filled with spaces. (A dictionary's osType keeps
+    // the bytes in memory order instead.)
     static quint32 osType(const QString &code);
     static QString returnAppPathFromBundleID(const QString &identifier);
 

@@ -50,15 +50,14 @@ public:
 
     bool contains(int folder, const QString &path, const QString &name) const
     {
-        const QByteArray bytes = PathCodec::encode(PathNames::joined(path, name));
+        // Most names are not there: the whole path is made only to be sure.
         if (size_t(folder) < m_hashes.size() && m_hashes[size_t(folder)]) {
             const std::vector<size_t> &hashes = *m_hashes[size_t(folder)];
-            const qsizetype nameStart = bytes.lastIndexOf('/') + 1;
-            if (!std::binary_search(hashes.cbegin(), hashes.cend(), qHash(QByteArrayView(bytes).sliced(nameStart))))
+            if (!std::binary_search(hashes.cbegin(), hashes.cend(), qHash(QByteArrayView(PathCodec::encode(name)))))
                 return false;
         }
         struct stat info;
-        return lstat(bytes.constData(), &info) == 0;
+        return lstat(PathCodec::encode(PathNames::joined(path, name)).constData(), &info) == 0;
     }
 
 private:

@@ -143,17 +143,9 @@ std::string_view NaturalKeys::key(size_t index) const
 
 QByteArray stringAsNumberKey(const QString &text)
 {
-    QByteArray key(text.size() * 4 + 16, Qt::Uninitialized);
-    const auto *units = reinterpret_cast<const UChar *>(text.utf16());
-    int32_t length = ucol_getSortKey(naturalCollator(), units, int32_t(text.size()), reinterpret_cast<uint8_t *>(key.data()),
-                                     int32_t(key.size()));
-    if (length > key.size()) {
-        key.resize(length);
-        length = ucol_getSortKey(naturalCollator(), units, int32_t(text.size()), reinterpret_cast<uint8_t *>(key.data()),
-                                 int32_t(key.size()));
-    }
-    key.truncate(std::max(length - 1, 0)); // without the closing zero byte
-    return key;
+    std::string key;
+    appendKey(naturalCollator(), text, key);
+    return QByteArray(key.data(), qsizetype(key.size()));
 }
 
 QStringList stripList()
