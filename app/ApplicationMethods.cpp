@@ -5,7 +5,7 @@
 #include "ChildOutput.h"
 #include "ErrnoText.h"
 #include "PathCodec.h"
-#include "DatesTaken.h"
+#include "MetadataReader.h"
 #include "ScriptRequests.h"
 #include "Dialogs.h"
 #include "OutletValues.h"
@@ -464,7 +464,9 @@ void addHelperMethods(MethodRegistry &registry)
     });
     NativeBinding::addClassMethod(registry, QStringLiteral("NomenExif"), QStringLiteral("imageCreatedDate:"),
                                   +[](const QString &path) {
-                                      const std::optional<DateTaken> taken = DatesTaken::read(PathCodec::encode(path));
+                                      Metadata::Request request;
+                                      request.dateTaken = true;
+                                      const std::optional<DateTaken> taken = MetadataReader::read(PathCodec::encode(path), request).taken;
                                       return taken ? QVariant(taken->toDateTime()) : QVariant(false);
                                   });
 }

@@ -5,7 +5,7 @@
 // Needs exiftool, heif-enc, ffmpeg and jhead (all in scripts/bootstrap.sh).
 
 #include "ClampedDates.h"
-#include "DatesTaken.h"
+#include "MetadataReader.h"
 #include "FolderListing.h"
 
 #include <QGuiApplication>
@@ -99,8 +99,8 @@ double listing(const QString &folder, bool datesTaken, qint64 *found = nullptr)
     std::atomic<bool> stop{false};
     return best([&] {
         FolderListing listing(dates, stop);
-        if (datesTaken)
-            listing.dateTaken = &DatesTaken::read;
+        listing.metadata.dateTaken = datesTaken;
+        listing.readMetadata = &MetadataReader::read;
         ListingRequest request;
         request.paths = {folder};
         request.root = folder;

@@ -81,6 +81,7 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
 {
     RenameEngine engine;
     engine.readsDatesTaken = rule.datesTaken;
+    engine.useRule(rule); // the listing reads what the rule's tokens show
     Table table;
     std::vector<ItemRecord> &rows = table.rows;
     for (const QString &root : roots) {
@@ -100,7 +101,6 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
     }
     HeapPages::adviseHugePages();
     sortRows(rows, options.value("sort"));
-    engine.useRule(rule);
     PassRequest pass;
     pass.prefixChoice = rule.prefix.date;
     pass.suffixChoice = rule.suffix.date;
@@ -110,14 +110,20 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
     return table;
 }
 
-// A row whose GREP program failed stays as it is, and says why.
-std::vector<SafeMover::Outcome> withGrepFailures(std::vector<SafeMover::Outcome> outcomes, const Table &table)
+// A row whose GREP program failed stays as it is, and says why; a row
+// whose file recorded no value for a token says which.
+std::vector<SafeMover::Outcome> withComposingNotes(std::vector<SafeMover::Outcome> outcomes, const Table &table)
 {
     const QStringList &failures = table.composed.grepFailures;
-    for (SafeMover::Outcome &outcome : outcomes)
+    const QStringList &warnings = table.composed.warnings;
+    for (SafeMover::Outcome &outcome : outcomes) {
         if (outcome.row >= 0 && outcome.row < failures.size())
             if (const QString &failure = failures[outcome.row]; !failure.isEmpty())
                 outcome.reason = QStringLiteral("Perl: ") + failure;
+        if (outcome.row >= 0 && outcome.row < warnings.size())
+            if (const QString &warning = warnings[outcome.row]; !warning.isEmpty())
+                outcome.warning = outcome.warning.isEmpty() ? warning : warning + QStringLiteral("; ") + outcome.warning;
+    }
     return outcomes;
 }
 
@@ -270,11 +276,11 @@ int main(int argc, char **argv)
     try {
         const Table table = compose(options, rule, roots);
         if (!apply)
-            endNow(CliReport::rows(withGrepFailures(SafeMover::plan(table.rows, table.composed.names), table), json, false));
+            endNow(CliReport::rows(withComposingNotes(SafeMover::plan(table.rows, table.composed.names), table), json, false));
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
         SafeMover::Report report = mover.apply(table.rows, table.composed.names);
-        report.outcomes = withGrepFailures(std::move(report.outcomes), table);
+        report.outcomes = withComposingNotes(std::move(report.outcomes), table);
         return CliReport::report(report, json);
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));

@@ -22,12 +22,14 @@ struct PassRequest {
     std::function<void(qint32 row, qint32 count)> progress;
 };
 
-// A table's new names, one per covered row, and why each row's GREP
-// program failed ("" for none; such a row keeps its own name): no entries
-// at all when none failed.
+// A table's new names, one per covered row; why each row's GREP program
+// failed ("" for none; such a row keeps its own name); and which of its
+// tokens its file recorded no value for ("no lens recorded"; the name is
+// given without it). Each list has no entries at all when no row has one.
 struct Composed {
     QStringList names;
     QStringList grepFailures;
+    QStringList warnings;
 };
 
 // The one batch pass, for the table preview as the user types and for the
@@ -36,13 +38,16 @@ struct Composed {
 // advanceExcluded an excluded row still uses up counter values, and the
 // prefix counter then becomes the suffix counter plus the prefix increment.
 // The pass starts a new duplicate list but not new counters. A row whose
-// GREP program fails keeps its own name; `failures`, when asked for, stays
-// empty when none fails, else gets one entry per covered row: why, in
-// Perl's words, or "".
+// GREP program fails keeps its own name (why, in Perl's words, goes into
+// `grepFailures`); a token whose file recorded no value is left empty
+// (`warnings` says which).
 namespace BatchPass {
 
-QStringList newNames(NameComposer &composer, const std::vector<ItemRecord> &rows, const PassRequest &request,
-                     const ClampedDates &dates, QStringList *failures = nullptr);
+Composed newNames(NameComposer &composer, const std::vector<ItemRecord> &rows, const PassRequest &request,
+                  const ClampedDates &dates);
+
+// The words a row's missing values are told in: "no lens recorded".
+QString missingWarning(const QStringList &tokens);
 
 QDateTime dateFor(qint32 choice, const QDateTime &supplied, const ItemRecord &row, const ClampedDates &dates);
 

@@ -237,21 +237,23 @@ ItemRecord FolderListing::folderRecord(const Scanned &item) const
     return record;
 }
 
-void FolderListing::useDateTaken(ItemRecord &record, const std::optional<DateTaken> &taken) const
+void FolderListing::useMetadata(ItemRecord &record, Metadata::Values values) const
 {
-    if (!taken)
-        return;
-    // Outside the dates an item may have, the date is clamped as any is,
-    // and then it is no longer the camera's clock.
-    record.created = m_dates.clamp(taken->milliseconds);
-    record.createdOffset = record.created == taken->milliseconds ? taken->offset : ItemRecord::NoOffset;
+    if (values.taken) {
+        // Outside the dates an item may have, the date is clamped as any
+        // is, and then it is no longer the camera's clock.
+        record.created = m_dates.clamp(values.taken->milliseconds);
+        record.createdOffset = record.created == values.taken->milliseconds ? values.taken->offset : ItemRecord::NoOffset;
+    }
+    if (!values.answered.fields.isEmpty() || !values.answered.tags.isEmpty())
+        record.metadata = std::make_shared<const Metadata::Values>(std::move(values));
 }
 
-// Dates taken are read after the listing, the files shared among threads
+// What files say is read after the listing, the files shared among threads
 // (reading a photograph's metadata is most of the time, and files are
 // independent); this thread takes its share in small steps so a window
 // stays live and Stop is heard.
-void FolderListing::takeDatesTaken(const ListingRequest &request, Listing &listing)
+void FolderListing::takeMetadata(const ListingRequest &request, Listing &listing)
 {
     std::vector<size_t> files;
     for (size_t i = 0; i < listing.items.size(); ++i)
@@ -262,22 +264,24 @@ void FolderListing::takeDatesTaken(const ListingRequest &request, Listing &listi
     std::vector<QByteArray> paths(files.size());
     for (size_t i = 0; i < files.size(); ++i)
         paths[i] = PathCodec::encode(listing.items[files[i]].path());
-    std::vector<std::optional<DateTaken>> taken(files.size());
+    std::vector<Metadata::Values> found(files.size());
     std::atomic<size_t> next{0};
     std::atomic<bool> abandoned{false};
     constexpr size_t step = 16;
+    const auto readRange = [&](size_t from) {
+        for (size_t i = from; i < std::min(from + step, files.size()); ++i)
+            found[i] = readMetadata(paths[i], metadata);
+    };
     const auto work = [&] {
         for (size_t from; !abandoned.load() && (from = next.fetch_add(step)) < files.size();)
-            for (size_t i = from; i < std::min(from + step, files.size()); ++i)
-                taken[i] = dateTaken(paths[i]);
+            readRange(from);
     };
     const unsigned helpers = files.size() < 2 * step ? 0 : std::clamp(std::thread::hardware_concurrency(), 2u, 8u) - 1;
     std::vector<std::thread> threads;
     for (unsigned i = 0; i < helpers; ++i)
         threads.emplace_back(work);
     for (size_t from; (from = next.fetch_add(step)) < files.size();) {
-        for (size_t i = from; i < std::min(from + step, files.size()); ++i)
-            taken[i] = dateTaken(paths[i]);
+        readRange(from);
         if (shouldStop(request)) {
             abandoned.store(true);
             break;
@@ -290,15 +294,15 @@ void FolderListing::takeDatesTaken(const ListingRequest &request, Listing &listi
         return;
     }
     for (size_t i = 0; i < files.size(); ++i)
-        useDateTaken(listing.items[files[i]], taken[i]);
+        useMetadata(listing.items[files[i]], std::move(found[i]));
 }
 
 FolderListing::ItemInfo FolderListing::fileInfo(const QString &path) const
 {
     const Scanned item = scanPath(path);
     ItemRecord record = fileRecord(item, true);
-    if (dateTaken && item.exists && !item.isFolder)
-        useDateTaken(record, dateTaken(PathCodec::encode(path)));
+    if (readMetadata && !metadata.isEmpty() && item.exists && !item.isFolder)
+        useMetadata(record, readMetadata(PathCodec::encode(path), metadata));
     return {extensionOf(item.name), record.typeCode, record.created, record.takenOffset(), record.modified,
             record.size.value_or(0)};
 }
@@ -327,8 +331,8 @@ Listing FolderListing::list(const ListingRequest &request)
     }
     if (stopped)
         listing = Listing{{}, true, {}};
-    else if (dateTaken)
-        takeDatesTaken(request, listing);
+    else if (readMetadata && !metadata.isEmpty())
+        takeMetadata(request, listing);
     return listing;
 }
 

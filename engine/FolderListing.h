@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ClampedDates.h"
-#include "DatesTaken.h"
+#include "MetadataValues.h"
 #include "FileStatus.h"
 #include "ItemRecord.h"
 
@@ -40,10 +40,12 @@ class FolderListing {
 public:
     FolderListing(const ClampedDates &dates, std::atomic<bool> &stopProgressBool);
 
-    // Set when creation dates are the dates photographs were taken and
-    // recordings made: a file's date taken, or none (it keeps its own
-    // creation date). Read for every file row once, on several threads.
-    std::function<std::optional<DateTaken>(const QByteArray &path)> dateTaken;
+    // What each file row is asked of what it says of itself: its date
+    // taken (then its creation date, when it has one), and the values a
+    // rule's tokens or the window's columns show. Nothing asked, no file is
+    // opened; else each is read once, on several threads, by `readMetadata`.
+    Metadata::Request metadata;
+    std::function<Metadata::Values(const QByteArray &path, const Metadata::Request &request)> readMetadata;
     // Called now and then during a long listing, so a window can stay live
     // (and its Stop button be pressed).
     std::function<void()> keepResponsive;
@@ -99,8 +101,8 @@ private:
     ItemRecord fileRecord(const Scanned &item, bool include) const;
     ItemRecord folderRecord(const Scanned &item) const;
     bool shouldStop(const ListingRequest &request);
-    void takeDatesTaken(const ListingRequest &request, Listing &listing);
-    void useDateTaken(ItemRecord &record, const std::optional<DateTaken> &taken) const;
+    void takeMetadata(const ListingRequest &request, Listing &listing);
+    void useMetadata(ItemRecord &record, Metadata::Values values) const;
     void addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend, Listing &listing);
     void addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
                    Listing &listing, bool &stopped);

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "FileIdentity.h"
+#include "MetadataValues.h"
 
 #include <QString>
 #include <limits>
+#include <memory>
 #include <optional>
 
 // One row of the file table: an item as the listing read it, and the new
@@ -23,6 +25,9 @@ struct ItemRecord {
     quint32 creatorCode = 0;
     bool include = true;
     FileIdentity identity;       // as listed; zero where not known
+    // What the file says of itself (camera, lens, tags, length), as far as
+    // it was asked; none until a listing or a later read asks.
+    std::shared_ptr<const Metadata::Values> metadata;
     QString newName;             // "" until a batch pass gives one
 
     QString path() const { return location + name; }

@@ -3,6 +3,7 @@
 #include "CaseChange.h"
 #include "PathNames.h"
 #include "StringAdditions.h"
+#include "ValueTexts.h"
 
 #include <QStringBuilder>
 
@@ -47,35 +48,38 @@ QString NameComposer::counterText(qint32 counter, qint32 rowCount, qint32 minimu
     return padded ? addLeadingZeros(counter, rowCount, minimum) : QString::number(counter);
 }
 
-// The counter's and the folder's places in a text whose date tokens are
-// filled: every "«#»" is the counter; in what is between them every "«ƒ»"
-// is the folder's name. A counter is digits and a sign, so it can neither
-// make nor break a "«ƒ»": this is the text with "«#»" replaced and then
-// "«ƒ»", cut up once.
-std::vector<NameComposer::FilledText::Part> NameComposer::partsOf(const QString &filled)
+// The places of the counter, the folder's name and the values files record
+// in a text whose date tokens are filled: every "«#»" is the counter, every
+// "«ƒ»" the folder's name, every «field» or «tag KEY» a value. A counter is
+// digits and a sign, and values are put in after this, so none of them can
+// make or break a token: this is the text cut up once.
+void NameComposer::cutIntoParts(FilledText &text)
 {
     using Piece = FilledText::Piece;
-    static const QString counter = QStringLiteral("«#»");
-    static const QString folder = QStringLiteral("«ƒ»");
-    std::vector<FilledText::Part> parts;
-    const auto literal = [&](qsizetype from, qsizetype to) {
-        for (qsizetype at; (at = filled.indexOf(folder, from)) >= 0 && at < to;) {
-            if (at > from)
-                parts.push_back({Piece::Literal, from, at - from});
-            parts.push_back({Piece::Folder});
-            from = at + folder.size();
-        }
-        if (to > from)
-            parts.push_back({Piece::Literal, from, to - from});
+    const QString &filled = text.filled;
+    text.parts.clear();
+    text.tokens.clear();
+    qsizetype literal = 0;
+    const auto endLiteral = [&](qsizetype at) {
+        if (at > literal)
+            text.parts.push_back({Piece::Literal, literal, at - literal});
     };
-    qsizetype from = 0;
-    for (qsizetype at; (at = filled.indexOf(counter, from)) >= 0;) {
-        literal(from, at);
-        parts.push_back({Piece::Counter});
-        from = at + counter.size();
+    for (qsizetype at = 0; (at = filled.indexOf(u'«', at)) >= 0;) {
+        const QStringView rest = QStringView(filled).sliced(at);
+        if (rest.startsWith(u"«#»") || rest.startsWith(u"«ƒ»")) {
+            endLiteral(at);
+            text.parts.push_back({rest[1] == u'#' ? Piece::Counter : Piece::Folder});
+            literal = at += 3;
+        } else if (const std::optional<MetadataTokens::Token> token = MetadataTokens::at(filled, at)) {
+            endLiteral(at);
+            text.parts.push_back({Piece::Value, qsizetype(text.tokens.size())});
+            text.tokens.push_back(*token);
+            literal = at += token->length;
+        } else {
+            ++at;
+        }
     }
-    literal(from, filled.size());
-    return parts;
+    endLiteral(filled.size());
 }
 
 const NameComposer::FilledText &NameComposer::tokensFilled(const QString &text, const QDateTime &date) const
@@ -93,12 +97,12 @@ const NameComposer::FilledText &NameComposer::tokensFilled(const QString &text, 
     slot.text = text;
     slot.date = date;
     slot.filled = replaceInsertConstants(text, date);
-    slot.parts = partsOf(slot.filled);
+    cutIntoParts(slot);
     return slot;
 }
 
 QString NameComposer::fillTokens(const QString &text, const QDateTime &date, const QString &counter,
-                                 const QString &folder, qsizetype room) const
+                                 const QString &folder, const Metadata::Values *values, bool &valued, qsizetype room)
 {
     // Every token opens with a guillemet; most texts have none.
     if (!text.contains(u'«'))
@@ -117,6 +121,18 @@ QString NameComposer::fillTokens(const QString &text, const QDateTime &date, con
         case FilledText::Piece::Folder:
             made += folder;
             break;
+        case FilledText::Piece::Value: {
+            const MetadataTokens::Token &token = filled.tokens[size_t(part.from)];
+            const QString value = values ? ValueTexts::forName(token.valueIn(*values)) : QString();
+            if (value.isEmpty()) {
+                if (!lastMissing.contains(token.name()))
+                    lastMissing.append(token.name());
+            } else {
+                made += value;
+                valued = true;
+            }
+            break;
+        }
         }
     }
     return made;
@@ -192,11 +208,13 @@ QString NameComposer::folderNameOf(const QString &location)
 QString NameComposer::generateNewName(const CompositionRequest &request)
 {
     const QString folder = folderNameOf(request.location);
+    lastMissing.clear();
+    bool valued = false;
 
     // Room for the rest of the name, so it is appended without copying.
     QString newName = fillTokens(rule.prefix.text, request.prefixDate,
                                  counterText(prefixCounter, request.rowCount, rule.prefix.digits, prefixZerosControlConnected),
-                                 folder, request.name.size() + rule.suffix.text.size() + 8);
+                                 folder, request.values, valued, request.name.size() + rule.suffix.text.size() + 8);
     // Advances on every call, whether or not the prefix shows a counter.
     prefixCounter += rule.prefix.step;
 
@@ -208,10 +226,15 @@ QString NameComposer::generateNewName(const CompositionRequest &request)
     }
 
     newName += fillTokens(rule.suffix.text, request.suffixDate,
-                          counterText(suffixCounter, request.rowCount, rule.suffix.digits, suffixZerosControlConnected), folder);
+                          counterText(suffixCounter, request.rowCount, rule.suffix.digits, suffixZerosControlConnected), folder,
+                          request.values, valued);
     suffixCounter += rule.suffix.step;
 
     const QString extension = extensionFor(request.name);
+    // A long recorded value (a title, a lens) is cut rather than make a
+    // name no file system takes.
+    if (valued)
+        newName = PathNames::fittedBefore(newName, extension, PathNames::longestName);
     if (!request.numberDuplicates)
         return newName + extension;
     return numbered(request.location, newName, extension);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DateTokens.h"
+#include "MetadataTokens.h"
 #include "RenameRule.h"
 
 #include <QDateTime>
@@ -19,6 +20,7 @@ struct CompositionRequest {
     QString location;      // containing folder with a trailing "/"
     QDateTime prefixDate;  // invalid for none
     QDateTime suffixDate;
+    const Metadata::Values *values = nullptr; // what the item's file says, for «camera» and the like
 };
 
 // New names given out in the current pass, each with its folder, in order,
@@ -131,6 +133,9 @@ public:
     // Why the search and replace of the last name composed failed; empty
     // when it did not. The name part then stayed as it was.
     QString lastFailure;
+    // The tokens of the last name composed whose file recorded no value
+    // ("lens", "Exif.Photo.LensModel"): they became empty text.
+    QStringList lastMissing;
 
     // Treated base names kept from one composition to the next while the
     // rules that make them (search and replace, trimming, case, accents)
@@ -162,9 +167,11 @@ public:
 
 private:
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;
-    // `room`: characters to leave room for after the text.
+    // `room`: characters to leave room for after the text. Tokens of what
+    // files say take their values from `values`; `valued` is set when one
+    // gave any text.
     QString fillTokens(const QString &text, const QDateTime &date, const QString &counter, const QString &folder,
-                       qsizetype room = 0) const;
+                       const Metadata::Values *values, bool &valued, qsizetype room = 0);
     TreatedBase treatedBaseName(const QString &name);
     TreatedBase cachedBaseName(const QString &name);
     struct FilledText;
@@ -177,21 +184,22 @@ private:
 
     // The last texts the date tokens were filled in: rows without dates of
     // their own share one answer. What is left is cut once into literal
-    // runs and the places of the counter and the folder's name, which
-    // change with every row.
+    // runs and the places of the counter, the folder's name and the values
+    // files record, which change with every row.
     struct FilledText {
-        enum class Piece : char { Literal, Counter, Folder };
+        enum class Piece : char { Literal, Counter, Folder, Value };
         struct Part {
             Piece piece;
-            qsizetype from = 0; // a literal run of `filled`
+            qsizetype from = 0; // a literal run of `filled`, or a value's token in `tokens`
             qsizetype length = 0;
         };
         QString text;
         QDateTime date;
         QString filled;
         std::vector<Part> parts;
+        std::vector<MetadataTokens::Token> tokens;
     };
-    static std::vector<FilledText::Part> partsOf(const QString &filled);
+    static void cutIntoParts(FilledText &text);
     mutable FilledText m_filled[2];
     mutable int m_nextFilled = 0;
 };

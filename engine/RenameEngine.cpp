@@ -1,7 +1,7 @@
 #include "RenameEngine.h"
 
 #include "CalendarFormat.h"
-#include "DatesTaken.h"
+#include "MetadataReader.h"
 #include "GrepPrefetch.h"
 
 #include <QCoreApplication>
@@ -25,9 +25,7 @@ Composed RenameEngine::composeTable(NameComposer &composer, const std::vector<It
             names.append(row.name);
         composer.grep = GrepPrefetch::replacementFor(composer.rule, names);
     }
-    Composed composed;
-    composed.names = BatchPass::newNames(composer, rows, request, dates, &composed.grepFailures);
-    return composed;
+    return BatchPass::newNames(composer, rows, request, dates);
 }
 
 void RenameEngine::prefetchGrep(const QStringList &names)
@@ -35,10 +33,18 @@ void RenameEngine::prefetchGrep(const QStringList &names)
     composer.grep = GrepPrefetch::replacementFor(rule(), names);
 }
 
+Metadata::Request RenameEngine::metadataRequest() const
+{
+    Metadata::Request request = rule().metadataRequest();
+    request.dateTaken = readsDatesTaken;
+    request |= columnsRequest;
+    return request;
+}
+
 FolderListing RenameEngine::listing()
 {
     FolderListing listing(dates, stop);
-    if (readsDatesTaken)
-        listing.dateTaken = &DatesTaken::read;
+    listing.metadata = metadataRequest();
+    listing.readMetadata = &MetadataReader::read;
     return listing;
 }

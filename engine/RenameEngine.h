@@ -18,6 +18,9 @@ public:
     NameComposer composer;
     bool previewsAsTyped = true;
     bool readsDatesTaken = false;
+    // What the window's columns show of what files say, read with a listing
+    // beside what the rule's tokens ask.
+    Metadata::Request columnsRequest;
     std::atomic<bool> stop{true}; // a listing's Stop; may be set from another thread
     QString sampleName;
     QString localTimeZone;
@@ -39,6 +42,10 @@ public:
     // Before composing names one at a time (a script's batch pass): their
     // GREP answers worked out in one exchange.
     void prefetchGrep(const QStringList &names);
-    // A listing that reads dates as the engine is set to (dates taken when chosen).
+    // What a listing reads of each file: its date taken when chosen, the
+    // values the rule's tokens and the columns ask for.
+    Metadata::Request metadataRequest() const;
+    // A listing that reads dates as the engine is set to (dates taken when
+    // chosen), and what the rule and the columns ask of each file.
     FolderListing listing();
 };

@@ -1,5 +1,6 @@
 #include "RenameRule.h"
 
+#include "MetadataTokens.h"
 #include "StringAdditions.h"
 
 #include <QJsonArray>
@@ -243,4 +244,11 @@ Result<RenameRule> RenameRule::fromJson(const QByteArray &json)
     if (!found.isEmpty())
         return Failure{found};
     return rule;
+}
+
+Metadata::Request RenameRule::metadataRequest() const
+{
+    Metadata::Request request = MetadataTokens::requestOf({prefix.text, suffix.text});
+    request.dateTaken = datesTaken;
+    return request;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MetadataValues.h"
 #include "Result.h"
 
 #include <QByteArray>
@@ -59,6 +60,9 @@ struct RenameRule {
     // as the engine holds before it is given a rule.
     static RenameRule blank();
     bool searchesByGrep() const { return searchKind == Search::Grep && !search.isEmpty(); }
+    // What a listing must read of each file for this rule: its date taken
+    // when chosen, and the values its prefix's and suffix's tokens show.
+    Metadata::Request metadataRequest() const;
 
     QByteArray toJson() const;
     // The rule a JSON text describes; on a key of the wrong kind, one it does

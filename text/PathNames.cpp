@@ -65,3 +65,30 @@ QByteArray hiddenNameBeside(const QByteArray &path, const char *purpose)
 }
 
 } // namespace PathNames
+
+namespace PathNames {
+
+QString fittedBefore(const QString &stem, const QString &after, qsizetype bytes)
+{
+    // A UTF-16 code unit is at most three bytes: most names need no encoding here.
+    if ((stem.size() + after.size()) * 3 <= bytes)
+        return stem;
+    const qsizetype room = bytes - PathCodec::encode(after).size();
+    if (room <= 0)
+        return QString();
+    qsizetype used = 0;
+    qsizetype end = 0;
+    while (end < stem.size()) {
+        // A pair of surrogates is one character; a lone one stands for a
+        // byte of a name that is not UTF-8 and is one byte on disk.
+        const qsizetype units = stem[end].isHighSurrogate() && end + 1 < stem.size() && stem[end + 1].isLowSurrogate() ? 2 : 1;
+        const qsizetype size = PathCodec::encode(stem.mid(end, units)).size();
+        if (used + size > room)
+            break;
+        used += size;
+        end += units;
+    }
+    return stem.left(end);
+}
+
+} // namespace PathNames

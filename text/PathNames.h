@@ -24,6 +24,13 @@ QString absolute(const QString &path);
 QByteArray folderOf(const QByteArray &path);
 QString folderOf(const QString &path);
 
+// The most bytes a name may have on the file systems Nomen renames on.
+inline constexpr qsizetype longestName = 255;
+
+// `stem` cut at a character boundary so that it and `after` make a name of
+// at most `bytes` bytes as the file system holds it; whole when they fit.
+QString fittedBefore(const QString &stem, const QString &after, qsizetype bytes);
+
 // A hidden name in the same folder as `path` for work in progress
 // (".nomen-PURPOSE-PID-RANDOM"); whether it is free is for the caller to see.
 QByteArray hiddenNameBeside(const QByteArray &path, const char *purpose);

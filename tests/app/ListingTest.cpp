@@ -157,8 +157,11 @@ TEST_F(Listings, DatesAreClampedAndSizesKept)
     const QVariantMap missing = ScriptRequests::fileInfo(listing.fileInfo(root() + "/missing"), dates);
     EXPECT_EQ(missing.value("creation").toDateTime().date(), QDate(1904, 1, 1));
     EXPECT_EQ(missing.value("file_size").toULongLong(), 0u);
-    listing.dateTaken = [](const QByteArray &) {
-        return DateTaken::atWallClock(QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8)), -8 * 3600);
+    listing.metadata.dateTaken = true;
+    listing.readMetadata = [](const QByteArray &, const Metadata::Request &) {
+        Metadata::Values values;
+        values.taken = DateTaken::atWallClock(QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8)), -8 * 3600);
+        return values;
     };
     const QDateTime taken = ScriptRequests::fileInfo(listing.fileInfo(old), dates).value("creation").toDateTime();
     EXPECT_EQ(taken, QDateTime(QDate(2003, 4, 5), QTime(6, 7, 8), Qt::OffsetFromUTC, -8 * 3600)) << "dates taken when chosen";
@@ -175,14 +178,17 @@ TEST_F(Listings, EachFilesDateTakenIsReadOnceAndLandsOnItsRow)
     make(QStringLiteral("Photos/Sub/inner.jpg"));
     std::mutex lock;
     QHash<QByteArray, int> reads;
-    listing.dateTaken = [&](const QByteArray &path) -> std::optional<DateTaken> {
+    listing.metadata.dateTaken = true;
+    listing.readMetadata = [&](const QByteArray &path, const Metadata::Request &) {
         {
             const std::lock_guard guard(lock);
             ++reads[path];
         }
         // Minutes after midnight as the photo's number, at +05:30.
         const int number = QFileInfo(QString::fromUtf8(path)).baseName().mid(1).toInt(); // "inner" is 0
-        return DateTaken::atWallClock(QDateTime(QDate(2020, 1, 1), QTime(0, 0).addSecs(60 * number)), 19800);
+        Metadata::Values values;
+        values.taken = DateTaken::atWallClock(QDateTime(QDate(2020, 1, 1), QTime(0, 0).addSecs(60 * number)), 19800);
+        return values;
     };
     ListingRequest request;
     request.root = root() + QStringLiteral("/Photos");

@@ -45,20 +45,20 @@ TEST(Batch, DuplicatesAreNumberedWithinAFolderNotAcrossFolders)
     NameComposer composer;
     composer.rule.prefix.text = "same";
     const std::vector<ItemRecord> rows = {row("a.jpg", "/one/"), row("b.jpg", "/one/"), row("c.jpg", "/two/"), row("d.png", "/one/")};
-    EXPECT_EQ(BatchPass::newNames(composer, rows, {}, dates), QStringList({"same.jpg", "same 1.jpg", "same.jpg", "same.png"}));
+    EXPECT_EQ(BatchPass::newNames(composer, rows, {}, dates).names, QStringList({"same.jpg", "same 1.jpg", "same.jpg", "same.png"}));
 }
 
 TEST(Batch, ExcludedRowsKeepTheirNameAndMayUseUpCounters)
 {
     const std::vector<ItemRecord> rows = {row("a.jpg", "/f/"), row("b.jpg", "/f/", false), row("c.jpg", "/f/")};
     NameComposer still = counting();
-    EXPECT_EQ(BatchPass::newNames(still, rows, {}, dates), QStringList({"P1_a_S10.jpg", "b.jpg", "P2_c_S20.jpg"}));
+    EXPECT_EQ(BatchPass::newNames(still, rows, {}, dates).names, QStringList({"P1_a_S10.jpg", "b.jpg", "P2_c_S20.jpg"}));
     // Advancing on excluded rows, the prefix counter follows the suffix
     // counter: 20 + 1 = 21.
     NameComposer advancing = counting();
     PassRequest request;
     request.advanceExcluded = true;
-    EXPECT_EQ(BatchPass::newNames(advancing, rows, request, dates), QStringList({"P1_a_S10.jpg", "b.jpg", "P21_c_S30.jpg"}));
+    EXPECT_EQ(BatchPass::newNames(advancing, rows, request, dates).names, QStringList({"P1_a_S10.jpg", "b.jpg", "P21_c_S30.jpg"}));
 }
 
 TEST(Batch, ThePassCoversTheRowsAskedForWithTheirDatesAndTellsEachRow)
@@ -72,12 +72,12 @@ TEST(Batch, ThePassCoversTheRowsAskedForWithTheirDatesAndTellsEachRow)
     request.rowCount = 2;
     request.progress = [&](qint32 row, qint32 count) { told.append({row, count}); };
     const std::vector<ItemRecord> rows = {row("a.jpg", "/f/"), row("b.jpg", "/f/"), row("c.jpg", "/f/")};
-    EXPECT_EQ(BatchPass::newNames(composer, rows, request, dates), QStringList({"2001-02-03 a.jpg", "2001-02-03 b.jpg"}));
+    EXPECT_EQ(BatchPass::newNames(composer, rows, request, dates).names, QStringList({"2001-02-03 a.jpg", "2001-02-03 b.jpg"}));
     EXPECT_EQ(told, (QList<std::pair<qint32, qint32>>{{1, 2}, {2, 2}}));
     request.prefixChoice = 3;
-    EXPECT_EQ(BatchPass::newNames(composer, rows, request, dates).first(), "2002-03-04 a.jpg");
+    EXPECT_EQ(BatchPass::newNames(composer, rows, request, dates).names.first(), "2002-03-04 a.jpg");
     request.rowCount = 0;
-    EXPECT_TRUE(BatchPass::newNames(composer, rows, request, dates).isEmpty());
+    EXPECT_TRUE(BatchPass::newNames(composer, rows, request, dates).names.isEmpty());
 }
 
 class Moves : public testing::Test {

@@ -273,10 +273,9 @@ TEST(GrepFailures, ARowWhoseProgramFailsKeepsItsNameWithPerlsReason)
         rows[i].include = true;
     }
     composer.grep = GrepPrefetch::replacementFor(composer.rule, names);
-    QStringList failures;
-    const QStringList newNames = BatchPass::newNames(composer, rows, PassRequest(), ClampedDates(), &failures);
-    EXPECT_EQ(newNames, QStringList({"P-a0.txt", "b0.txt", "P-c2.txt"}));
-    EXPECT_EQ(failures, QStringList({"", "Illegal modulus zero", ""}));
+    const Composed composed = BatchPass::newNames(composer, rows, PassRequest(), ClampedDates());
+    EXPECT_EQ(composed.names, QStringList({"P-a0.txt", "b0.txt", "P-c2.txt"}));
+    EXPECT_EQ(composed.grepFailures, QStringList({"", "Illegal modulus zero", ""}));
     EXPECT_EQ(GrepPrefetch::patternError(composer.rule), QString()) << "it compiles; only one name fails";
     composer.rule.search = QStringLiteral("IMG_(\\d");
     EXPECT_TRUE(GrepPrefetch::patternError(composer.rule).startsWith(QStringLiteral("Unmatched ( in regex")));

@@ -1,0 +1,214 @@
+#include "ExifBlock.h"
+
+#include "ValueTexts.h"
+
+#include <libexif/exif-data.h>
+#include <libexif/exif-mem.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+using Metadata::Field;
+
+namespace {
+
+// Blocks handed out one after the other from a buffer of the thread's own,
+// each after a header holding its size (libexif reallocates); what does not
+// fit comes from the heap. Everything in the buffer is given up at once
+// when a file is done.
+class Arena {
+public:
+    static void *allocate(ExifLong size)
+    {
+        Arena &arena = current();
+        const size_t whole = ((size_t(size) + alignment - 1) & ~(alignment - 1)) + alignment;
+        unsigned char *block;
+        if (arena.m_active && arena.m_used + whole <= capacity) {
+            block = arena.m_buffer.get() + arena.m_used;
+            arena.m_used += whole;
+            std::memset(block + alignment, 0, size_t(size));
+        } else {
+            block = static_cast<unsigned char *>(std::calloc(1, whole));
+            if (!block)
+                return nullptr;
+        }
+        std::memcpy(block, &size, sizeof size);
+        return block + alignment;
+    }
+    static void release(void *data)
+    {
+        if (!data)
+            return;
+        unsigned char *block = static_cast<unsigned char *>(data) - alignment;
+        if (!current().holds(block))
+            std::free(block);
+    }
+    static void *reallocate(void *data, ExifLong size)
+    {
+        if (!data)
+            return allocate(size);
+        ExifLong old;
+        std::memcpy(&old, static_cast<unsigned char *>(data) - alignment, sizeof old);
+        void *moved = allocate(size);
+        if (moved) {
+            std::memcpy(moved, data, std::min(old, size));
+            release(data);
+        }
+        return moved;
+    }
+
+    // While one exists, what libexif allocates comes from the arena.
+    class Use {
+    public:
+        Use() { current().m_active = true; }
+        ~Use()
+        {
+            Arena &arena = current();
+            arena.m_active = false;
+            arena.m_used = 0;
+        }
+    };
+
+    // libexif's allocator for this thread, made outside the arena.
+    static ExifMem *memory()
+    {
+        struct Held {
+            ExifMem *memory = exif_mem_new(allocate, reallocate, release);
+            ~Held() { exif_mem_unref(memory); }
+        };
+        thread_local Held held;
+        return held.memory;
+    }
+
+private:
+    static constexpr size_t capacity = 256 * 1024;
+    static constexpr size_t alignment = 16;
+
+    static Arena &current()
+    {
+        thread_local Arena arena;
+        return arena;
+    }
+    bool holds(const unsigned char *block) const
+    {
+        return block >= m_buffer.get() && block < m_buffer.get() + capacity;
+    }
+
+    std::unique_ptr<unsigned char[]> m_buffer{new unsigned char[capacity]};
+    size_t m_used = 0;
+    bool m_active = false;
+};
+
+class Block {
+public:
+    explicit Block(ExifData *data) : m_data(data), m_order(exif_data_get_byte_order(data)) {}
+
+    const ExifEntry *entry(ExifIfd ifd, ExifTag tag) const { return exif_content_get_entry(m_data->ifd[ifd], tag); }
+
+    QString text(ExifIfd ifd, ExifTag tag) const
+    {
+        const ExifEntry *found = entry(ifd, tag);
+        if (!found || !found->data || (found->format != EXIF_FORMAT_ASCII && found->format != EXIF_FORMAT_UNDEFINED))
+            return QString();
+        return ValueTexts::decoded(reinterpret_cast<const char *>(found->data), found->size);
+    }
+    std::optional<double> number(ExifIfd ifd, ExifTag tag) const
+    {
+        const ExifEntry *found = entry(ifd, tag);
+        if (!found || !found->data || found->components < 1)
+            return std::nullopt;
+        const size_t size = exif_format_get_size(found->format);
+        if (size == 0 || found->size < size)
+            return std::nullopt;
+        switch (found->format) {
+        case EXIF_FORMAT_SHORT:
+            return exif_get_short(found->data, m_order);
+        case EXIF_FORMAT_LONG:
+            return exif_get_long(found->data, m_order);
+        case EXIF_FORMAT_RATIONAL: {
+            const ExifRational value = exif_get_rational(found->data, m_order);
+            return value.denominator ? std::optional<double>(double(value.numerator) / value.denominator) : std::nullopt;
+        }
+        case EXIF_FORMAT_SRATIONAL: {
+            const ExifSRational value = exif_get_srational(found->data, m_order);
+            return value.denominator ? std::optional<double>(double(value.numerator) / value.denominator) : std::nullopt;
+        }
+        default:
+            return std::nullopt;
+        }
+    }
+
+private:
+    ExifData *m_data;
+    ExifByteOrder m_order;
+};
+
+// DateTimeOriginal (in the EXIF directory, or the first as older cameras
+// put it), else DateTimeDigitized, each with its own offset.
+std::optional<DateTaken> dateOf(const Block &block)
+{
+    struct Source {
+        ExifIfd ifd;
+        unsigned stamp;
+        unsigned offset;
+    };
+    constexpr Source sources[] = {{EXIF_IFD_EXIF, 0x9003, 0x9011}, {EXIF_IFD_0, 0x9003, 0x9011}, {EXIF_IFD_EXIF, 0x9004, 0x9012}};
+    for (const Source &source : sources) {
+        const auto stamp = RecordedStamp::parse(block.text(source.ifd, ExifTag(source.stamp)));
+        if (stamp)
+            return stamp->taken(RecordedStamp::parseOffset(block.text(EXIF_IFD_EXIF, ExifTag(source.offset))));
+    }
+    return std::nullopt;
+}
+
+void setIfMissing(Metadata::Values &values, Field field, const QString &text)
+{
+    if (!values.has(field) && !text.isEmpty())
+        values.set(field, text);
+}
+
+} // namespace
+
+namespace ExifBlock {
+
+bool read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values)
+{
+    if (block.isEmpty())
+        return false;
+    const Arena::Use arena;
+    std::unique_ptr<ExifData, void (*)(ExifData *)> data(exif_data_new_mem(Arena::memory()), exif_data_unref);
+    if (!data)
+        return false;
+    // Read as it stands: nothing added, nothing "fixed", maker notes left.
+    exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
+    exif_data_set_option(data.get(), EXIF_DATA_OPTION_DONT_CHANGE_MAKER_NOTE);
+    exif_data_load_data(data.get(), reinterpret_cast<const unsigned char *>(block.constData()), unsigned(block.size()));
+    const Block exif(data.get());
+
+    if (request.dateTaken && !values.taken)
+        values.taken = dateOf(exif);
+    const Metadata::Fields fields = request.fields;
+    if (fields.intersects(Metadata::Fields::photograph())) {
+        setIfMissing(values, Field::Make, exif.text(EXIF_IFD_0, EXIF_TAG_MAKE));
+        setIfMissing(values, Field::Model, exif.text(EXIF_IFD_0, EXIF_TAG_MODEL));
+        setIfMissing(values, Field::Lens, exif.text(EXIF_IFD_EXIF, ExifTag(0xA434)));
+        if (const auto iso = exif.number(EXIF_IFD_EXIF, EXIF_TAG_ISO_SPEED_RATINGS); iso && *iso > 0)
+            setIfMissing(values, Field::Iso, QString::number(qint64(*iso)));
+        // The APEX values stand in where the plain ones are missing.
+        if (const auto fNumber = exif.number(EXIF_IFD_EXIF, EXIF_TAG_FNUMBER))
+            setIfMissing(values, Field::Aperture, ValueTexts::aperture(*fNumber));
+        else if (const auto apex = exif.number(EXIF_IFD_EXIF, EXIF_TAG_APERTURE_VALUE))
+            setIfMissing(values, Field::Aperture, ValueTexts::aperture(std::pow(2.0, *apex / 2)));
+        if (const auto time = exif.number(EXIF_IFD_EXIF, EXIF_TAG_EXPOSURE_TIME))
+            setIfMissing(values, Field::Exposure, ValueTexts::exposure(*time));
+        else if (const auto apex = exif.number(EXIF_IFD_EXIF, EXIF_TAG_SHUTTER_SPEED_VALUE))
+            setIfMissing(values, Field::Exposure, ValueTexts::exposure(std::pow(2.0, -*apex)));
+        if (const auto focal = exif.number(EXIF_IFD_EXIF, EXIF_TAG_FOCAL_LENGTH))
+            setIfMissing(values, Field::Focal, ValueTexts::focalLength(*focal));
+    }
+    return exif.entry(EXIF_IFD_EXIF, EXIF_TAG_MAKER_NOTE) != nullptr;
+}
+
+} // namespace ExifBlock

@@ -1,0 +1,91 @@
+#include "FileSource.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Enough for a photograph's header and EXIF block as most cameras write it,
+// and for any container's opening boxes.
+constexpr qint64 headSize = 16 * 1024;
+
+ssize_t readAt(int descriptor, char *into, size_t length, qint64 offset)
+{
+    size_t got = 0;
+    while (got < length) {
+        const ssize_t n = pread(descriptor, into + got, length - got, off_t(offset) + off_t(got));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            return -1;
+        if (n == 0)
+            break;
+        got += size_t(n);
+    }
+    return ssize_t(got);
+}
+
+} // namespace
+
+FileSource::FileSource(const QByteArray &path)
+{
+    // Not followed through a link: a listing reads items as they are.
+    m_descriptor = open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK);
+    if (m_descriptor < 0)
+        return;
+    struct stat status;
+    if (fstat(m_descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(m_descriptor);
+        m_descriptor = -1;
+        return;
+    }
+    m_size = status.st_size;
+    m_head = bytes(0, std::min(m_size, headSize));
+}
+
+FileSource::~FileSource()
+{
+    if (m_mapping)
+        munmap(m_mapping, size_t(m_size));
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+}
+
+bool FileSource::read(qint64 offset, void *into, size_t length) const
+{
+    if (offset < 0 || length > size_t(m_size) || offset > m_size - qint64(length))
+        return false;
+    if (offset + qint64(length) <= m_head.size()) {
+        std::memcpy(into, m_head.constData() + offset, length);
+        return true;
+    }
+    return readAt(m_descriptor, static_cast<char *>(into), length, offset) == ssize_t(length);
+}
+
+QByteArray FileSource::bytes(qint64 offset, qint64 length) const
+{
+    if (offset < 0 || length <= 0 || offset >= m_size)
+        return QByteArray();
+    length = std::min(length, m_size - offset);
+    if (offset + length <= m_head.size())
+        return m_head.mid(offset, length);
+    QByteArray data(length, Qt::Uninitialized);
+    const ssize_t got = readAt(m_descriptor, data.data(), size_t(length), offset);
+    data.truncate(got < 0 ? 0 : got);
+    return data;
+}
+
+const unsigned char *FileSource::mapped()
+{
+    if (!m_mapping && m_size > 0) {
+        void *mapping = mmap(nullptr, size_t(m_size), PROT_READ, MAP_PRIVATE, m_descriptor, 0);
+        if (mapping != MAP_FAILED)
+            m_mapping = mapping;
+    }
+    return static_cast<const unsigned char *>(m_mapping);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <cstddef>
+
+// One file as every reader of it reads it: opened once, read where asked
+// (pread, so readers need not share a position), its first bytes kept, and
+// mapped whole only for a library that wants the file in memory.
+class FileSource {
+public:
+    // Opens `path` for reading; isOpen() says whether that worked.
+    explicit FileSource(const QByteArray &path);
+    ~FileSource();
+    FileSource(const FileSource &) = delete;
+    FileSource &operator=(const FileSource &) = delete;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int descriptor() const { return m_descriptor; }
+    qint64 size() const { return m_size; }
+    // The first bytes of the file (a few kilobytes, or the whole of a small one).
+    QByteArrayView head() const { return m_head; }
+
+    // Exactly `length` bytes from `offset`, or false.
+    bool read(qint64 offset, void *into, size_t length) const;
+    // Up to `length` bytes from `offset`; shorter at the end of the file.
+    QByteArray bytes(qint64 offset, qint64 length) const;
+    // The whole file in memory, read-only; nullptr when it cannot be mapped.
+    const unsigned char *mapped();
+
+private:
+    int m_descriptor = -1;
+    qint64 m_size = 0;
+    QByteArray m_head;
+    void *m_mapping = nullptr;
+};

@@ -1,0 +1,263 @@
+#include "MetadataReader.h"
+
+#include "ExifBlock.h"
+#include "Exiv2Reading.h"
+#include "FileSource.h"
+#include "JpegSegments.h"
+#include "MusicTags.h"
+#include "ReaderModules.h"
+#include "ValueTexts.h"
+
+using Metadata::Field;
+using Metadata::Fields;
+using Metadata::Request;
+using Metadata::Values;
+
+namespace {
+
+enum class Kind { Jpeg, Heif, QuickTime, AudioMp4, Container, Music, Still };
+
+struct Sniffed {
+    Kind kind;
+    MusicTags::Format format = MusicTags::Format::Mpeg;
+};
+
+// A file's kind from its first bytes, never from its name.
+Sniffed sniff(QByteArrayView head)
+{
+    const auto at = [&head](qsizetype offset, QByteArrayView expected) {
+        return head.size() >= offset + expected.size() && head.sliced(offset, expected.size()) == expected;
+    };
+    if (at(0, "\xFF\xD8\xFF"))
+        return {Kind::Jpeg};
+    if (at(4, "ftyp") && head.size() >= 12) {
+        const QByteArrayView brand = head.sliced(8, 4);
+        if (brand == "crx ")
+            return {Kind::Still}; // Canon's CR3, a raw exiv2 reads
+        for (const char *picture : {"heic", "heix", "heim", "heis", "hevc", "hevx", "mif1", "msf1", "avif", "avis"})
+            if (brand == picture)
+                return {Kind::Heif};
+        for (const char *audio : {"M4A ", "M4B ", "M4P "})
+            if (brand == audio)
+                return {Kind::AudioMp4};
+        return {Kind::QuickTime};
+    }
+    for (const char *quickTime : {"moov", "mdat", "wide", "free", "skip", "pnot"})
+        if (at(4, quickTime))
+            return {Kind::QuickTime};
+    using Format = MusicTags::Format;
+    if (at(0, "ID3"))
+        return {Kind::Music, Format::Mpeg};
+    if (at(0, "fLaC"))
+        return {Kind::Music, Format::Flac};
+    if (at(0, "OggS")) {
+        // The codec names itself in the first packet.
+        if (at(28, "\x01vorbis"))
+            return {Kind::Music, Format::OggVorbis};
+        if (at(28, "OpusHead"))
+            return {Kind::Music, Format::OggOpus};
+        if (at(28, "\x7F" "FLAC"))
+            return {Kind::Music, Format::OggFlac};
+        if (at(28, "Speex   "))
+            return {Kind::Music, Format::OggSpeex};
+        return {Kind::Container};
+    }
+    if (at(0, "RIFF") && at(8, "WAVE"))
+        return {Kind::Music, Format::Wav};
+    if (at(0, "RIFF") && at(8, "AVI "))
+        return {Kind::Container};
+    if (at(0, "FORM") && (at(8, "AIFF") || at(8, "AIFC")))
+        return {Kind::Music, Format::Aiff};
+    if (at(0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"))
+        return {Kind::Music, Format::Asf};
+    if (at(0, "MAC "))
+        return {Kind::Music, Format::Ape};
+    if (at(0, "\x1A\x45\xDF\xA3"))
+        return {Kind::Container}; // Matroska, WebM
+    // An MPEG audio frame without a tag before it (layer bits set, so not AAC).
+    if (head.size() >= 2 && uchar(head[0]) == 0xFF && (uchar(head[1]) & 0xE0) == 0xE0 && (uchar(head[1]) & 0x06) != 0)
+        return {Kind::Music, Format::Mpeg};
+    return {Kind::Still};
+}
+
+constexpr Fields stillFields = {Field::Make, Field::Model, Field::Lens, Field::Iso, Field::Aperture, Field::Exposure, Field::Focal};
+constexpr Fields sizeFields = {Field::Width, Field::Height, Field::Resolution};
+
+// What a request asks of the values the files record, «camera» being the
+// make and model.
+Request normalized(Request request)
+{
+    if (request.fields.has(Field::Camera))
+        request.fields = request.fields | Fields{Field::Make, Field::Model};
+    return request;
+}
+
+// The fields of a photograph asked and not yet found.
+Fields missingStill(const Request &request, const Values &values)
+{
+    Fields missing;
+    for (int i = 0; i < Metadata::FieldCount; ++i) {
+        const Field field = Field(i);
+        if (stillFields.has(field) && request.fields.has(field) && !values.has(field))
+            missing.add(field);
+    }
+    return missing;
+}
+
+// Whether an XMP packet could hold what is missing: each property's name
+// must stand in it, whatever prefix its namespace has.
+bool xmpMayHold(const QByteArray &packet, const Request &request, const Values &values)
+{
+    if (packet.isEmpty())
+        return false;
+    if (!request.tags.isEmpty())
+        return true;
+    const auto holds = [&packet](std::initializer_list<const char *> names) {
+        return std::any_of(names.begin(), names.end(), [&packet](const char *name) { return packet.contains(name); });
+    };
+    if (request.dateTaken && !values.taken && holds({"DateTimeOriginal", "DateCreated", "CreateDate", "DateTimeDigitized"}))
+        return true;
+    const Fields missing = missingStill(request, values);
+    return (missing.has(Field::Make) && holds({"Make"})) || (missing.has(Field::Model) && holds({"Model"}))
+           || (missing.has(Field::Lens) && holds({"Lens"})) || (missing.has(Field::Iso) && holds({"ISOSpeedRatings"}))
+           || (missing.has(Field::Aperture) && holds({"FNumber"})) || (missing.has(Field::Exposure) && holds({"ExposureTime"}))
+           || (missing.has(Field::Focal) && holds({"FocalLength"}));
+}
+
+// A photograph from its EXIF block and XMP packet: the EXIF first, then
+// the XMP, then what exiv2 reads of maker notes or, for a JPEG, of the
+// whole file (IPTC, any tag).
+void readStill(FileSource &file, const QByteArray &exif, const QByteArray &xmp, bool jpeg, const Request &request,
+               Values &values)
+{
+    const bool makerNote = ExifBlock::read(exif, request, values);
+    if (xmpMayHold(xmp, request, values))
+        Exiv2Reading::fromXmpPacket(xmp, request, values);
+    const bool dateMissing = request.dateTaken && !values.taken;
+    if (jpeg && (dateMissing || !request.tags.isEmpty())) {
+        Exiv2Reading::fromImage(file.mapped(), size_t(file.size()), request, values);
+        return;
+    }
+    if (dateMissing || !request.tags.isEmpty() || (makerNote && !missingStill(request, values).isEmpty()))
+        Exiv2Reading::fromExifBlock(exif, request, values);
+}
+
+void readJpeg(FileSource &file, const Request &request, Values &values)
+{
+    const bool still = request.dateTaken || request.fields.intersects(stillFields) || !request.tags.isEmpty();
+    const JpegSegments segments = JpegSegments::read(file, {still, still, request.fields.intersects(sizeFields)});
+    values.width = segments.width;
+    values.height = segments.height;
+    if (still)
+        readStill(file, segments.exif, segments.xmp, true, request, values);
+}
+
+void readHeif(FileSource &file, const Request &request, Values &values)
+{
+    const ReaderModule::Api *module = ReaderModules::load(ReaderModules::Module::Heif);
+    ReaderModule::Picture picture;
+    if (!module || !module->readPicture || !module->readPicture(file.descriptor(), picture))
+        return;
+    values.width = picture.width;
+    values.height = picture.height;
+    readStill(file, QByteArray::fromStdString(picture.exif), QByteArray::fromStdString(picture.xmp), false, request, values);
+}
+
+void setIfMissing(Values &values, Field field, const QString &text)
+{
+    if (!values.has(field) && !text.isEmpty())
+        values.set(field, text);
+}
+
+QString textOf(const std::string &text)
+{
+    return ValueTexts::decoded(text.data(), text.size());
+}
+
+// A recording through libavformat: its date (a phone's own clock with its
+// offset, else the container's time in UTC, shown in local time; QuickTime's
+// zero date of 1904 is none), length, picture size and tags.
+void readRecording(FileSource &file, const Request &request, Values &values)
+{
+    const ReaderModule::Api *module = ReaderModules::load(ReaderModules::Module::Media);
+    ReaderModule::Recording recording;
+    if (!module || !module->readRecording || !module->readRecording(file.descriptor(), recording))
+        return;
+    if (request.dateTaken && !values.taken) {
+        if (const auto phone = RecordedStamp::parse(textOf(recording.phoneDate)))
+            values.taken = phone->taken();
+        else if (const auto utc = RecordedStamp::parse(textOf(recording.creationTime)); utc && utc->wallClock.date().year() > 1904)
+            values.taken = DateTaken::inLocalTime(utc->wallClock.toMSecsSinceEpoch() - qint64(utc->offset.value_or(0)) * 1000);
+    }
+    if (values.durationMs < 0)
+        values.durationMs = recording.durationMs;
+    if (values.width <= 0) {
+        values.width = recording.width;
+        values.height = recording.height;
+    }
+    if (request.fields.intersects(Fields::music())) {
+        setIfMissing(values, Field::Title, textOf(recording.title));
+        setIfMissing(values, Field::Artist, textOf(recording.artist));
+        setIfMissing(values, Field::AlbumArtist, textOf(recording.albumArtist));
+        setIfMissing(values, Field::Album, textOf(recording.album));
+        setIfMissing(values, Field::Track, ValueTexts::track(textOf(recording.track)));
+        setIfMissing(values, Field::Disc, ValueTexts::disc(textOf(recording.disc)));
+        setIfMissing(values, Field::Year, ValueTexts::year(textOf(recording.date)));
+        setIfMissing(values, Field::Genre, textOf(recording.genre));
+    }
+}
+
+// MP4 and QuickTime: tags and an audio file's length through TagLib, dates
+// and the picture through libavformat, each only when asked for.
+void readQuickTime(FileSource &file, bool audio, const Request &request, Values &values)
+{
+    const bool length = request.fields.has(Field::Duration);
+    if (request.fields.intersects(Fields::music()) || (audio && length))
+        MusicTags::read(file, MusicTags::Format::Mp4, request, values);
+    if (request.dateTaken || request.fields.intersects(sizeFields) || (length && values.durationMs < 0))
+        readRecording(file, request, values);
+}
+
+} // namespace
+
+namespace MetadataReader {
+
+Values read(const QByteArray &path, const Request &asked)
+{
+    Values values;
+    values.answered = asked;
+    if (asked.isEmpty())
+        return values;
+    FileSource file(path);
+    if (!file.isOpen())
+        return values;
+    const Request request = normalized(asked);
+    const Sniffed kind = sniff(file.head());
+    switch (kind.kind) {
+    case Kind::Jpeg:
+        readJpeg(file, request, values);
+        break;
+    case Kind::Heif:
+        readHeif(file, request, values);
+        break;
+    case Kind::QuickTime:
+    case Kind::AudioMp4:
+        readQuickTime(file, kind.kind == Kind::AudioMp4, request, values);
+        break;
+    case Kind::Container:
+        readRecording(file, request, values);
+        break;
+    case Kind::Music:
+        if (request.fields.intersects(Fields::music() | Fields{Field::Duration}))
+            MusicTags::read(file, kind.format, request, values);
+        break;
+    case Kind::Still:
+        if (request.dateTaken || request.fields.intersects(stillFields | sizeFields) || !request.tags.isEmpty())
+            Exiv2Reading::fromImage(file.mapped(), size_t(file.size()), request, values);
+        break;
+    }
+    values.complete();
+    return values;
+}
+
+} // namespace MetadataReader
