@@ -5,10 +5,12 @@
 #include <libexif/exif-data.h>
 #include <libexif/exif-mem.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 using Metadata::Field;
 
@@ -71,11 +73,19 @@ public:
         }
     };
 
-    // libexif's allocator for this thread, made outside the arena.
+    // libexif's allocator for this thread, made outside the arena (it
+    // outlives every file).
     static ExifMem *memory()
     {
         struct Held {
-            ExifMem *memory = exif_mem_new(allocate, reallocate, release);
+            ExifMem *memory = nullptr;
+            Held()
+            {
+                Arena &arena = current();
+                const bool active = std::exchange(arena.m_active, false);
+                memory = exif_mem_new(allocate, reallocate, release);
+                arena.m_active = active;
+            }
             ~Held() { exif_mem_unref(memory); }
         };
         thread_local Held held;
@@ -169,18 +179,52 @@ void setIfMissing(Metadata::Values &values, Field field, const QString &text)
         values.set(field, text);
 }
 
+// Whether libexif read the maker note and found the entry with this tag.
+std::optional<bool> makerNoteHolds(ExifData *data, unsigned tag)
+{
+    ExifMnoteData *note = exif_data_get_mnote_data(data);
+    if (!note)
+        return std::nullopt;
+    for (unsigned i = 0; i < exif_mnote_data_count(note); ++i)
+        if (exif_mnote_data_get_id(note, i) == tag)
+            return true;
+    return false;
+}
+
+ExifBlock::MakerNote makerNoteOf(ExifData *data, const Block &block)
+{
+    ExifBlock::MakerNote note;
+    if (!block.entry(EXIF_IFD_EXIF, EXIF_TAG_MAKER_NOTE))
+        return note;
+    const QString make = block.text(EXIF_IFD_0, EXIF_TAG_MAKE).toLower();
+    const auto madeBy = [&make](std::initializer_list<const char *> makers) {
+        return std::any_of(makers.begin(), makers.end(), [&make](const char *maker) { return make.contains(QLatin1String(maker)); });
+    };
+    note.readable = madeBy({"canon", "nikon", "pentax", "asahi", "ricoh", "minolta", "sony", "olympus", "om digital",
+                            "panasonic", "leica", "samsung", "fujifilm", "casio", "sigma"});
+    // The makers whose maker notes exiv2 names lenses from; a Nikon's only
+    // when it holds lens data (a compact's does not).
+    if (madeBy({"nikon"}))
+        note.mayHoldLens = makerNoteHolds(data, 0x0098).value_or(true);
+    else
+        note.mayHoldLens = madeBy({"canon", "pentax", "asahi", "ricoh", "minolta", "sony", "olympus", "om digital",
+                                   "panasonic", "leica", "samsung"});
+    return note;
+}
+
 } // namespace
 
 namespace ExifBlock {
 
-bool read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values)
+MakerNote read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values)
 {
     if (block.isEmpty())
-        return false;
+        return {};
+    ExifMem *memory = Arena::memory();
     const Arena::Use arena;
-    std::unique_ptr<ExifData, void (*)(ExifData *)> data(exif_data_new_mem(Arena::memory()), exif_data_unref);
+    std::unique_ptr<ExifData, void (*)(ExifData *)> data(exif_data_new_mem(memory), exif_data_unref);
     if (!data)
-        return false;
+        return {};
     // Read as it stands: nothing added, nothing "fixed", maker notes left.
     exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
     exif_data_set_option(data.get(), EXIF_DATA_OPTION_DONT_CHANGE_MAKER_NOTE);
@@ -208,7 +252,7 @@ bool read(const QByteArray &block, const Metadata::Request &request, Metadata::V
         if (const auto focal = exif.number(EXIF_IFD_EXIF, EXIF_TAG_FOCAL_LENGTH))
             setIfMissing(values, Field::Focal, ValueTexts::focalLength(*focal));
     }
-    return exif.entry(EXIF_IFD_EXIF, EXIF_TAG_MAKER_NOTE) != nullptr;
+    return makerNoteOf(data.get(), exif);
 }
 
 } // namespace ExifBlock

@@ -11,8 +11,15 @@
 // per entry.
 namespace ExifBlock {
 
-// Fills what the block records of what `request` asks; answers whether the
-// block holds a maker note, where a camera may keep more.
-bool read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values);
+// What a block's maker note, where a camera keeps more, may hold for exiv2
+// to read: it knows the maker notes of the main makers, and their lens
+// entries.
+struct MakerNote {
+    bool readable = false;    // there is one, of a maker exiv2 knows
+    bool mayHoldLens = false; // and it may name the lens
+};
+
+// Fills what the block records of what `request` asks.
+MakerNote read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values);
 
 } // namespace ExifBlock

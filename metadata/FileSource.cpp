@@ -10,9 +10,9 @@
 
 namespace {
 
-// Enough for a photograph's header and EXIF block as most cameras write it,
-// and for any container's opening boxes.
-constexpr qint64 headSize = 16 * 1024;
+// Enough to tell any kind of file and to find where a JPEG keeps its EXIF;
+// a larger block would be copied for every file only to be passed over.
+constexpr qint64 headSize = 4 * 1024;
 
 ssize_t readAt(int descriptor, char *into, size_t length, qint64 offset)
 {

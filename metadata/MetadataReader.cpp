@@ -7,6 +7,7 @@
 #include "MusicTags.h"
 #include "ReaderModules.h"
 #include "ValueTexts.h"
+#include "XmpPacket.h"
 
 using Metadata::Field;
 using Metadata::Fields;
@@ -130,16 +131,21 @@ bool xmpMayHold(const QByteArray &packet, const Request &request, const Values &
 void readStill(FileSource &file, const QByteArray &exif, const QByteArray &xmp, bool jpeg, const Request &request,
                Values &values)
 {
-    const bool makerNote = ExifBlock::read(exif, request, values);
+    const ExifBlock::MakerNote makerNote = ExifBlock::read(exif, request, values);
     if (xmpMayHold(xmp, request, values))
-        Exiv2Reading::fromXmpPacket(xmp, request, values);
+        XmpPacket::read(xmp, request, values);
     const bool dateMissing = request.dateTaken && !values.taken;
     if (jpeg && (dateMissing || !request.tags.isEmpty())) {
         Exiv2Reading::fromImage(file.mapped(), size_t(file.size()), request, values);
         return;
     }
-    if (dateMissing || !request.tags.isEmpty() || (makerNote && !missingStill(request, values).isEmpty()))
+    const Fields missing = missingStill(request, values);
+    const bool inMakerNote = (missing.has(Field::Lens) && makerNote.mayHoldLens)
+                             || (!(missing - Fields{Field::Lens}).isEmpty() && makerNote.readable);
+    if (dateMissing || !request.tags.isEmpty() || inMakerNote)
         Exiv2Reading::fromExifBlock(exif, request, values);
+    if (!request.tags.isEmpty())
+        Exiv2Reading::fromXmpPacket(xmp, request, values);
 }
 
 void readJpeg(FileSource &file, const Request &request, Values &values)
