@@ -128,14 +128,26 @@ void read(const FileSource &file, Format format, const Metadata::Request &reques
             const auto found = properties.find(key);
             return found == properties.end() ? QString() : textOf(found->second);
         };
-        values.set(Field::Artist, value("ARTIST"));
+        // A file's fullest tag gives its values; what it lacks, another tag
+        // of the file gives (an MP3's ID3v1 beside an ID3v2 that holds
+        // only the encoder's name).
+        const TagLib::Tag *any = tagged->tag();
+        const auto either = [&](const char *key, TagLib::String (TagLib::Tag::*basic)() const) {
+            const QString text = value(key);
+            return text.isEmpty() && any ? textOf(TagLib::StringList((any->*basic)())) : text;
+        };
+        const auto number = [&](const char *key, unsigned (TagLib::Tag::*basic)() const) {
+            const QString text = value(key);
+            return text.isEmpty() && any && (any->*basic)() > 0 ? QString::number((any->*basic)()) : text;
+        };
+        values.set(Field::Artist, either("ARTIST", &TagLib::Tag::artist));
         values.set(Field::AlbumArtist, value("ALBUMARTIST"));
-        values.set(Field::Album, value("ALBUM"));
-        values.set(Field::Title, value("TITLE"));
-        values.set(Field::Track, ValueTexts::track(value("TRACKNUMBER")));
+        values.set(Field::Album, either("ALBUM", &TagLib::Tag::album));
+        values.set(Field::Title, either("TITLE", &TagLib::Tag::title));
+        values.set(Field::Track, ValueTexts::track(number("TRACKNUMBER", &TagLib::Tag::track)));
         values.set(Field::Disc, ValueTexts::disc(value("DISCNUMBER")));
-        values.set(Field::Year, ValueTexts::year(value("DATE")));
-        values.set(Field::Genre, value("GENRE"));
+        values.set(Field::Year, ValueTexts::year(number("DATE", &TagLib::Tag::year)));
+        values.set(Field::Genre, either("GENRE", &TagLib::Tag::genre));
     }
     if (const TagLib::AudioProperties *audio = tagged->audioProperties(); audio && values.durationMs < 0) {
         const int length = audio->lengthInMilliseconds();

@@ -121,6 +121,19 @@ bool readRecording(int descriptor, ReaderModule::Recording &recording)
                         recording.durationMs = std::max<long long>(recording.durationMs,
                                                                    av_rescale_q(stream->duration, stream->time_base, {1, 1000}));
                 }
+            // Most containers say the picture's size in their headers; for
+            // an MPEG-4 Part 2 stream in MP4 it comes from the stream's own
+            // first frames, so those are looked at, and no more.
+            const auto unsized = [context] {
+                for (unsigned i = 0; i < context->nb_streams; ++i)
+                    if (context->streams[i]->codecpar->codec_type == AVMEDIA_TYPE_VIDEO && context->streams[i]->codecpar->width <= 0)
+                        return true;
+                return false;
+            };
+            if (unsized()) {
+                context->max_analyze_duration = AV_TIME_BASE;
+                avformat_find_stream_info(context, nullptr);
+            }
             for (unsigned i = 0; i < context->nb_streams; ++i) {
                 const AVCodecParameters *codec = context->streams[i]->codecpar;
                 const bool picture = context->streams[i]->disposition & AV_DISPOSITION_ATTACHED_PIC;

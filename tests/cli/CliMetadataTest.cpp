@@ -1,0 +1,163 @@
+// Names made from what files say, through nomen-cli as a user would make
+// them, held to what the tools trusted for each kind read in the same files:
+// exiftool for photographs, exiv2 for tags by key, ffprobe for lengths and
+// picture sizes, mutagen for music tags.
+
+#include "CliRunner.h"
+#include "TestPrinting.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QStringList tokens = {"make",  "model", "camera", "lens", "iso",   "aperture", "exposure",    "focal",
+                            "width", "height", "artist", "albumartist", "album", "title", "track", "disc",
+                            "year",  "genre",  "duration", "resolution", "tag Exif.Photo.LensModel",
+                            "tag Exif.Photo.ExposureTime", "tag Xmp.dc.title", "tag Iptc.Application2.City"};
+const QString between = QStringLiteral("¦"); // in no value
+
+// The files, made once for every test here (they only read them).
+class Metadata : public testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        files = new QTemporaryDir;
+        QProcess make;
+        make.start(QStringLiteral(NOMEN_SHARED_TEST_DATA "/metadata_fixtures.py"), {"make", files->path()});
+        make.waitForFinished(120000);
+        made = make.exitCode() == 0 ? QString() : QString::fromUtf8(make.readAllStandardError());
+        for (const QString &name : QDir(QStringLiteral(NOMEN_SHARED_TEST_DATA "/cameras")).entryList(QDir::Files)) {
+            if (name != QLatin1String("README"))
+                QFile::copy(QStringLiteral(NOMEN_SHARED_TEST_DATA "/cameras/") + name, files->filePath(name));
+        }
+    }
+    static void TearDownTestSuite() { delete files; }
+    void SetUp() override
+    {
+        ASSERT_TRUE(made.isEmpty()) << made.toStdString();
+        cli.environment.insert(QStringLiteral("XDG_CONFIG_HOME"), cli.data.path());
+    }
+
+    static QString folder() { return files->path(); }
+
+    // Each file's values as the trusted tools read them.
+    QJsonObject expected() const
+    {
+        QProcess oracle;
+        oracle.start(QStringLiteral(NOMEN_SHARED_TEST_DATA "/metadata_fixtures.py"), {"expect", folder()});
+        oracle.waitForFinished(120000);
+        return QJsonDocument::fromJson(oracle.readAllStandardOutput()).object();
+    }
+
+    // nomen-cli's dry run as JSON, its rows by the old name.
+    QMap<QString, QJsonObject> rows(const QStringList &arguments, const QString &zone = QStringLiteral("UTC"))
+    {
+        cli.environment.insert(QStringLiteral("TZ"), zone);
+        const CliRun run = cli.run(QStringList{"--json"} + arguments + QStringList{folder()});
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        QMap<QString, QJsonObject> found;
+        for (const QJsonValue &row : QJsonDocument::fromJson(run.out.toUtf8()).array())
+            found.insert(QFileInfo(row.toObject().value("from").toString()).fileName(), row.toObject());
+        return found;
+    }
+
+    static inline QTemporaryDir *files = nullptr;
+    static inline QString made;
+    CliRunner cli;
+};
+
+QString newNameOf(const QJsonObject &row)
+{
+    return QFileInfo(row.value("to").toString()).fileName();
+}
+
+// Every token over photographs (made and real), music in many encodings and
+// scripts, and recordings: each value is the trusted tool's, and each row
+// tells the tokens its file has no value for.
+TEST_F(Metadata, EveryTokenGivesWhatTheTrustedToolsRead)
+{
+    QStringList written;
+    for (const QString &token : tokens)
+        written.append(u'«' + token + u'»');
+    const QJsonObject oracle = expected();
+    ASSERT_GE(oracle.size(), 30);
+    const auto found = rows({"--no-original", "--prefix", written.join(between) + between});
+    ASSERT_EQ(found.size(), oracle.size());
+    for (auto file = oracle.begin(); file != oracle.end(); ++file) {
+        if (file.key() == QLatin1String("long.flac"))
+            continue; // its title makes too long a name: below
+        const QJsonObject row = found.value(file.key());
+        const QStringList values = newNameOf(row).split(between);
+        ASSERT_EQ(values.size(), tokens.size() + 1) << file.key().toStdString();
+        const QJsonObject truth = file.value().toObject();
+        for (qsizetype i = 0; i < tokens.size(); ++i) {
+            if (tokens[i] == QLatin1String("camera"))
+                continue; // no tool has it: below
+            const QString want = truth.value(tokens[i]).toString();
+            EXPECT_EQ(values[i], want) << file.key().toStdString() << " «" << tokens[i].toStdString() << "»";
+            const QString missing = QStringLiteral("no %1 recorded").arg(QString(tokens[i]).remove(QStringLiteral("tag ")));
+            EXPECT_EQ(row.value("warning").toString().contains(missing), want.isEmpty())
+                << file.key().toStdString() << ": " << row.value("warning").toString().toStdString();
+        }
+        EXPECT_EQ(row.value("status").toString(), "rename") << "a missing value does not stop the rename";
+    }
+    const auto camera = [&](const char *file) { return newNameOf(found.value(file)).section(between, 2, 2); };
+    EXPECT_EQ(camera("camera.jpg"), "Canon EOS 5D Mark IV");
+    EXPECT_EQ(camera("phone.jpg"), "Apple iPhone 13 Pro Max");
+    EXPECT_EQ(camera("night.jpg"), "NIKON D850");
+    EXPECT_EQ(camera("xmp_only.jpg"), "FUJIFILM X-T4");
+    EXPECT_EQ(camera("Kodak_CX7530.jpg"), "KODAK CX7530 ZOOM DIGITAL CAMERA");
+    EXPECT_EQ(camera("Olympus_C8080WZ.jpg"), "OLYMPUS C8080WZ");
+    EXPECT_EQ(camera("scripts.jpg"), "Зенит ET");
+}
+
+// A value is made safe in a name; one that would make the name too long is
+// cut at a character; the table tells the missing ones too; a saved rule
+// keeps its tokens.
+TEST_F(Metadata, ValuesAreMadeSafeInNamesAndRulesKeepThem)
+{
+    const auto found = rows({"--prefix", "«artist» - «title» "});
+    EXPECT_EQ(newNameOf(found.value("slash.flac")), "AC_DC - Back in Black slash.flac");
+    EXPECT_EQ(newNameOf(found.value("id3v1.mp3")), "Sigur Rós - Hoppípolla id3v1.mp3");
+    const QString cut = newNameOf(found.value("long.flac"));
+    EXPECT_TRUE(cut.startsWith("Björk - Ünïcödé Ünïcödé ")) << "a tab and a line break go, blanks trimmed";
+    EXPECT_TRUE(cut.endsWith(".flac"));
+    EXPECT_LE(cut.toUtf8().size(), 255);
+    EXPECT_GT(cut.toUtf8().size(), 250) << "cut where it would pass 255 bytes, at a character";
+    EXPECT_EQ(found.value("long.flac").value("status").toString(), "rename");
+
+    const CliRun table = cli.run({"--prefix", "«lens» ", folder()});
+    EXPECT_EQ(table.exitCode, 0);
+    EXPECT_TRUE(table.out.contains("Canon_40D.jpg ->  Canon_40D.jpg  (warning: no lens recorded; the new name starts with a space)\n"))
+        << table.out.toStdString();
+    EXPECT_TRUE(table.out.contains("Nikon_D70.jpg -> 100.0 mm f_2.8 Nikon_D70.jpg\n")) << "XMP's lens";
+
+    ASSERT_EQ(cli.run({"--prefix", "«camera» «tag Exif.Photo.ExposureTime» ", "--save-rule", "Shots"}).exitCode, 0);
+    const auto saved = rows({"--rule", "Shots"});
+    EXPECT_EQ(newNameOf(saved.value("camera.jpg")), "Canon EOS 5D Mark IV 1_250 s camera.jpg");
+
+    // Renaming goes ahead where values are missing.
+    const QTemporaryDir renamed;
+    for (const char *name : {"hour.mkv", "id3v23.mp3"})
+        ASSERT_TRUE(QFile::copy(folder() + u'/' + QLatin1String(name), renamed.filePath(QLatin1String(name))));
+    ASSERT_EQ(cli.run({"--no-original", "--prefix", "«duration» «resolution»", "--apply", renamed.path()}).exitCode, 0);
+    EXPECT_EQ(QDir(renamed.path()).entryList(QDir::Files), QStringList({"1.02.06 32x32.mkv", "1.07 .mp3"}));
+}
+
+// A picture whose only dates are in XMP is named by the wall clock its XMP
+// records, wherever it is renamed.
+TEST_F(Metadata, XmpDatesNameAPictureInEveryZone)
+{
+    for (const QString zone : {"UTC", "America/Los_Angeles", "Asia/Tokyo"}) {
+        const auto found = rows({"--exif", "--date-source", "created", "--prefix", "«date %Y-%m-%d %H.%M.%S %z» "}, zone);
+        EXPECT_EQ(newNameOf(found.value("xmp_only.jpg")), "2005-09-07 15.07.40 -0700 xmp_only.jpg") << zone.toStdString();
+        EXPECT_EQ(newNameOf(found.value("BlueSquare.jpg")), "2005-09-07 15.07.40 -0700 BlueSquare.jpg") << zone.toStdString();
+        EXPECT_EQ(newNameOf(found.value("camera.jpg")).left(19), "2024-05-01 10.11.12") << zone.toStdString();
+    }
+}
+
+} // namespace
