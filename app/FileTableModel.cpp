@@ -25,9 +25,58 @@ QString asText(const QVariant &value)
 
 const QStringList &FileTableModel::columnIdentifiers()
 {
-    static const QStringList identifiers = {"include", "original", "location", "creation", "modification", "size", "new"};
+    static const QStringList identifiers = {"include", "original", "location", "creation", "modification", "size", "new",
+                                            "camera",  "lens",     "dimensions", "artist", "album",      "title", "duration"};
     return identifiers;
 }
+
+Metadata::Request FileTableModel::metadataOf(int column)
+{
+    using Metadata::Field;
+    Metadata::Request request;
+    switch (column) {
+    case Camera:
+        request.fields = {Field::Camera};
+        break;
+    case Lens:
+        request.fields = {Field::Lens};
+        break;
+    case Dimensions:
+        request.fields = {Field::Resolution};
+        break;
+    case Artist:
+        request.fields = {Field::Artist};
+        break;
+    case Album:
+        request.fields = {Field::Album};
+        break;
+    case Title:
+        request.fields = {Field::Title};
+        break;
+    case Duration:
+        request.fields = {Field::Duration};
+        break;
+    default:
+        break;
+    }
+    return request;
+}
+
+namespace {
+
+// What a column of what files say shows for a row.
+QString metadataText(const ItemRecord &row, int column)
+{
+    const Metadata::Request asked = FileTableModel::metadataOf(column);
+    if (!row.metadata || asked.fields.isEmpty())
+        return QString();
+    for (int i = 0; i < Metadata::FieldCount; ++i)
+        if (asked.fields.has(Metadata::Field(i)))
+            return row.metadata->text(Metadata::Field(i));
+    return QString();
+}
+
+} // namespace
 
 FileTableModel::FileTableModel(QObject *parent) : QAbstractTableModel(parent) {}
 
@@ -45,6 +94,7 @@ void FileTableModel::setRows(std::vector<ItemRecord> rows)
     m_newNames.clear();
     m_conflicts.clear();
     m_warnings.clear();
+    m_composingWarnings.clear();
     endResetModel();
 }
 
@@ -54,6 +104,8 @@ QVariant FileTableModel::valueForColumn(const QString &identifier, int row) cons
         return QVariant();
     if (row < m_newNames.size() && identifier == QLatin1String("new"))
         return m_newNames[row];
+    if (const qsizetype column = columnIdentifiers().indexOf(identifier); column >= firstMetadataColumn)
+        return metadataText((*m_rows)[size_t(row)], int(column));
     return ItemRecordValues::field((*m_rows)[size_t(row)], identifier, m_dates);
 }
 
@@ -77,8 +129,9 @@ void FileTableModel::setNewNameColumnTexts(QStringList &texts, const QStringList
         emit dataChanged(index(0, New), index(int(m_rows->size()) - 1, New));
 }
 
-void FileTableModel::setNewNames(const QStringList &names)
+void FileTableModel::setNewNames(const QStringList &names, const QStringList &warnings)
 {
+    m_composingWarnings = warnings;
     setNewNameColumnTexts(m_newNames, names);
 }
 
@@ -107,13 +160,17 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
         return index.column() == Size ? ByteFormatter::stringForObjectValue(value) : asText(value);
     }
     case Qt::TextAlignmentRole:
-        return index.column() == Size ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
+        return index.column() == Size || index.column() == Duration || index.column() == Dimensions
+                   ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
+                   : QVariant();
     case Qt::ToolTipRole:
         if (conflict || warning)
             return (conflict ? conflictAt(index.row()) : warningAt(index.row())) + u'\n'
                    + valueForColumn(columnIdentifiers()[index.column()], index.row()).toString();
-        // Names and folders are cut to fit their columns: whole in the tooltip.
-        if (index.column() == Original || index.column() == Location || index.column() == New)
+        // Names, folders and recorded texts are cut to fit their columns:
+        // whole in the tooltip.
+        if (index.column() == Original || index.column() == Location || index.column() == New
+            || index.column() >= firstMetadataColumn)
             return valueForColumn(columnIdentifiers()[index.column()], index.row());
         return QVariant();
     case Qt::ForegroundRole:
@@ -160,6 +217,20 @@ void FileTableModel::sort(int column, Qt::SortOrder order)
         case Include:
             positions = RowOrder::orderByValue(*rows, RowOrder::Value::Include, descending);
             break;
+        case Duration:
+            positions = RowOrder::orderByValue(*rows, RowOrder::Value::Duration, descending);
+            break;
+        case Dimensions:
+            positions = RowOrder::orderByValue(*rows, RowOrder::Value::Pixels, descending);
+            break;
+        case Camera:
+        case Lens:
+        case Artist:
+        case Album:
+        case Title:
+            positions = RowOrder::orderByText(*rows, [column](const ItemRecord &row) { return metadataText(row, column); },
+                                              descending);
+            break;
         default:
             positions = RowOrder::orderByName(*rows, descending);
             break;
@@ -177,6 +248,7 @@ void FileTableModel::sort(int column, Qt::SortOrder order)
     m_newNames.clear();
     m_conflicts.clear();
     m_warnings.clear();
+    m_composingWarnings.clear();
     endResetModel();
     emit rowsReordered();
 }
@@ -190,7 +262,8 @@ bool FileTableModel::setData(const QModelIndex &index, const QVariant &value, in
 
 QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const QStringList titles = {"", "Name", "Location", "Created", "Modified", "Size", "New name"};
+    static const QStringList titles = {"",       "Name", "Location", "Created", "Modified", "Size",  "New name",
+                                       "Camera", "Lens", "Dimensions", "Artist", "Album",   "Title", "Duration"};
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 && section < titles.size())
         return section == Creation && m_showsDatesTaken ? QStringLiteral("Date taken") : titles[section];
     return QAbstractTableModel::headerData(section, orientation, role);
@@ -306,6 +379,7 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
     m_newNames.clear(); // the order decides the counters: the preview is stale
     m_conflicts.clear();
     m_warnings.clear();
+    m_composingWarnings.clear();
     endResetModel();
     emit rowsReordered();
     return true;
@@ -333,4 +407,29 @@ void FileTableModel::setShowsDatesTaken(bool taken)
         return;
     m_showsDatesTaken = taken;
     emit headerDataChanged(Qt::Horizontal, Creation, Creation);
+}
+
+bool FileTableModel::takeMetadata(const QHash<QString, std::shared_ptr<const Metadata::Values>> &byPath)
+{
+    bool took = false;
+    for (size_t i = 0; i < m_rows->size(); ++i) {
+        const ItemRecord &row = (*m_rows)[i];
+        const auto found = byPath.constFind(row.path());
+        // A row that holds more than what came (read again meanwhile) keeps it.
+        if (found == byPath.constEnd() || (row.metadata && !row.metadata->answered.without((*found)->answered).isEmpty()))
+            continue;
+        changeableRows()[i].metadata = *found;
+        took = true;
+    }
+    if (took && !m_rows->empty())
+        emit dataChanged(index(0, firstMetadataColumn), index(int(m_rows->size()) - 1, ColumnCount - 1));
+    return took;
+}
+
+void FileTableModel::markMetadataUnread()
+{
+    static const auto unread = std::make_shared<const Metadata::Values>();
+    for (size_t i = 0; i < m_rows->size(); ++i)
+        if (!(*m_rows)[i].metadata && (*m_rows)[i].size)
+            changeableRows()[i].metadata = unread;
 }

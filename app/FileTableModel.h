@@ -4,6 +4,7 @@
 #include "ItemRecord.h"
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QVariantList>
 #include <functional>
 #include <memory>
@@ -16,8 +17,17 @@
 class FileTableModel final : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum Column { Include, Original, Location, Creation, Modification, Size, New, ColumnCount };
+    // The columns of what files say (Camera to Duration) are shown on
+    // request; their values are read aside.
+    enum Column {
+        Include, Original, Location, Creation, Modification, Size, New,
+        Camera, Lens, Dimensions, Artist, Album, Title, Duration,
+        ColumnCount
+    };
     static const QStringList &columnIdentifiers();
+    static constexpr Column firstMetadataColumn = Camera;
+    // What a column of what files say shows, as a read asks for it.
+    static Metadata::Request metadataOf(int column);
     static inline const QString DraggedTableRows = QStringLiteral("DraggedTableRows");
 
     explicit FileTableModel(QObject *parent = nullptr);
@@ -53,8 +63,11 @@ public:
                          const QModelIndex &parent) const override;
     bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column, const QModelIndex &parent) override;
 
-    // New names for every row at once, from a preview of the whole table.
-    void setNewNames(const QStringList &names);
+    // New names for every row at once, from a preview of the whole table,
+    // and which rows' files recorded no value for a token ("no lens
+    // recorded"; none at all when no row has one).
+    void setNewNames(const QStringList &names, const QStringList &warnings = {});
+    const QStringList &composingWarnings() const { return m_composingWarnings; }
     bool hasPreviewedNames() const { return !m_newNames.isEmpty(); }
     const QStringList &previewedNames() const { return m_newNames; }
 
@@ -76,6 +89,13 @@ public:
 
     const ClampedDates &dates() const { return m_dates; }
 
+    // What files say, read aside, for the rows of those paths that hold
+    // less; whether any row took them.
+    bool takeMetadata(const QHash<QString, std::shared_ptr<const Metadata::Values>> &byPath);
+    // Rows that hold nothing of what files say are marked as being read,
+    // so none is told missing meanwhile.
+    void markMetadataUnread();
+
     // Whether the creation column shows dates taken (and is titled so).
     void setShowsDatesTaken(bool taken);
 
@@ -93,4 +113,5 @@ private:
     QStringList m_newNames; // a preview's names, shown until rows change
     QStringList m_conflicts;
     QStringList m_warnings;
+    QStringList m_composingWarnings; // a preview's, one per row or none
 };

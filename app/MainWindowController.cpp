@@ -18,6 +18,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QStyle>
 #include <QTableView>
@@ -54,6 +55,7 @@ MainWindowController::MainWindowController(RenameEngine &engine, FileTableModel 
     m_tableView = m_form->control<QTableView>(QStringLiteral("fileTable"));
     m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine.stop);
     m_preview = new PreviewScheduler(m_engine, m_table, this);
+    m_fill = new MetadataFill(m_table, this);
     m_table.runAside = [this](const std::function<void()> &work) { m_progress->runAside(work); };
     // User edits only: text set by the program is not an edit.
     for (QLineEdit *field : window()->findChildren<QLineEdit *>()) {
@@ -111,6 +113,57 @@ void MainWindowController::setUpTable()
                                           {FileTableModel::Size, 10 * character}};
     for (const auto &[column, width] : widths)
         table->setColumnWidth(column, width);
+    // What files say is shown on request, chosen from the header's menu,
+    // before the new name (which takes the width that is left).
+    QHeaderView *header = table->horizontalHeader();
+    for (int column = FileTableModel::firstMetadataColumn; column < FileTableModel::ColumnCount; ++column) {
+        const int title = table->fontMetrics().horizontalAdvance(m_table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+        table->setColumnWidth(column, std::max(title + 3 * character, (column == FileTableModel::Duration ? 8 : 18) * character));
+        table->setColumnHidden(column, true);
+        header->moveSection(header->visualIndex(column), header->visualIndex(FileTableModel::New));
+    }
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QWidget::customContextMenuRequested, this, &MainWindowController::showColumnMenu);
+}
+
+void MainWindowController::showColumnMenu(const QPoint &at)
+{
+    QMenu menu(m_tableView);
+    menu.setObjectName(QStringLiteral("column_menu"));
+    for (int column = FileTableModel::firstMetadataColumn; column < FileTableModel::ColumnCount; ++column) {
+        QAction *action = menu.addAction(m_table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+        action->setObjectName(QStringLiteral("show_column_") + FileTableModel::columnIdentifiers()[column]);
+        action->setCheckable(true);
+        action->setChecked(!m_tableView->isColumnHidden(column));
+        connect(action, &QAction::toggled, this, [this, column](bool shown) { showColumn(column, shown); });
+    }
+    menu.exec(m_tableView->horizontalHeader()->mapToGlobal(at));
+}
+
+void MainWindowController::showColumn(int column, bool shown)
+{
+    if (!m_tableView || column < FileTableModel::firstMetadataColumn || column >= FileTableModel::ColumnCount)
+        return;
+    m_tableView->setColumnHidden(column, !shown);
+    m_fill->want(metadataWanted());
+}
+
+Metadata::Request MainWindowController::shownColumnsRequest() const
+{
+    Metadata::Request wanted;
+    if (m_tableView)
+        for (int column = FileTableModel::firstMetadataColumn; column < FileTableModel::ColumnCount; ++column)
+            if (!m_tableView->isColumnHidden(column))
+                wanted |= FileTableModel::metadataOf(column);
+    return wanted;
+}
+
+Metadata::Request MainWindowController::metadataWanted() const
+{
+    Metadata::Request wanted = m_engine.rule().metadataRequest();
+    wanted.dateTaken = false;
+    wanted |= shownColumnsRequest();
+    return wanted;
 }
 
 void MainWindowController::connectInterfaceEvents()
@@ -144,6 +197,8 @@ void MainWindowController::connectInterfaceEvents()
     });
     connect(m_preview, &PreviewScheduler::conflictsMarked, this, &MainWindowController::conflictsMarked);
     connect(m_preview, &PreviewScheduler::patternChecked, this, &MainWindowController::showPatternError);
+    // Values read aside show in the columns and in the names composed again.
+    connect(m_fill, &MetadataFill::filled, this, &MainWindowController::refreshPreview);
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { emit scriptEvent(QStringLiteral("willQuit"), QVariant()); });
     m_table.filesDropped = [this](const QStringList &paths, int) { emit scriptEvent(QStringLiteral("dropped"), paths); };
     // The counters follow the table's order: a new order needs new names.
@@ -292,6 +347,8 @@ Listing MainWindowController::list(const ListingRequest &request)
 {
     const ProgressPanel::LongPass pass(*m_progress);
     m_progress->yieldNow(); // a Stop pressed just before the listing counts at once
+    // The listing reads at once what the rule and the shown columns ask.
+    m_engine.columnsRequest = shownColumnsRequest();
     FolderListing listing = m_engine.listing();
     listing.keepResponsive = [this] { m_progress->keepResponsive(); };
     return listing.list(request);
@@ -310,12 +367,15 @@ bool MainWindowController::listIntoTable(const ListingRequest &request)
 std::vector<ItemRecord> MainWindowController::makeReplacementNames(const ScriptRequests::BatchRequest &request)
 {
     const ProgressPanel::LongPass longPass(*m_progress);
-    std::vector<ItemRecord> rows = m_table.rows();
-    if (request.rowCount < 0 || size_t(request.rowCount) > rows.size())
+    if (request.rowCount < 0 || size_t(request.rowCount) > m_table.rows().size())
         throw NamedException(NSInvalidArgumentException, QStringLiteral("makeReplacementNames: the request counts %1 rows, "
                                                                         "but the table holds %2")
                                                              .arg(request.rowCount)
-                                                             .arg(rows.size()));
+                                                             .arg(m_table.rows().size()));
+    // Every value the rule shows is read before names are given.
+    m_fill->want(metadataWanted());
+    m_fill->finish();
+    std::vector<ItemRecord> rows = m_table.rows();
     rows.resize(size_t(request.rowCount));
     useZerosControls();
     m_advanceExcluded = request.advanceExcluded;
@@ -382,7 +442,7 @@ void MainWindowController::refreshPreview()
     const QString preview = generateNewName(
         {sample.name, rowCount, false, QString(QLatin1String("")),
          BatchPass::dateFor(rule.prefix.date, now, sample, m_engine.dates),
-         BatchPass::dateFor(rule.suffix.date, now, sample, m_engine.dates)});
+         BatchPass::dateFor(rule.suffix.date, now, sample, m_engine.dates), sample.metadata.get()});
     if (auto *previewField = m_form->control<QLineEdit>(QStringLiteral("preview_name")))
         previewField->setText(preview);
     m_engine.sampleName = sample.name;
@@ -392,5 +452,6 @@ void MainWindowController::refreshPreview()
     if (QWidget *update = m_form->outlet(QStringLiteral("update")))
         if (auto *folder = m_form->control<QLineEdit>(QStringLiteral("source_folder")))
             update->setEnabled(!folder->text().isEmpty());
+    m_fill->want(metadataWanted());
     m_preview->refresh(m_capturedRule, m_advanceExcluded);
 }

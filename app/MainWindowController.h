@@ -2,6 +2,7 @@
 
 #include "FileTableModel.h"
 #include "InterfaceFile.h"
+#include "MetadataFill.h"
 #include "PreviewScheduler.h"
 #include "ProgressPanel.h"
 #include "RenameEngine.h"
@@ -49,6 +50,12 @@ public:
 
     // The table's rows in the order its header shows, if it shows one.
     void sortTableRows();
+    // Shows or hides a column of what files say; its values are read aside.
+    void showColumn(int column, bool shown);
+    // What the shown columns ask of each file; with what the rule asks.
+    Metadata::Request shownColumnsRequest() const;
+    Metadata::Request metadataWanted() const;
+    MetadataFill &metadataFill() { return *m_fill; }
 
 signals:
     void tablePreviewApplied();
@@ -68,6 +75,7 @@ private:
     // A listing just put in the table: its order, columns and scrolling.
     void showNewListing();
     void showPatternError(const QString &error);
+    void showColumnMenu(const QPoint &at);
     void useZerosControls();
 
     RenameEngine &m_engine;
@@ -75,6 +83,7 @@ private:
     std::unique_ptr<InterfaceFile> m_form;
     std::unique_ptr<ProgressPanel> m_progress;
     PreviewScheduler *m_preview = nullptr;
+    MetadataFill *m_fill = nullptr;
     QTableView *m_tableView = nullptr; // none when the interface file lacks it
     bool m_sorting = false;
     RenameRule m_capturedRule;      // as last read from the controls

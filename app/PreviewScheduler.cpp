@@ -56,7 +56,8 @@ void PreviewScheduler::refresh(const RenameRule &rule, bool advanceExcluded)
     clock.start();
     if (!grep && rows->size() <= size_t(immediateRows)) {
         copy.baseNameCache = m_bases; // this thread's own, kept between keystrokes
-        m_table.setNewNames(RenameEngine::composeTable(copy, *rows, request, m_engine.dates).names);
+        const Composed composed = RenameEngine::composeTable(copy, *rows, request, m_engine.dates);
+        m_table.setNewNames(composed.names, composed.warnings);
         lastInBackground = false;
         emit applied();
         lastMs = clock.elapsed(); // with what the new names set off
@@ -71,14 +72,15 @@ void PreviewScheduler::refresh(const RenameRule &rule, bool advanceExcluded)
         if (patternError.isEmpty())
             patternError = runFailure(*rows, composed.grepFailures);
         const QStringList names = composed.names;
-        QMetaObject::invokeMethod(this, [this, names, patternError, grep, generation, clock] {
+        const QStringList warnings = composed.warnings;
+        QMetaObject::invokeMethod(this, [this, names, warnings, patternError, grep, generation, clock] {
             if (generation != m_generation)
                 return; // the rules changed again meanwhile
             if (grep)
                 emit patternChecked(patternError);
             if (names.isEmpty())
                 return;
-            m_table.setNewNames(names);
+            m_table.setNewNames(names, warnings);
             lastMs = clock.elapsed();
             emit applied();
         }, Qt::QueuedConnection);
@@ -90,9 +92,10 @@ void PreviewScheduler::checkConflicts()
     const std::shared_ptr<const std::vector<ItemRecord>> rows = m_table.snapshot();
     const bool previewed = m_table.hasPreviewedNames();
     QStringList names = m_table.previewedNames();
+    const QStringList composing = previewed ? m_table.composingWarnings() : QStringList();
     const quint64 generation = ++m_conflictGeneration;
     // The check looks at the disk for every row: aside, so typing never waits.
-    QThreadPool::globalInstance()->start([this, rows, names, previewed, generation]() mutable {
+    QThreadPool::globalInstance()->start([this, rows, names, composing, previewed, generation]() mutable {
         if (generation != m_conflictGeneration)
             return; // already stale
         // Without a preview the rows' own new names count; a row with none
@@ -108,6 +111,10 @@ void PreviewScheduler::checkConflicts()
                 reasons[plan.rows[i]] = plan.outcomes[i].reason;
             warnings[plan.rows[i]] = plan.outcomes[i].warning;
         }
+        // What the names were made without ("no lens recorded") comes first.
+        for (qsizetype row = 0; row < composing.size() && row < warnings.size(); ++row)
+            if (!composing[row].isEmpty())
+                warnings[row] = warnings[row].isEmpty() ? composing[row] : composing[row] + QStringLiteral("; ") + warnings[row];
         QMetaObject::invokeMethod(this, [this, reasons, warnings, generation] {
             if (generation != m_conflictGeneration || size_t(reasons.size()) != m_table.rows().size())
                 return; // the names or the rows changed meanwhile

@@ -1,12 +1,14 @@
 #include "TokenMenu.h"
 
 #include "DateTokens.h"
+#include "MetadataTokens.h"
 
 #include <QCoreApplication>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QToolButton>
+#include <vector>
 
 namespace TokenMenu {
 
@@ -61,6 +63,34 @@ void attach(QToolButton &button, QLineEdit &field)
             QLineEdit::Normal, QStringLiteral("%Y-%m-%d"), &chosen);
         if (chosen && !format.isEmpty())
             insert(field, QStringLiteral("«date ") + format + QStringLiteral("»"));
+    });
+    // What files say of themselves, by kind of file.
+    using Metadata::Field;
+    const std::pair<const char *, std::vector<std::pair<const char *, Field>>> kinds[] = {
+        {"Photograph",
+         {{"Camera", Field::Camera}, {"Make", Field::Make}, {"Model", Field::Model}, {"Lens", Field::Lens}, {"ISO", Field::Iso},
+          {"Aperture", Field::Aperture}, {"Exposure time", Field::Exposure}, {"Focal length", Field::Focal},
+          {"Width", Field::Width}, {"Height", Field::Height}}},
+        {"Music",
+         {{"Artist", Field::Artist}, {"Album artist", Field::AlbumArtist}, {"Album", Field::Album}, {"Title", Field::Title},
+          {"Track", Field::Track}, {"Disc", Field::Disc}, {"Year", Field::Year}, {"Genre", Field::Genre}}},
+        {"Recording", {{"Duration", Field::Duration}, {"Resolution", Field::Resolution}}},
+    };
+    for (const auto &[kind, fields] : kinds) {
+        QMenu *submenu = menu->addMenu(ui(kind));
+        submenu->setObjectName(menu->objectName() + u'_' + QString::fromLatin1(kind).toLower());
+        for (const auto &[title, field] : fields) {
+            const QString token = MetadataTokens::written(field);
+            add(submenu, ui(title) + u'\t' + token, token);
+        }
+    }
+    menu->addAction(ui("Tag by its key…"), &field, [&field] {
+        bool chosen = false;
+        const QString key = QInputDialog::getText(
+            field.window(), ui("Tag"), ui("The tag's exiv2 key (Exif.Photo.LensModel, Xmp.dc.title, Iptc.Application2.City):"),
+            QLineEdit::Normal, QStringLiteral("Exif.Photo.LensModel"), &chosen);
+        if (chosen && !key.trimmed().isEmpty())
+            insert(field, QStringLiteral("«tag ") + key.trimmed() + QStringLiteral("»"));
     });
     button.setMenu(menu);
     button.setPopupMode(QToolButton::InstantPopup);

@@ -28,6 +28,8 @@ void declare(QCommandLineParser &options)
         "A dry run unless --apply is given.\n\n"
         "Examples:\n"
         "  nomen-cli --prefix 'Trip «#» ' --zeros 3 --ext-filter jpg ~/Pictures/Trip\n"
+        "  nomen-cli --exif --date-source created --prefix '«date %Y-%m-%d» «camera» «lens» ' ~/Pictures/Trip\n"
+        "  nomen-cli --no-original --prefix '«track» «artist» - «title»' ~/Music/Album\n"
         "  nomen-cli --grep --search 'IMG_(\\d+)' --replace 'photo $1' --apply ~/Pictures/Trip\n"
         "  nomen-cli --rule Trip --start 10 ~/Pictures/Trip\n"
         "  nomen-cli --map renames.tsv --apply\n"
@@ -38,7 +40,9 @@ void declare(QCommandLineParser &options)
     options.addHelpOption();
     options.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("Folders or files to rename."), QStringLiteral("folder..."));
     options.addOptions({
-        {"prefix", "Text before the name (tokens: «#» counter, «ƒ» folder, «date FORMAT», «YYYY-MM-DD»...).", "text"},
+        {"prefix", "Text before the name (tokens: «#» counter, «ƒ» folder, «date FORMAT», «YYYY-MM-DD»..., and what "
+                   "files say: «camera» «make» «model» «lens» «iso» «aperture» «exposure» «focal» «width» «height» «artist» "
+                   "«albumartist» «album» «title» «track» «disc» «year» «genre» «duration» «resolution» «tag KEY»).", "text"},
         {"suffix", "Text after the name, with the same tokens.", "text"},
         {"start", "First counter value.", "n", "1"},
         {"step", "Counter increment.", "n", "1"},

@@ -1,6 +1,7 @@
 #include "FolderListing.h"
 
 #include "HiddenItems.h"
+#include "MetadataReads.h"
 #include "OpenFiles.h"
 #include "PathCodec.h"
 #include "PathNames.h"
@@ -249,10 +250,7 @@ void FolderListing::useMetadata(ItemRecord &record, Metadata::Values values) con
         record.metadata = std::make_shared<const Metadata::Values>(std::move(values));
 }
 
-// What files say is read after the listing, the files shared among threads
-// (reading a photograph's metadata is most of the time, and files are
-// independent); this thread takes its share in small steps so a window
-// stays live and Stop is heard.
+// What files say is read after the listing, for the files only.
 void FolderListing::takeMetadata(const ListingRequest &request, Listing &listing)
 {
     std::vector<size_t> files;
@@ -264,37 +262,13 @@ void FolderListing::takeMetadata(const ListingRequest &request, Listing &listing
     std::vector<QByteArray> paths(files.size());
     for (size_t i = 0; i < files.size(); ++i)
         paths[i] = PathCodec::encode(listing.items[files[i]].path());
-    std::vector<Metadata::Values> found(files.size());
-    std::atomic<size_t> next{0};
-    std::atomic<bool> abandoned{false};
-    constexpr size_t step = 16;
-    const auto readRange = [&](size_t from) {
-        for (size_t i = from; i < std::min(from + step, files.size()); ++i)
-            found[i] = readMetadata(paths[i], metadata);
-    };
-    const auto work = [&] {
-        for (size_t from; !abandoned.load() && (from = next.fetch_add(step)) < files.size();)
-            readRange(from);
-    };
-    const unsigned helpers = files.size() < 2 * step ? 0 : std::clamp(std::thread::hardware_concurrency(), 2u, 8u) - 1;
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i < helpers; ++i)
-        threads.emplace_back(work);
-    for (size_t from; (from = next.fetch_add(step)) < files.size();) {
-        readRange(from);
-        if (shouldStop(request)) {
-            abandoned.store(true);
-            break;
-        }
-    }
-    for (std::thread &thread : threads)
-        thread.join();
-    if (abandoned.load()) {
+    auto found = MetadataReads::readEach(paths, metadata, readMetadata, [&] { return !shouldStop(request); });
+    if (!found) {
         listing = Listing{{}, true, {}};
         return;
     }
     for (size_t i = 0; i < files.size(); ++i)
-        useMetadata(listing.items[files[i]], std::move(found[i]));
+        useMetadata(listing.items[files[i]], std::move((*found)[i]));
 }
 
 FolderListing::ItemInfo FolderListing::fileInfo(const QString &path) const

@@ -19,6 +19,8 @@ struct Token {
     QString name() const { return field ? Metadata::tokenName(*field) : tag; }
     // The value a file's values give for it ("" for none).
     QString valueIn(const Metadata::Values &values) const { return field ? values.text(*field) : values.tag(tag); }
+    // Whether a read that was asked `request` looked for it.
+    bool askedIn(const Metadata::Request &request) const { return field ? request.fields.has(*field) : request.tags.contains(tag); }
 };
 
 // The token that opens at `at` in `text`, if one does.

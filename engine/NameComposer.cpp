@@ -124,8 +124,10 @@ QString NameComposer::fillTokens(const QString &text, const QDateTime &date, con
         case FilledText::Piece::Value: {
             const MetadataTokens::Token &token = filled.tokens[size_t(part.from)];
             const QString value = values ? ValueTexts::forName(token.valueIn(*values)) : QString();
+            // Values still being read are not yet missing.
+            const bool unread = values && !token.askedIn(values->answered);
             if (value.isEmpty()) {
-                if (!lastMissing.contains(token.name()))
+                if (!unread && !lastMissing.contains(token.name()))
                     lastMissing.append(token.name());
             } else {
                 made += value;

@@ -134,7 +134,8 @@ public:
     // when it did not. The name part then stayed as it was.
     QString lastFailure;
     // The tokens of the last name composed whose file recorded no value
-    // ("lens", "Exif.Photo.LensModel"): they became empty text.
+    // ("lens", "Exif.Photo.LensModel"): they became empty text. A token its
+    // file's values were not read for yet is not missing.
     QStringList lastMissing;
 
     // Treated base names kept from one composition to the next while the

@@ -76,6 +76,10 @@ std::vector<size_t> orderByValue(const std::vector<ItemRecord> &rows, Value valu
             return qint64(row.size.value_or(0));
         case Value::Include:
             return row.include;
+        case Value::Duration:
+            return row.metadata ? row.metadata->durationMs : -1;
+        case Value::Pixels:
+            return row.metadata && row.metadata->width > 0 ? qint64(row.metadata->width) * row.metadata->height : -1;
         }
         return 0;
     };
@@ -83,6 +87,24 @@ std::vector<size_t> orderByValue(const std::vector<ItemRecord> &rows, Value valu
     std::iota(order.begin(), order.end(), size_t(0));
     std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
         return descending ? of(rows[b]) < of(rows[a]) : of(rows[a]) < of(rows[b]);
+    });
+    return order;
+}
+
+std::vector<size_t> orderByText(const std::vector<ItemRecord> &rows, const std::function<QString(const ItemRecord &)> &textOf,
+                                bool descending)
+{
+    std::vector<QString> texts(rows.size());
+    for (size_t i = 0; i < rows.size(); ++i)
+        texts[i] = textOf(rows[i]);
+    const SortFunctions::NaturalKeys keys(rows.size(), [&texts](size_t i) -> const QString & { return texts[i]; });
+    std::vector<size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        if (texts[a].isEmpty() != texts[b].isEmpty())
+            return texts[b].isEmpty();
+        const int compared = keys.key(a).compare(keys.key(b));
+        return descending ? compared > 0 : compared < 0;
     });
     return order;
 }

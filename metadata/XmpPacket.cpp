@@ -3,14 +3,15 @@
 #include "ValueTexts.h"
 
 #include <QHash>
-#include <QXmlStreamReader>
+#include <expat.h>
+#include <memory>
+#include <type_traits>
 #include <cmath>
 
 using Metadata::Field;
 
 namespace {
 
-const QString rdf = QStringLiteral("http://www.w3.org/1999/02/22-rdf-syntax-ns#");
 const QString xmp = QStringLiteral("http://ns.adobe.com/xap/1.0/");
 const QString exif = QStringLiteral("http://ns.adobe.com/exif/1.0/");
 const QString exifEx = QStringLiteral("http://cipa.jp/exif/1.0/");
@@ -18,68 +19,99 @@ const QString aux = QStringLiteral("http://ns.adobe.com/exif/1.0/aux/");
 const QString tiff = QStringLiteral("http://ns.adobe.com/tiff/1.0/");
 const QString photoshop = QStringLiteral("http://ns.adobe.com/photoshop/1.0/");
 
-QString keyOf(QStringView namespaceUri, QStringView name)
+QString keyOf(const QString &namespaceUri, const QString &name)
 {
-    return namespaceUri.toString() + u' ' + name.toString();
+    return namespaceUri + u' ' + name;
 }
 
 // Each top-level property of every rdf:Description, written as an attribute
 // or as an element: a simple value as it stands, an array's first item (a
-// language alternative's default one); structures are passed over.
-QHash<QString, QString> propertiesOf(const QByteArray &packet)
-{
-    QHash<QString, QString> properties;
-    QXmlStreamReader reader(packet);
-    int depth = 0;
-    int description = -1; // the depth of the rdf:Description being read
-    QString property;     // the property element being read
-    QString text;
-    bool itemTaken = false;
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement: {
-            ++depth;
-            if (description < 0 && reader.namespaceUri() == rdf && reader.name() == QLatin1String("Description")) {
-                description = depth;
-                for (const QXmlStreamAttribute &attribute : reader.attributes())
-                    if (attribute.namespaceUri() != rdf)
-                        properties.insert(keyOf(attribute.namespaceUri(), attribute.name()), attribute.value().toString());
-            } else if (description >= 0 && depth == description + 1) {
-                property = keyOf(reader.namespaceUri(), reader.name());
-                text.clear();
-                itemTaken = false;
-            } else if (description >= 0 && depth == description + 3 && reader.namespaceUri() == rdf
-                       && reader.name() == QLatin1String("li")) {
-                const bool preferred = reader.attributes().value(QStringLiteral("xml:lang")) == QLatin1String("x-default");
-                const QString item = reader.readElementText(QXmlStreamReader::SkipChildElements);
-                --depth; // the reader is at the item's end
-                if (!itemTaken || preferred) {
-                    text = item;
-                    itemTaken = true;
-                }
+// language alternative's default one); structures are passed over. Names
+// reach the handlers as "namespace local" (expat's namespace processing,
+// with a space between).
+class Properties {
+public:
+    explicit Properties(const QByteArray &packet)
+    {
+        const std::unique_ptr<std::remove_pointer_t<XML_Parser>, void (*)(XML_Parser)> parser(XML_ParserCreateNS(nullptr, ' '),
+                                                                                             XML_ParserFree);
+        if (!parser)
+            return;
+        XML_SetUserData(parser.get(), this);
+        XML_SetElementHandler(parser.get(), &Properties::started, &Properties::ended);
+        XML_SetCharacterDataHandler(parser.get(), &Properties::characters);
+        // A packet that is not well formed keeps what was read before the fault.
+        XML_Parse(parser.get(), packet.constData(), int(packet.size()), XML_TRUE);
+    }
+    QString value(const QString &key) const { return m_found.value(key); }
+
+private:
+    static void started(void *data, const XML_Char *name, const XML_Char **attributes)
+    {
+        auto &self = *static_cast<Properties *>(data);
+        ++self.m_depth;
+        const QByteArrayView element(name);
+        if (self.m_description < 0 && element == rdfDescription) {
+            self.m_description = self.m_depth;
+            for (const XML_Char **attribute = attributes; *attribute; attribute += 2)
+                if (!QByteArrayView(attribute[0]).startsWith(rdfNamespace))
+                    self.keep(QString::fromUtf8(attribute[0]), QString::fromUtf8(attribute[1]));
+        } else if (self.m_description >= 0 && self.m_depth == self.m_description + 1) {
+            self.m_property = QString::fromUtf8(name);
+            self.m_text.clear();
+            self.m_item = None;
+        } else if (self.m_description >= 0 && self.m_depth == self.m_description + 3 && element == rdfItem) {
+            bool preferred = false;
+            for (const XML_Char **attribute = attributes; *attribute; attribute += 2)
+                preferred = preferred || (QByteArrayView(attribute[0]) == xmlLanguage && QByteArrayView(attribute[1]) == "x-default");
+            // The first item, or the default language's.
+            if (self.m_item == None || (preferred && self.m_item != Preferred)) {
+                self.m_text.clear();
+                self.m_item = Reading;
+                self.m_preferred = preferred;
             }
-            break;
-        }
-        case QXmlStreamReader::Characters:
-            if (description >= 0 && depth == description + 1 && !itemTaken)
-                text += reader.text();
-            break;
-        case QXmlStreamReader::EndElement:
-            if (description >= 0 && depth == description + 1 && !property.isEmpty()) {
-                if (!properties.contains(property))
-                    properties.insert(property, text.trimmed());
-                property.clear();
-            } else if (depth == description) {
-                description = -1;
-            }
-            --depth;
-            break;
-        default:
-            break;
         }
     }
-    return properties;
-}
+    static void ended(void *data, const XML_Char *)
+    {
+        auto &self = *static_cast<Properties *>(data);
+        if (self.m_item == Reading && self.m_depth == self.m_description + 3)
+            self.m_item = self.m_preferred ? Preferred : Taken;
+        if (self.m_description >= 0 && self.m_depth == self.m_description + 1 && !self.m_property.isEmpty()) {
+            self.keep(self.m_property, self.m_text.trimmed());
+            self.m_property.clear();
+        } else if (self.m_depth == self.m_description) {
+            self.m_description = -1;
+        }
+        --self.m_depth;
+    }
+    static void characters(void *data, const XML_Char *text, int length)
+    {
+        auto &self = *static_cast<Properties *>(data);
+        const bool simple = self.m_depth == self.m_description + 1 && self.m_item == None;
+        if (self.m_description >= 0 && (simple || self.m_item == Reading))
+            self.m_text += QString::fromUtf8(text, length);
+    }
+    void keep(const QString &key, const QString &text)
+    {
+        if (!m_found.contains(key))
+            m_found.insert(key, text);
+    }
+
+    static constexpr QByteArrayView rdfNamespace = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
+    static constexpr QByteArrayView rdfDescription = "http://www.w3.org/1999/02/22-rdf-syntax-ns# Description";
+    static constexpr QByteArrayView rdfItem = "http://www.w3.org/1999/02/22-rdf-syntax-ns# li";
+    static constexpr QByteArrayView xmlLanguage = "http://www.w3.org/XML/1998/namespace lang";
+
+    enum Item { None, Reading, Taken, Preferred };
+    QHash<QString, QString> m_found;
+    int m_depth = 0;
+    int m_description = -1; // the depth of the rdf:Description being read
+    QString m_property;     // the property element being read
+    QString m_text;
+    Item m_item = None;
+    bool m_preferred = false;
+};
 
 // A number written as XMP writes rationals ("28/10") or plainly.
 std::optional<double> numberOf(const QString &text)
@@ -98,7 +130,7 @@ void read(const QByteArray &packet, const Metadata::Request &request, Metadata::
 {
     if (packet.isEmpty())
         return;
-    const QHash<QString, QString> properties = propertiesOf(packet);
+    const Properties properties(packet);
     const auto value = [&properties](const QString &namespaceUri, const char *name) {
         return properties.value(keyOf(namespaceUri, QString::fromLatin1(name))).trimmed();
     };

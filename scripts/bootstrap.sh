@@ -24,7 +24,7 @@ packages=(
   build-essential cmake pkg-config ninja-build
   qt6-base-dev qt6-declarative-dev qt6-tools-dev qt6-l10n-tools
   libgl-dev
-  libicu-dev icu-devtools libexiv2-dev libexif-dev libheif-dev libavformat-dev libplist-dev
+  libicu-dev icu-devtools libexiv2-dev libexif-dev libtag1-dev libexpat1-dev libheif-dev libavformat-dev libplist-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   xvfb xauth libx11-dev libxtst-dev libxss-dev
   libglib2.0-dev
@@ -34,7 +34,7 @@ packages=(
   procps openbox
   qt6-speech-dev qt6-svg-dev
   desktop-file-utils groff-base appstream
-  imagemagick libimage-exiftool-perl libheif-examples ffmpeg jhead
+  imagemagick libimage-exiftool-perl libheif-examples ffmpeg jhead exiv2 python3-mutagen
   pulseaudio pulseaudio-utils bc x11-xkb-utils
 )
 

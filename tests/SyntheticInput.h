@@ -27,9 +27,10 @@ public:
         XTestFakeMotionEvent(m_display, -1, global.x(), global.y(), CurrentTime);
         XSync(m_display, False);
     }
-    void button(bool down)
+    // The left button, or another by its X number (3 the right one).
+    void button(bool down, unsigned number = 1)
     {
-        XTestFakeButtonEvent(m_display, 1, down, CurrentTime);
+        XTestFakeButtonEvent(m_display, number, down, CurrentTime);
         XSync(m_display, False);
     }
     void key(KeySym symbol, bool down)

@@ -20,7 +20,18 @@ _nomen_cli()
         --map)
             COMPREPLY=($(compgen -f -- "$current"))
             return ;;
-        --prefix | --suffix | --start | --step | --zeros | --search | --replace | --trim-start | --trim-end | \
+        --prefix | --suffix)
+            # A token at the end of the text so far.
+            if [[ $current == *«* ]]; then
+                local before=${current%«*} token
+                for token in '«#»' '«ƒ»' '«date ' '«YYYY-MM-DD»' '«make»' '«model»' '«camera»' '«lens»' '«iso»' '«aperture»' \
+                    '«exposure»' '«focal»' '«width»' '«height»' '«artist»' '«albumartist»' '«album»' '«title»' '«track»' \
+                    '«disc»' '«year»' '«genre»' '«duration»' '«resolution»' '«tag '; do
+                    [[ $before$token == "$current"* ]] && COMPREPLY+=("$before$token")
+                done
+            fi
+            return ;;
+        --start | --step | --zeros | --search | --replace | --trim-start | --trim-end | \
         --extension | --ext-filter | --type)
             return ;;
     esac

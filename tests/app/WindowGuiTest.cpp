@@ -31,75 +31,8 @@
 
 namespace {
 
+using WindowTests::Window;
 
-// Steps done one after another from a timer, so they go on inside the
-// event loops a drag or a menu runs of their own.
-bool perform(const std::vector<std::function<void()>> &steps, int intervalMs = 60)
-{
-    size_t next = 0;
-    QTimer timer;
-    timer.setInterval(intervalMs);
-    QObject::connect(&timer, &QTimer::timeout, [&] {
-        if (next < steps.size())
-            steps[next++]();
-    });
-    timer.start();
-    return waitFor([&] { return next == steps.size(); }, 15000);
-}
-
-// A radio button is clicked on its circle, where a person aims.
-void clickRadio(QAbstractButton *button)
-{
-    QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(4, button->height() / 2));
-}
-
-FileTableView *fileTable()
-{
-    return control<FileTableView>("fileTable");
-}
-
-void listFolder(const QString &path)
-{
-    control<QLineEdit>("source_folder")->setText(path);
-    script->handle(QStringLiteral("clicked"), QStringLiteral("source_folder"));
-}
-
-void showWindowAt(int width)
-{
-    QWidget *window = application->window();
-    window->show();
-    window->resize(width, 860);
-    QApplication::setActiveWindow(window);
-    waitFor([window, width] { return window->isActiveWindow() && window->width() == width; }, 2000);
-    QCoreApplication::processEvents();
-}
-
-// Each test starts from the plain rule, whatever earlier tests left.
-class Window : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        for (const char *field : {"prefix", "suffix", "search_1", "replace_1", "extension"})
-            control<QLineEdit>(field)->setText(QString()); // and no edit to undo
-        for (const char *field : {"trim_start", "trim_end"})
-            control<QLineEdit>(field)->setText(QStringLiteral("0"));
-        for (const char *box : {"change_case", "orig_strip_diacriticals", "descend", "folder_rows", "dates_taken"})
-            control<QAbstractButton>(box)->setChecked(false);
-        control<QAbstractButton>("inc_original_name")->setChecked(true);
-        control<QAbstractButton>("snr_type_1_0")->setChecked(true);
-        control<QAbstractButton>("extension_matrix_0")->setChecked(true);
-    }
-
-    // These files in a new folder, listed in the window at its usual width.
-    void listNewFolder(const QStringList &names)
-    {
-        makeFiles(folder.path(), names);
-        showWindowAt(1060);
-        listFolder(folder.path());
-    }
-
-    QTemporaryDir folder;
-};
 
 TEST_F(Window, ARowDraggedOverRowThreeLandsThereAndTheNextListingIsInNameOrderAgain)
 {
