@@ -3,12 +3,14 @@
 #include "ByteFormatter.h"
 #include "ItemRecordValues.h"
 #include "RowOrder.h"
+#include "ThumbnailLoader.h"
 
 #include <QApplication>
 #include <QColor>
 #include <QDateTime>
 #include <QStyle>
 #include <QMimeData>
+#include <QMimeDatabase>
 #include <QUrl>
 #include <plist/plist.h>
 
@@ -26,7 +28,8 @@ QString asText(const QVariant &value)
 const QStringList &FileTableModel::columnIdentifiers()
 {
     static const QStringList identifiers = {"include", "original", "location", "creation", "modification", "size", "new",
-                                            "camera",  "lens",     "dimensions", "artist", "album",      "title", "duration"};
+                                            "camera",  "lens",     "dimensions", "artist", "album",      "title", "duration",
+                                            "thumbnail"};
     return identifiers;
 }
 
@@ -95,6 +98,7 @@ void FileTableModel::setRows(std::vector<ItemRecord> rows)
     m_conflicts.clear();
     m_warnings.clear();
     m_composingWarnings.clear();
+    m_rowOfPath.clear();
     endResetModel();
 }
 
@@ -104,8 +108,10 @@ QVariant FileTableModel::valueForColumn(const QString &identifier, int row) cons
         return QVariant();
     if (row < m_newNames.size() && identifier == QLatin1String("new"))
         return m_newNames[row];
-    if (const qsizetype column = columnIdentifiers().indexOf(identifier); column >= firstMetadataColumn)
+    if (const qsizetype column = columnIdentifiers().indexOf(identifier); column >= firstMetadataColumn && column <= lastMetadataColumn)
         return metadataText((*m_rows)[size_t(row)], int(column));
+    if (identifier == QLatin1String("thumbnail"))
+        return QVariant();
     return ItemRecordValues::field((*m_rows)[size_t(row)], identifier, m_dates);
 }
 
@@ -152,6 +158,13 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     if (index.column() == Include)
         return role == Qt::CheckStateRole ? QVariant((*m_rows)[size_t(index.row())].include ? Qt::Checked : Qt::Unchecked)
                                           : QVariant();
+    if (index.column() == Thumbnail) {
+        if (role == Qt::DecorationRole)
+            return thumbnailOf((*m_rows)[size_t(index.row())]);
+        if (role == Qt::TextAlignmentRole)
+            return int(Qt::AlignCenter);
+        return QVariant();
+    }
     const bool conflict = index.column() == New && !conflictAt(index.row()).isEmpty();
     const bool warning = index.column() == New && !conflict && !warningAt(index.row()).isEmpty();
     switch (role) {
@@ -170,7 +183,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
         // Names, folders and recorded texts are cut to fit their columns:
         // whole in the tooltip.
         if (index.column() == Original || index.column() == Location || index.column() == New
-            || index.column() >= firstMetadataColumn)
+            || (index.column() >= firstMetadataColumn && index.column() <= lastMetadataColumn))
             return valueForColumn(columnIdentifiers()[index.column()], index.row());
         return QVariant();
     case Qt::ForegroundRole:
@@ -249,6 +262,7 @@ void FileTableModel::sort(int column, Qt::SortOrder order)
     m_conflicts.clear();
     m_warnings.clear();
     m_composingWarnings.clear();
+    m_rowOfPath.clear();
     endResetModel();
     emit rowsReordered();
 }
@@ -263,7 +277,8 @@ bool FileTableModel::setData(const QModelIndex &index, const QVariant &value, in
 QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     static const QStringList titles = {"",       "Name", "Location", "Created", "Modified", "Size",  "New name",
-                                       "Camera", "Lens", "Dimensions", "Artist", "Album",   "Title", "Duration"};
+                                       "Camera", "Lens", "Dimensions", "Artist", "Album",   "Title", "Duration",
+                                       ""};
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 && section < titles.size())
         return section == Creation && m_showsDatesTaken ? QStringLiteral("Date taken") : titles[section];
     return QAbstractTableModel::headerData(section, orientation, role);
@@ -380,6 +395,7 @@ bool FileTableModel::acceptDrop(const QMimeData *data, int row, bool fromInside)
     m_conflicts.clear();
     m_warnings.clear();
     m_composingWarnings.clear();
+    m_rowOfPath.clear();
     endResetModel();
     emit rowsReordered();
     return true;
@@ -422,7 +438,7 @@ bool FileTableModel::takeMetadata(const QHash<QString, std::shared_ptr<const Met
         took = true;
     }
     if (took && !m_rows->empty())
-        emit dataChanged(index(0, firstMetadataColumn), index(int(m_rows->size()) - 1, ColumnCount - 1));
+        emit dataChanged(index(0, firstMetadataColumn), index(int(m_rows->size()) - 1, lastMetadataColumn));
     return took;
 }
 
@@ -432,4 +448,59 @@ void FileTableModel::markMetadataUnread()
     for (size_t i = 0; i < m_rows->size(); ++i)
         if (!(*m_rows)[i].metadata && (*m_rows)[i].size)
             changeableRows()[i].metadata = unread;
+}
+
+void FileTableModel::setThumbnails(ThumbnailLoader *thumbnails)
+{
+    m_thumbnails = thumbnails;
+    connect(thumbnails, &ThumbnailLoader::ready, this, [this](const QString &path) {
+        if (m_rowOfPath.isEmpty())
+            for (size_t i = 0; i < m_rows->size(); ++i)
+                m_rowOfPath.insert((*m_rows)[i].path(), int(i));
+        const auto row = m_rowOfPath.constFind(path);
+        if (row != m_rowOfPath.constEnd() && size_t(*row) < m_rows->size())
+            emit dataChanged(index(*row, Thumbnail), index(*row, Thumbnail), {Qt::DecorationRole});
+    });
+}
+
+QVariant FileTableModel::thumbnailOf(const ItemRecord &row) const
+{
+    if (m_thumbnails && row.size) {
+        const QPixmap picture = m_thumbnails->pixmap(row.path(), row.modified);
+        if (!picture.isNull())
+            return picture;
+    }
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
+        return QVariant();
+    // The file type's icon, as the desktop's theme draws it: while the
+    // picture comes, or for a file that has none.
+    const QMimeType type = row.size ? QMimeDatabase().mimeTypeForFile(row.name, QMimeDatabase::MatchExtension)
+                                    : QMimeDatabase().mimeTypeForName(QStringLiteral("inode/directory"));
+    auto icon = m_typeIcons.find(type.name());
+    if (icon == m_typeIcons.end()) {
+        QIcon themed = QIcon::fromTheme(type.iconName(), QIcon::fromTheme(type.genericIconName()));
+        if (themed.isNull())
+            themed = QApplication::style()->standardIcon(row.size ? QStyle::SP_FileIcon : QStyle::SP_DirIcon);
+        icon = m_typeIcons.insert(type.name(), themed);
+    }
+    const int side = m_thumbnails ? m_thumbnails->side() : 32;
+    return icon->pixmap(side / 2, side / 2);
+}
+
+bool FileTableModel::holdsMostlyPictures() const
+{
+    const QMimeDatabase types;
+    size_t files = 0;
+    size_t pictures = 0;
+    // A thousand rows spread over the table tell as well as all of them.
+    const size_t step = std::max<size_t>(1, m_rows->size() / 1000);
+    for (size_t i = 0; i < m_rows->size(); i += step) {
+        const ItemRecord &row = (*m_rows)[i];
+        if (!row.size)
+            continue;
+        ++files;
+        if (types.mimeTypeForFile(row.name, QMimeDatabase::MatchExtension).name().startsWith(QLatin1String("image/")))
+            ++pictures;
+    }
+    return files > 0 && pictures * 2 >= files;
 }

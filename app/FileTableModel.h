@@ -5,10 +5,13 @@
 
 #include <QAbstractTableModel>
 #include <QHash>
+#include <QIcon>
 #include <QVariantList>
 #include <functional>
 #include <memory>
 #include <vector>
+
+class ThumbnailLoader;
 
 // The file table's rows: one item record per row, one column per record key.
 // Rows can be dragged within the table to a new order ("DraggedTableRows",
@@ -17,15 +20,17 @@
 class FileTableModel final : public QAbstractTableModel {
     Q_OBJECT
 public:
-    // The columns of what files say (Camera to Duration) are shown on
-    // request; their values are read aside.
+    // The columns of what files say (Camera to Duration) and the pictures'
+    // thumbnails are shown on request; their values are read aside.
     enum Column {
         Include, Original, Location, Creation, Modification, Size, New,
         Camera, Lens, Dimensions, Artist, Album, Title, Duration,
+        Thumbnail,
         ColumnCount
     };
     static const QStringList &columnIdentifiers();
     static constexpr Column firstMetadataColumn = Camera;
+    static constexpr Column lastMetadataColumn = Duration;
     // What a column of what files say shows, as a read asks for it.
     static Metadata::Request metadataOf(int column);
     static inline const QString DraggedTableRows = QStringLiteral("DraggedTableRows");
@@ -96,6 +101,12 @@ public:
     // so none is told missing meanwhile.
     void markMetadataUnread();
 
+    // Where the thumbnail column's pictures come from; without one it shows
+    // each file type's icon.
+    void setThumbnails(ThumbnailLoader *thumbnails);
+    // Whether most of the rows' files are pictures (by their names).
+    bool holdsMostlyPictures() const;
+
     // Whether the creation column shows dates taken (and is titled so).
     void setShowsDatesTaken(bool taken);
 
@@ -114,4 +125,8 @@ private:
     QStringList m_conflicts;
     QStringList m_warnings;
     QStringList m_composingWarnings; // a preview's, one per row or none
+    ThumbnailLoader *m_thumbnails = nullptr;
+    mutable QHash<QString, int> m_rowOfPath; // made when a picture comes, dropped when rows change
+    mutable QHash<QString, QIcon> m_typeIcons;
+    QVariant thumbnailOf(const ItemRecord &row) const;
 };

@@ -212,23 +212,32 @@ ExifBlock::MakerNote makerNoteOf(ExifData *data, const Block &block)
     return note;
 }
 
+// The block as libexif reads it, as it stands (nothing added, nothing
+// "fixed", maker notes left), into the thread's arena, which the caller
+// holds in use; none for an empty block.
+using Loaded = std::unique_ptr<ExifData, void (*)(ExifData *)>;
+Loaded load(const QByteArray &block, ExifMem *memory)
+{
+    Loaded data(block.isEmpty() ? nullptr : exif_data_new_mem(memory), exif_data_unref);
+    if (!data)
+        return data;
+    exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
+    exif_data_set_option(data.get(), EXIF_DATA_OPTION_DONT_CHANGE_MAKER_NOTE);
+    exif_data_load_data(data.get(), reinterpret_cast<const unsigned char *>(block.constData()), unsigned(block.size()));
+    return data;
+}
+
 } // namespace
 
 namespace ExifBlock {
 
 MakerNote read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values)
 {
-    if (block.isEmpty())
-        return {};
     ExifMem *memory = Arena::memory();
     const Arena::Use arena;
-    std::unique_ptr<ExifData, void (*)(ExifData *)> data(exif_data_new_mem(memory), exif_data_unref);
+    const Loaded data = load(block, memory);
     if (!data)
         return {};
-    // Read as it stands: nothing added, nothing "fixed", maker notes left.
-    exif_data_unset_option(data.get(), EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
-    exif_data_set_option(data.get(), EXIF_DATA_OPTION_DONT_CHANGE_MAKER_NOTE);
-    exif_data_load_data(data.get(), reinterpret_cast<const unsigned char *>(block.constData()), unsigned(block.size()));
     const Block exif(data.get());
 
     if (request.dateTaken && !values.taken)
@@ -253,6 +262,18 @@ MakerNote read(const QByteArray &block, const Metadata::Request &request, Metada
             setIfMissing(values, Field::Focal, ValueTexts::focalLength(*focal));
     }
     return makerNoteOf(data.get(), exif);
+}
+
+Thumbnail thumbnail(const QByteArray &block)
+{
+    ExifMem *memory = Arena::memory();
+    const Arena::Use arena;
+    const Loaded data = load(block, memory);
+    if (!data || !data->data || data->size == 0)
+        return {};
+    const auto orientation = Block(data.get()).number(EXIF_IFD_0, EXIF_TAG_ORIENTATION);
+    return {QByteArray(reinterpret_cast<const char *>(data->data), qsizetype(data->size)),
+            orientation && *orientation >= 1 && *orientation <= 8 ? int(*orientation) : 1};
 }
 
 } // namespace ExifBlock

@@ -22,4 +22,12 @@ struct MakerNote {
 // Fills what the block records of what `request` asks.
 MakerNote read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values);
 
+// The small JPEG a camera keeps in the block, and the turn (EXIF
+// orientation, 1 for none) the photograph asks for.
+struct Thumbnail {
+    QByteArray jpeg;
+    int orientation = 1;
+};
+Thumbnail thumbnail(const QByteArray &block);
+
 } // namespace ExifBlock

@@ -35,13 +35,10 @@ ssize_t readAt(int descriptor, char *into, size_t length, qint64 offset)
 FileSource::FileSource(const QByteArray &path)
 {
     // Not followed through a link: a listing reads items as they are.
-    m_descriptor = open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK);
-    if (m_descriptor < 0)
-        return;
+    m_file = FileDescriptor(open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK));
     struct stat status;
-    if (fstat(m_descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(m_descriptor);
-        m_descriptor = -1;
+    if (!m_file.isOpen() || fstat(m_file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        m_file = FileDescriptor();
         return;
     }
     m_size = status.st_size;
@@ -52,8 +49,6 @@ FileSource::~FileSource()
 {
     if (m_mapping)
         munmap(m_mapping, size_t(m_size));
-    if (m_descriptor >= 0)
-        close(m_descriptor);
 }
 
 bool FileSource::read(qint64 offset, void *into, size_t length) const
@@ -64,7 +59,7 @@ bool FileSource::read(qint64 offset, void *into, size_t length) const
         std::memcpy(into, m_head.constData() + offset, length);
         return true;
     }
-    return readAt(m_descriptor, static_cast<char *>(into), length, offset) == ssize_t(length);
+    return readAt(m_file.get(), static_cast<char *>(into), length, offset) == ssize_t(length);
 }
 
 QByteArray FileSource::bytes(qint64 offset, qint64 length) const
@@ -75,7 +70,7 @@ QByteArray FileSource::bytes(qint64 offset, qint64 length) const
     if (offset + length <= m_head.size())
         return m_head.mid(offset, length);
     QByteArray data(length, Qt::Uninitialized);
-    const ssize_t got = readAt(m_descriptor, data.data(), size_t(length), offset);
+    const ssize_t got = readAt(m_file.get(), data.data(), size_t(length), offset);
     data.truncate(got < 0 ? 0 : got);
     return data;
 }
@@ -83,7 +78,7 @@ QByteArray FileSource::bytes(qint64 offset, qint64 length) const
 const unsigned char *FileSource::mapped()
 {
     if (!m_mapping && m_size > 0) {
-        void *mapping = mmap(nullptr, size_t(m_size), PROT_READ, MAP_PRIVATE, m_descriptor, 0);
+        void *mapping = mmap(nullptr, size_t(m_size), PROT_READ, MAP_PRIVATE, m_file.get(), 0);
         if (mapping != MAP_FAILED)
             m_mapping = mapping;
     }

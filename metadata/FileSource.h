@@ -1,5 +1,7 @@
 #pragma once
 
+#include "OpenFiles.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <cstddef>
@@ -15,8 +17,8 @@ public:
     FileSource(const FileSource &) = delete;
     FileSource &operator=(const FileSource &) = delete;
 
-    bool isOpen() const { return m_descriptor >= 0; }
-    int descriptor() const { return m_descriptor; }
+    bool isOpen() const { return m_file.isOpen(); }
+    int descriptor() const { return m_file.get(); }
     qint64 size() const { return m_size; }
     // The first bytes of the file (a few kilobytes, or the whole of a small one).
     QByteArrayView head() const { return m_head; }
@@ -29,7 +31,7 @@ public:
     const unsigned char *mapped();
 
 private:
-    int m_descriptor = -1;
+    FileDescriptor m_file;
     qint64 m_size = 0;
     QByteArray m_head;
     void *m_mapping = nullptr;

@@ -79,6 +79,19 @@ const dirent *FolderEntries::next()
     }
 }
 
+bool openForReading(QFile &file, const QByteArray &path)
+{
+    const int descriptor = open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (descriptor < 0)
+        return false;
+    if (!file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle)) {
+        close(descriptor);
+        errno = EBADF;
+        return false;
+    }
+    return true;
+}
+
 int writeAll(int descriptor, const char *data, size_t size)
 {
     while (size > 0) {

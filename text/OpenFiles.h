@@ -3,6 +3,7 @@
 #include "Result.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <dirent.h>
 #include <sys/types.h>
 
@@ -50,6 +51,11 @@ private:
     DIR *m_stream = nullptr;
     int m_error = 0;
 };
+
+// Opens `file` for reading the file at `path`, named by its bytes (Qt's
+// own opening names files by text, which cannot name every file); not
+// through a symbolic link at its end. False, with errno, when it cannot.
+bool openForReading(QFile &file, const QByteArray &path);
 
 // Writes all `size` bytes, however many calls it takes: 0, or an errno value.
 int writeAll(int descriptor, const char *data, size_t size);

@@ -29,4 +29,9 @@ QString dataHome()
     return folder("XDG_DATA_HOME", "/.local/share");
 }
 
+QString cacheHome()
+{
+    return folder("XDG_CACHE_HOME", "/.cache");
+}
+
 } // namespace UserFolders

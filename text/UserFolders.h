@@ -8,5 +8,6 @@ namespace UserFolders {
 
 QString configHome(); // $XDG_CONFIG_HOME, ~/.config
 QString dataHome();   // $XDG_DATA_HOME, ~/.local/share
+QString cacheHome();  // $XDG_CACHE_HOME, ~/.cache
 
 } // namespace UserFolders

@@ -91,19 +91,30 @@ std::string metadataBlock(const heif_image_handle *handle, const char *type, con
     return block;
 }
 
-bool readPicture(int descriptor, ReaderModule::Picture &picture)
+using Context = std::unique_ptr<heif_context, void (*)(heif_context *)>;
+using Handle = std::unique_ptr<heif_image_handle, void (*)(const heif_image_handle *)>;
+
+// The file's primary picture; `input` must outlive the context.
+Handle primaryOf(int descriptor, Input &input, Context &context)
 {
     struct stat status;
     if (fstat(descriptor, &status) != 0)
-        return false;
-    Input input{descriptor, 0, int64_t(status.st_size), {}, 0};
-    std::unique_ptr<heif_context, void (*)(heif_context *)> context(heif_context_alloc(), heif_context_free);
-    if (!context || heif_context_read_from_reader(context.get(), &reader, &input, nullptr).code != heif_error_Ok)
-        return false;
+        return Handle(nullptr, heif_image_handle_release);
+    input = Input{descriptor, 0, int64_t(status.st_size), {}, 0};
     heif_image_handle *primary = nullptr;
-    if (heif_context_get_primary_image_handle(context.get(), &primary).code != heif_error_Ok)
+    if (!context || heif_context_read_from_reader(context.get(), &reader, &input, nullptr).code != heif_error_Ok
+        || heif_context_get_primary_image_handle(context.get(), &primary).code != heif_error_Ok)
+        return Handle(nullptr, heif_image_handle_release);
+    return Handle(primary, heif_image_handle_release);
+}
+
+bool readPicture(int descriptor, ReaderModule::Picture &picture)
+{
+    Input input{descriptor, 0, 0, {}, 0};
+    Context context(heif_context_alloc(), heif_context_free);
+    const Handle handle = primaryOf(descriptor, input, context);
+    if (!handle)
         return false;
-    std::unique_ptr<heif_image_handle, void (*)(const heif_image_handle *)> handle(primary, heif_image_handle_release);
     // The size as stored, before any turn the file asks a viewer for.
     picture.width = heif_image_handle_get_ispe_width(handle.get());
     picture.height = heif_image_handle_get_ispe_height(handle.get());
@@ -119,7 +130,48 @@ bool readPicture(int descriptor, ReaderModule::Picture &picture)
     return true;
 }
 
-const ReaderModule::Api api = {ReaderModule::version, readPicture, nullptr};
+// The picture's own thumbnail when it has one (phones store one), else
+// the picture itself, decoded (turned as the file asks) and made small.
+bool readSmallPicture(int descriptor, int side, ReaderModule::Pixels &pixels)
+{
+    Input input{descriptor, 0, 0, {}, 0};
+    Context context(heif_context_alloc(), heif_context_free);
+    Handle handle = primaryOf(descriptor, input, context);
+    if (!handle)
+        return false;
+    heif_item_id thumbnail = 0;
+    if (heif_image_handle_get_list_of_thumbnail_IDs(handle.get(), &thumbnail, 1) == 1) {
+        heif_image_handle *small = nullptr;
+        if (heif_image_handle_get_thumbnail(handle.get(), thumbnail, &small).code == heif_error_Ok)
+            handle = Handle(small, heif_image_handle_release);
+    }
+    heif_image *decoded = nullptr;
+    if (heif_decode_image(handle.get(), &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr).code != heif_error_Ok)
+        return false;
+    std::unique_ptr<heif_image, void (*)(const heif_image *)> image(decoded, heif_image_release);
+    const int width = heif_image_get_width(image.get(), heif_channel_interleaved);
+    const int height = heif_image_get_height(image.get(), heif_channel_interleaved);
+    if (width <= 0 || height <= 0)
+        return false;
+    if (std::max(width, height) > side) {
+        const double scale = double(side) / std::max(width, height);
+        heif_image *scaled = nullptr;
+        if (heif_image_scale_image(image.get(), &scaled, std::max(1, int(width * scale)), std::max(1, int(height * scale)), nullptr).code
+            == heif_error_Ok)
+            image.reset(scaled);
+    }
+    int stride = 0;
+    const uint8_t *data = heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
+    if (!data)
+        return false;
+    pixels.width = heif_image_get_width(image.get(), heif_channel_interleaved);
+    pixels.height = heif_image_get_height(image.get(), heif_channel_interleaved);
+    pixels.stride = stride;
+    pixels.rgba.assign(data, data + size_t(stride) * size_t(pixels.height));
+    return true;
+}
+
+const ReaderModule::Api api = {ReaderModule::version, readPicture, nullptr, readSmallPicture};
 
 } // namespace
 

@@ -151,7 +151,7 @@ bool readRecording(int descriptor, ReaderModule::Recording &recording)
     return read;
 }
 
-const ReaderModule::Api api = {ReaderModule::version, nullptr, readRecording};
+const ReaderModule::Api api = {ReaderModule::version, nullptr, readRecording, nullptr};
 
 } // namespace
 

@@ -6,6 +6,7 @@
 // Plain types only cross between a module and the program.
 
 #include <string>
+#include <vector>
 
 namespace ReaderModule {
 
@@ -31,17 +32,29 @@ struct Recording {
     std::string title, artist, albumArtist, album, track, disc, date, genre;
 };
 
+// A picture to show small, decoded and turned as the file asks: RGBA, a
+// byte a channel, rows of `stride` bytes.
+struct Pixels {
+    int width = 0;
+    int height = 0;
+    int stride = 0;
+    std::vector<unsigned char> rgba;
+};
+
 // Each reads from an open descriptor, never by name; false when the file
 // is not of its kind or cannot be read.
 using ReadPicture = bool (*)(int descriptor, Picture &picture);
 using ReadRecording = bool (*)(int descriptor, Recording &recording);
+// The file's own thumbnail, else its picture, at most `side` pixels long.
+using ReadSmallPicture = bool (*)(int descriptor, int side, Pixels &pixels);
 
-constexpr int version = 1;
+constexpr int version = 2;
 
 struct Api {
     int version;
-    ReadPicture readPicture;     // null in a module that reads no pictures
-    ReadRecording readRecording; // null in a module that reads no recordings
+    ReadPicture readPicture;           // null in a module that reads no pictures
+    ReadRecording readRecording;       // null in a module that reads no recordings
+    ReadSmallPicture readSmallPicture; // null in a module that shows no pictures
 };
 
 } // namespace ReaderModule
