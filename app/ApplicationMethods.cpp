@@ -127,6 +127,7 @@ QVariant moving(RZApplication &app, const std::function<SafeMover::Report(SafeMo
     };
     const SafeMover::Report report = call(mover);
     mover.progress = nullptr;
+    app.mainWindow().renamed();
     return reportToScript(report);
 }
 

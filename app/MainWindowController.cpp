@@ -7,6 +7,7 @@
 #include "NamedException.h"
 #include "RuleForm.h"
 #include "RuleMenus.h"
+#include "ThumbnailLoader.h"
 #include "TokenMenu.h"
 
 #include <QAbstractButton>
@@ -19,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QSettings>
 #include <QMimeData>
 #include <QStyle>
 #include <QTableView>
@@ -56,10 +58,14 @@ MainWindowController::MainWindowController(RenameEngine &engine, FileTableModel 
     m_progress = std::make_unique<ProgressPanel>(*m_form, m_engine.stop);
     m_preview = new PreviewScheduler(m_engine, m_table, this);
     m_fill = new MetadataFill(m_table, this);
+    m_thumbnails = new ThumbnailLoader(64, this);
     m_table.runAside = [this](const std::function<void()> &work) { m_progress->runAside(work); };
     // User edits only: text set by the program is not an edit.
     for (QLineEdit *field : window()->findChildren<QLineEdit *>()) {
-        connect(field, &QLineEdit::textEdited, this, [this, field] { textDidChange(field); });
+        connect(field, &QLineEdit::textEdited, this, [this, field] {
+            m_renameUndoesFirst = false; // the field's own edit comes first again
+            textDidChange(field);
+        });
         field->installEventFilter(this); // for Undo Rename's shortcut
     }
     for (const char *affix : {"prefix", "suffix"}) {
@@ -104,33 +110,71 @@ void MainWindowController::setUpTable()
     table->setTextElideMode(Qt::ElideMiddle); // a name's extension stays in sight
     table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 6);
     const int character = table->fontMetrics().averageCharWidth();
-    const int dateWidth = table->fontMetrics().horizontalAdvance(QStringLiteral("2000-00-00 00:00:00")) + 2 * character;
     const std::pair<int, int> widths[] = {{FileTableModel::Include, 4 * character},
                                           {FileTableModel::Original, 32 * character},
-                                          {FileTableModel::Location, 22 * character},
-                                          {FileTableModel::Creation, dateWidth},
-                                          {FileTableModel::Modification, dateWidth},
-                                          {FileTableModel::Size, 10 * character}};
+                                          {FileTableModel::Location, 22 * character}};
     for (const auto &[column, width] : widths)
         table->setColumnWidth(column, width);
+    // Numbers and dates are never cut: their columns open wide enough for
+    // the widest they show, title and order mark included, and are never
+    // made narrower.
+    const int margins = 2 * (table->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, table) + 1) + character;
+    const std::pair<int, const char *> widest[] = {{FileTableModel::Creation, "2000-00-00 00:00:00"},
+                                                   {FileTableModel::Modification, "2000-00-00 00:00:00"},
+                                                   {FileTableModel::Size, "1023.9 KB"},
+                                                   {FileTableModel::Dimensions, "10000x10000"},
+                                                   {FileTableModel::Duration, "10.00.00"}};
+    for (const auto &[column, text] : widest) {
+        const QString title = m_table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+        const int titled = table->fontMetrics().horizontalAdvance(title) + 3 * character; // and the order mark
+        m_numberWidths[column] = std::max(table->fontMetrics().horizontalAdvance(QLatin1String(text)) + margins, titled);
+        table->setColumnWidth(column, m_numberWidths[column]);
+    }
+    connect(table->horizontalHeader(), &QHeaderView::sectionResized, this, [this](int column, int, int width) {
+        if (const auto least = m_numberWidths.constFind(column); least != m_numberWidths.constEnd() && width > 0 && width < *least)
+            m_tableView->horizontalHeader()->resizeSection(column, *least);
+    });
     // What files say is shown on request, chosen from the header's menu,
     // before the new name (which takes the width that is left).
     QHeaderView *header = table->horizontalHeader();
-    for (int column = FileTableModel::firstMetadataColumn; column < FileTableModel::ColumnCount; ++column) {
-        const int title = table->fontMetrics().horizontalAdvance(m_table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
-        table->setColumnWidth(column, std::max(title + 3 * character, (column == FileTableModel::Duration ? 8 : 18) * character));
+    for (int column = FileTableModel::firstMetadataColumn; column <= FileTableModel::lastMetadataColumn; ++column) {
+        if (!m_numberWidths.contains(column)) {
+            const int title = table->fontMetrics().horizontalAdvance(m_table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+            table->setColumnWidth(column, std::max(title + 3 * character, 18 * character));
+        }
         table->setColumnHidden(column, true);
         header->moveSection(header->visualIndex(column), header->visualIndex(FileTableModel::New));
     }
+    // Pictures of the files, beside their tick boxes, on request (and for
+    // folders of pictures until the person chooses).
+    m_table.setThumbnails(m_thumbnails);
+    table->setColumnWidth(FileTableModel::Thumbnail, m_thumbnails->side() + character);
+    table->setColumnHidden(FileTableModel::Thumbnail, true);
+    header->moveSection(header->visualIndex(FileTableModel::Thumbnail), header->visualIndex(FileTableModel::Include) + 1);
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(header, &QWidget::customContextMenuRequested, this, &MainWindowController::showColumnMenu);
+}
+
+void MainWindowController::showThumbnails(bool shown)
+{
+    if (!m_tableView)
+        return;
+    m_tableView->setColumnHidden(FileTableModel::Thumbnail, !shown);
+    const int textRow = m_tableView->fontMetrics().height() + 6;
+    m_tableView->verticalHeader()->setDefaultSectionSize(shown ? std::max(textRow, m_thumbnails->side() + 4) : textRow);
 }
 
 void MainWindowController::showColumnMenu(const QPoint &at)
 {
     QMenu menu(m_tableView);
     menu.setObjectName(QStringLiteral("column_menu"));
-    for (int column = FileTableModel::firstMetadataColumn; column < FileTableModel::ColumnCount; ++column) {
+    QAction *thumbnails = menu.addAction(QStringLiteral("Thumbnails"));
+    thumbnails->setObjectName(QStringLiteral("show_column_thumbnail"));
+    thumbnails->setCheckable(true);
+    thumbnails->setChecked(!m_tableView->isColumnHidden(FileTableModel::Thumbnail));
+    connect(thumbnails, &QAction::toggled, this, [this](bool shown) { showColumn(FileTableModel::Thumbnail, shown); });
+    menu.addSeparator();
+    for (int column = FileTableModel::firstMetadataColumn; column <= FileTableModel::lastMetadataColumn; ++column) {
         QAction *action = menu.addAction(m_table.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
         action->setObjectName(QStringLiteral("show_column_") + FileTableModel::columnIdentifiers()[column]);
         action->setCheckable(true);
@@ -144,6 +188,12 @@ void MainWindowController::showColumn(int column, bool shown)
 {
     if (!m_tableView || column < FileTableModel::firstMetadataColumn || column >= FileTableModel::ColumnCount)
         return;
+    if (column == FileTableModel::Thumbnail) {
+        // The person's choice holds from now on, in this run and the next.
+        QSettings().setValue(QStringLiteral("columns/thumbnails"), shown);
+        showThumbnails(shown);
+        return;
+    }
     m_tableView->setColumnHidden(column, !shown);
     m_fill->want(metadataWanted());
 }
@@ -152,7 +202,7 @@ Metadata::Request MainWindowController::shownColumnsRequest() const
 {
     Metadata::Request wanted;
     if (m_tableView)
-        for (int column = FileTableModel::firstMetadataColumn; column < FileTableModel::ColumnCount; ++column)
+        for (int column = FileTableModel::firstMetadataColumn; column <= FileTableModel::lastMetadataColumn; ++column)
             if (!m_tableView->isColumnHidden(column))
                 wanted |= FileTableModel::metadataOf(column);
     return wanted;
@@ -296,16 +346,24 @@ void MainWindowController::showNewListing()
         return row.location == rows.front().location;
     });
     table->setColumnHidden(FileTableModel::Location, oneLocation && !rows.empty());
+    // Thumbnails for folders of pictures, unless the person chose.
+    const QVariant chosen = QSettings().value(QStringLiteral("columns/thumbnails"));
+    showThumbnails(chosen.isValid() ? chosen.toBool() : m_table.holdsMostlyPictures());
+    // Widths remembered from a run with a narrower font do not cut numbers.
+    for (auto least = m_numberWidths.cbegin(); least != m_numberWidths.cend(); ++least)
+        if (header->sectionSize(least.key()) > 0 && header->sectionSize(least.key()) < least.value())
+            header->resizeSection(least.key(), least.value());
     table->scrollToTop();
     table->clearSelection();
 }
 
 bool MainWindowController::eventFilter(QObject *watched, QEvent *event)
 {
-    // Undo Rename answers its shortcut wherever focus is, unless the field
-    // with focus has an edit of its own to undo.
+    // Undo Rename answers its shortcut wherever focus is: right after a
+    // rename (until the person types again), and when the field with focus
+    // has no edit of its own to undo.
     if (event->type() == QEvent::ShortcutOverride && static_cast<QKeyEvent *>(event)->matches(QKeySequence::Undo))
-        if (auto *field = qobject_cast<QLineEdit *>(watched); field && !field->isUndoAvailable()) {
+        if (auto *field = qobject_cast<QLineEdit *>(watched); field && (m_renameUndoesFirst || !field->isUndoAvailable())) {
             event->ignore();
             return true;
         }

@@ -8,10 +8,12 @@
 #include "RenameEngine.h"
 #include "ScriptRequests.h"
 
+#include <QHash>
 #include <QObject>
 #include <memory>
 
 class QTableView;
+class ThumbnailLoader;
 
 // The main window's flow: loads the interface file, wires its controls to
 // the main script's handlers, keeps the table in the order its header shows,
@@ -50,7 +52,11 @@ public:
 
     // The table's rows in the order its header shows, if it shows one.
     void sortTableRows();
-    // Shows or hides a column of what files say; its values are read aside.
+    // Files were renamed (or put back): until the person types again,
+    // Undo's shortcut undoes that, wherever focus is.
+    void renamed() { m_renameUndoesFirst = true; }
+    // Shows or hides a column of what files say (its values are read
+    // aside) or the thumbnails (the person's choice, remembered).
     void showColumn(int column, bool shown);
     // What the shown columns ask of each file; with what the rule asks.
     Metadata::Request shownColumnsRequest() const;
@@ -76,6 +82,7 @@ private:
     void showNewListing();
     void showPatternError(const QString &error);
     void showColumnMenu(const QPoint &at);
+    void showThumbnails(bool shown);
     void useZerosControls();
 
     RenameEngine &m_engine;
@@ -84,8 +91,11 @@ private:
     std::unique_ptr<ProgressPanel> m_progress;
     PreviewScheduler *m_preview = nullptr;
     MetadataFill *m_fill = nullptr;
+    ThumbnailLoader *m_thumbnails = nullptr;
     QTableView *m_tableView = nullptr; // none when the interface file lacks it
     bool m_sorting = false;
     RenameRule m_capturedRule;      // as last read from the controls
     bool m_advanceExcluded = false;  // as the batch pass was last asked
+    bool m_renameUndoesFirst = false;
+    QHash<int, int> m_numberWidths; // the least width of each column of numbers
 };

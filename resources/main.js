@@ -75,9 +75,37 @@ function launched(paths) {
     call("refreshPreview");
 }
 
+// Dates taken replace the creation date: a prefix or suffix that showed
+// the current date (the popups' first choice) now shows the creation date,
+// so the box does what it says; one that chose another date keeps it.
+// Answers what was changed, for the status line.
+function dateTokensFollowDatesTaken() {
+    if (!contents("dates_taken"))
+        return "";
+    var moved = [];
+    ["prefix", "suffix"].forEach(function (part) {
+        var popup = part + "_date_to_use";
+        if (call("indexOfSelectedItemOfOutlet:", [popup]) === 0) {
+            setContents(popup, "Creation date");
+            moved.push(part === "prefix" ? "The prefix's" : "the suffix's");
+        }
+    });
+    if (moved.length === 0)
+        return "";
+    var whose = moved.join(" and ");
+    return whose.charAt(0).toUpperCase() + whose.slice(1) + " Date " + (moved.length === 1 ? "is" : "are") +
+        " now \u201cCreation date\u201d: the date each photograph was taken.";
+}
+
 function clicked(name) {
     if (name === "choose_folder")
         chooseFolder();
+    else if (name === "dates_taken") {
+        var moved = dateTokensFollowDatesTaken();
+        listItems();
+        if (moved !== "")
+            setContents("status_line", contents("status_line") + ". " + moved);
+    }
     else if (name === "source_folder") {
         droppedItems = null;
         listItems();

@@ -7,7 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -105,7 +105,7 @@ TEST(ApplicationScript, GermanTokensAreWhatAGermanUserTypes)
 
 TEST(ApplicationScript, EveryListingTableAndBatchSelectorByName)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QDir().mkpath(dir.filePath("Sub"));
     for (const char *name : {"a.jpg", "b.png", "Sub/c.jpg"}) {
         QFile file(dir.filePath(QString::fromLatin1(name)));
@@ -162,8 +162,8 @@ TEST(ApplicationScript, EveryListingTableAndBatchSelectorByName)
 
 TEST(ApplicationScript, SafeRenamingThroughTheScript)
 {
-    QTemporaryDir dir;
-    QTemporaryDir data;
+    TemporaryFolder dir;
+    TemporaryFolder data;
     for (const char *name : {"a.jpg", "b.jpg"}) {
         QFile file(dir.filePath(QString::fromLatin1(name)));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));

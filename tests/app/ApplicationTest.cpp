@@ -13,7 +13,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QSignalSpy>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTimer>
 #include <cstdio>
 #include <QComboBox>
@@ -134,7 +134,7 @@ TEST(Progress, ScreenUpdatesAreThinnedByTheMaximum)
 
 TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     for (int i = 0; i < 3000; ++i)
         QFile(dir.filePath(QStringLiteral("f%1.txt").arg(i))).open(QIODevice::WriteOnly);
     QStringList paths;
@@ -152,7 +152,7 @@ TEST(Progress, TheStopButtonEndsAListingWhileItRuns)
 
 TEST(Progress, AListingGoesStraightIntoTheTableInNaturalOrderAndSaysWhenStopped)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     for (const char *name : {"IMG_10.jpg", "IMG_9.jpg", "img_100.jpg"})
         QFile(dir.filePath(QString::fromLatin1(name))).open(QIODevice::WriteOnly);
     ListingRequest request;
@@ -327,12 +327,14 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     // The user's own settings are never read or written by the tests.
-    QTemporaryDir configuration;
+    TemporaryFolder configuration;
     qputenv("XDG_CONFIG_HOME", PathCodec::encode(configuration.path()));
     qputenv("LANG", "en_US.UTF-8");
     RZApplication application(argc, argv);
     const MethodRegistry methods = buildMethodTable();
     application.init(methods);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int failed = RUN_ALL_TESTS();
+    UserDefaults::synchronizeDefaults(); // while the folder is there
+    return failed;
 }

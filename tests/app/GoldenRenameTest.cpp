@@ -8,7 +8,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -55,7 +55,7 @@ QStringList treeOf(const QString &root)
 TEST(GoldenRename, PhotosTree)
 {
     const QString data = QStringLiteral(NOMEN_TEST_DATA);
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     buildTree(dir.path(), data + QStringLiteral("/rename_photos.tree"));
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -93,7 +93,7 @@ QString run(const QString &program, const QStringList &arguments, const QString 
 TEST(GoldenRename, RecursiveNumberingIsTheSameInTheWindowAndTheCommandLine)
 {
     const QString data = QStringLiteral(NOMEN_TEST_DATA);
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     buildTree(dir.path(), data + QStringLiteral("/recursive_numbering.tree"));
     const QString window = run(QStringLiteral(NOMEN_SCRIPT_PATH),
                                {QStringLiteral("-e"), QStringLiteral("var ROOT = \"%1\";\n").arg(dir.path())

@@ -6,7 +6,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -61,7 +61,7 @@ protected:
         return value.typeId() == QMetaType::Bool ? QVariantList{QStringLiteral("stopped")} : value.toList();
     }
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     std::atomic<bool> stop{true};
     const ClampedDates dates;
     FolderListing listing;

@@ -19,7 +19,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QTableView>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
@@ -30,7 +30,7 @@ namespace {
 
 TEST(MainWindow, APersonListsRenamesAndUndoes)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), {"IMG_10.jpg", "IMG_9.jpg", "IMG_100.jpg", "notes.txt"});
     // Not listed (no folder rows), but it holds the name notes.txt would get.
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("Trip 4 notes.txt")));
@@ -104,7 +104,7 @@ TEST(MainWindow, APersonListsRenamesAndUndoes)
 
 TEST(MainWindow, UntickingARowGivesItsCounterToTheNext)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), {"a.txt", "b.txt", "c.txt"});
     script->handle(QStringLiteral("dropped"), QStringList{folder.path()});
     control<QLineEdit>("prefix")->setText(QString());
@@ -118,7 +118,7 @@ TEST(MainWindow, UntickingARowGivesItsCounterToTheNext)
 
 TEST(MainWindow, FilesDroppedOnTheWindowAreListed)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), {"one.txt", "two.txt", "three.txt"});
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(folder.path() + QStringLiteral("/one.txt")),
@@ -137,7 +137,7 @@ TEST(MainWindow, FilesDroppedOnTheWindowAreListed)
 // changes nothing and starts nothing; afterwards the window is as it was.
 TEST(MainWindow, NothingStartsOrChangesInsideALongPass)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), numberedNames(QStringLiteral("IMG_%1.jpg"), 0, 299));
     auto *prefix = control<QLineEdit>("prefix");
     prefix->setText(QStringLiteral("Trip "));
@@ -172,7 +172,7 @@ TEST(MainWindow, NothingStartsOrChangesInsideALongPass)
 
 TEST(MainWindow, ANewNameWithASlashIsAConflictAndAHiddenOneAWarning)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), {"a.jpg", "b.jpg"});
     control<QLineEdit>("source_folder")->setText(folder.path());
     script->handle(QStringLiteral("clicked"), QStringLiteral("source_folder"));
@@ -196,7 +196,7 @@ TEST(MainWindow, ANewNameWithASlashIsAConflictAndAHiddenOneAWarning)
 
 TEST(MainWindow, ABatchCutShortIsOfferedForRollBackAtTheNextStart)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), {"1.txt", "2.txt", "3.txt", "4.txt"});
     // Stopped after two moves, as Ctrl-C in the command line stops it.
     class StopAfterTwo : public BatchObserver {
@@ -254,10 +254,12 @@ TEST(MainWindow, TheWindowHasItsIconAndMenusTheUsualShortcuts)
 int main(int argc, char **argv)
 {
     // A private home for the remembered rule and the journal.
-    QTemporaryDir privateHome;
+    TemporaryFolder privateHome;
     home = &privateHome;
-    qputenv("XDG_CONFIG_HOME", (privateHome.path() + QStringLiteral("/config")).toLocal8Bit());
-    qputenv("XDG_DATA_HOME", (privateHome.path() + QStringLiteral("/data")).toLocal8Bit());
+    const QByteArray homePath = PathCodec::encode(privateHome.path());
+    qputenv("XDG_CONFIG_HOME", homePath + "/config");
+    qputenv("XDG_DATA_HOME", homePath + "/data");
+    qputenv("XDG_CACHE_HOME", homePath + "/cache");
     RZApplication app(argc, argv);
     application = &app;
     const MethodRegistry methods = buildMethodTable();

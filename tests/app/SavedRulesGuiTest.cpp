@@ -16,7 +16,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -74,7 +74,7 @@ QAction *ruleEntry(const char *menu, const QString &title)
 
 TEST(MainWindow, SavedRulesGoBetweenTheWindowAndTheCommandLine)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     makeFiles(folder.path(), {"IMG_1.jpg", "IMG_2.jpg", "notes.txt"});
     script->start({folder.path()});
     // From the plain rule, and back to what the window showed afterwards.

@@ -10,11 +10,12 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTest>
 #include <QTimer>
 #include <QMessageBox>
@@ -23,11 +24,10 @@
 #include <utility>
 #include <gtest/gtest.h>
 
-class QTemporaryDir;
 
 inline RZApplication *application = nullptr;
 inline MainScript *script = nullptr;
-inline QTemporaryDir *home = nullptr;
+inline TemporaryFolder *home = nullptr;
 
 template <typename T>
 T *control(const char *name)
@@ -179,6 +179,8 @@ protected:
             control<QLineEdit>(field)->setText(QStringLiteral("0"));
         for (const char *box : {"change_case", "orig_strip_diacriticals", "descend", "folder_rows", "dates_taken"})
             control<QAbstractButton>(box)->setChecked(false);
+        for (const char *popup : {"prefix_date_to_use", "suffix_date_to_use"})
+            control<QComboBox>(popup)->setCurrentIndex(0);
         control<QAbstractButton>("inc_original_name")->setChecked(true);
         control<QAbstractButton>("snr_type_1_0")->setChecked(true);
         control<QAbstractButton>("extension_matrix_0")->setChecked(true);
@@ -192,7 +194,7 @@ protected:
         listFolder(folder.path());
     }
 
-    QTemporaryDir folder;
+    TemporaryFolder folder;
 };
 
 } // namespace WindowTests

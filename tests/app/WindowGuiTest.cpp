@@ -21,8 +21,9 @@
 #include <QProgressBar>
 #include <QScrollBar>
 #include <QSettings>
+#include <QStyle>
 #include <QTableView>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -134,6 +135,29 @@ TEST_F(Window, UndoRenameAnswersItsShortcutWhereverFocusIsUnlessAFieldHasItsOwnE
     QTest::keyClick(suffix, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(namesIn(folder.path()), QStringList({"a.txt", "b.txt"}));
     prefix->clear();
+    suffix->clear();
+
+    // Right after Ctrl+R, Ctrl+Z undoes the rename even in a field with
+    // typing of its own to undo; once the person types again, the field's
+    // own undo comes first.
+    auto *search = control<QLineEdit>("search_1");
+    auto *replace = control<QLineEdit>("replace_1");
+    search->setFocus();
+    QTest::keyClicks(search, QStringLiteral("a"));
+    replace->setFocus();
+    QTest::keyClicks(replace, QStringLiteral("c"));
+    QTest::keyClick(replace, Qt::Key_R, Qt::ControlModifier);
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"b.txt", "c.txt"}));
+    QTest::keyClick(replace, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"a.txt", "b.txt"}));
+    EXPECT_EQ(replace->text(), "c") << "the rule is kept as typed";
+    QTest::keyClick(replace, Qt::Key_R, Qt::ControlModifier);
+    QTest::keyClicks(replace, QStringLiteral("d"));
+    QTest::keyClick(replace, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(replace->text().endsWith(u'd')) << "the typing was undone";
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"b.txt", "c.txt"}));
+    search->clear();
+    replace->clear();
     EXPECT_NO_SURPRISES();
 }
 
@@ -243,7 +267,7 @@ TEST_F(Window, DatesTakenPutTwoCamerasPicturesInTheOrderTheyWereTaken)
     showWindowAt(1060);
     listFolder(folder.path());
     control<QLineEdit>("prefix")->setText(QStringLiteral("«date %H.%M» «#» "));
-    control<QComboBox>("prefix_date_to_use")->setCurrentIndex(1); // the creation date
+    control<QComboBox>("suffix_date_to_use")->setCurrentIndex(2); // a date of its own choosing
     QHeaderView *header = fileTable()->horizontalHeader();
     const auto title = [header] { return header->model()->headerData(FileTableModel::Creation, Qt::Horizontal).toString(); };
     EXPECT_EQ(title(), QStringLiteral("Created"));
@@ -251,6 +275,12 @@ TEST_F(Window, DatesTakenPutTwoCamerasPicturesInTheOrderTheyWereTaken)
     auto *box = control<QAbstractButton>("dates_taken");
     QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(4, box->height() / 2));
     ASSERT_TRUE(waitFor([&] { return title() == QLatin1String("Date taken"); }));
+    // The prefix's Date, at "Current date", follows the box; the suffix's
+    // chosen date stays; the status line says what moved.
+    EXPECT_EQ(control<QComboBox>("prefix_date_to_use")->currentText(), "Creation date");
+    EXPECT_EQ(control<QComboBox>("suffix_date_to_use")->currentText(), "Modification date");
+    EXPECT_EQ(control<QLabel>("status_line")->text(),
+              "3 items. The prefix's Date is now \u201cCreation date\u201d: the date each photograph was taken.");
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
                       QPoint(header->sectionViewportPosition(FileTableModel::Creation) + 10, 5));
     const QStringList inOrder = {"IMG_0001.jpg", "DSC_0001.jpg", "IMG_0002.jpg"};
@@ -269,6 +299,7 @@ TEST_F(Window, DatesTakenPutTwoCamerasPicturesInTheOrderTheyWereTaken)
     EXPECT_NE(column(FileTableModel::Creation).first(), QStringLiteral("2021-05-01 10:00:00")) << "the files' own dates again";
     control<QLineEdit>("prefix")->clear();
     control<QComboBox>("prefix_date_to_use")->setCurrentIndex(0);
+    control<QComboBox>("suffix_date_to_use")->setCurrentIndex(0);
     header->setSortIndicator(FileTableModel::Original, Qt::AscendingOrder);
     EXPECT_NO_SURPRISES();
 }
@@ -366,6 +397,37 @@ TEST_F(Window, LabelsStayByTheirControlsAtAnyWidth)
     EXPECT_FALSE(fileTable()->isColumnHidden(FileTableModel::Location));
     control<QAbstractButton>("descend")->setChecked(false);
     showWindowAt(1060);
+    EXPECT_NO_SURPRISES();
+}
+
+// Sizes and dates are shown whole, right-aligned, at the width the window
+// opens with, and their columns cannot be made too narrow for them.
+TEST_F(Window, NumbersAreNeverCut)
+{
+    for (const auto &[name, size] : {std::pair{"a.bin", 15'360}, {"b.bin", 1'048'473}, {"c.bin", 83'000}}) {
+        QFile file(folder.filePath(QLatin1String(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(size));
+    }
+    showWindowAt(1060);
+    listFolder(folder.path());
+    FileTableView *table = fileTable();
+    const FileTableModel &model = application->fileTableDataSource();
+    const int margins = 2 * (table->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, table) + 1);
+    const auto shownWhole = [&](int column) {
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QString text = model.data(model.index(row, column), Qt::DisplayRole).toString();
+            if (table->columnWidth(column) < table->fontMetrics().horizontalAdvance(text) + margins)
+                return text;
+        }
+        return QString();
+    };
+    EXPECT_EQ(column(FileTableModel::Size), QStringList({"15.0 KB", "1023.9 KB", "81.1 KB"}));
+    for (int column : {FileTableModel::Size, FileTableModel::Creation, FileTableModel::Modification}) {
+        EXPECT_EQ(shownWhole(column), QString()) << "cut: " << column;
+        table->horizontalHeader()->resizeSection(column, 20);
+        EXPECT_EQ(shownWhole(column), QString()) << "made too narrow: " << column;
+    }
+    EXPECT_EQ(model.data(model.index(0, FileTableModel::Size), Qt::TextAlignmentRole).toInt() & Qt::AlignRight, Qt::AlignRight);
     EXPECT_NO_SURPRISES();
 }
 

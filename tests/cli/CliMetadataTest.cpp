@@ -9,7 +9,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -25,7 +25,7 @@ class Metadata : public testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        files = new QTemporaryDir;
+        files = new TemporaryFolder;
         QProcess make;
         make.start(QStringLiteral(NOMEN_SHARED_TEST_DATA "/metadata_fixtures.py"), {"make", files->path()});
         make.waitForFinished(120000);
@@ -65,7 +65,7 @@ protected:
         return found;
     }
 
-    static inline QTemporaryDir *files = nullptr;
+    static inline TemporaryFolder *files = nullptr;
     static inline QString made;
     CliRunner cli;
 };
@@ -141,7 +141,7 @@ TEST_F(Metadata, ValuesAreMadeSafeInNamesAndRulesKeepThem)
     EXPECT_EQ(newNameOf(saved.value("camera.jpg")), "Canon EOS 5D Mark IV 1_250 s camera.jpg");
 
     // Renaming goes ahead where values are missing.
-    const QTemporaryDir renamed;
+    const TemporaryFolder renamed;
     for (const char *name : {"hour.mkv", "id3v23.mp3"})
         ASSERT_TRUE(QFile::copy(folder() + u'/' + QLatin1String(name), renamed.filePath(QLatin1String(name))));
     ASSERT_EQ(cli.run({"--no-original", "--prefix", "«duration» «resolution»", "--apply", renamed.path()}).exitCode, 0);

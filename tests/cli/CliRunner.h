@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 
 // Runs nomen-cli with a private data folder (its journals), as a user would.
 struct CliRun {
@@ -17,7 +17,7 @@ struct CliRun {
 
 class CliRunner {
 public:
-    QTemporaryDir data;
+    TemporaryFolder data;
     QString workingDirectory;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
 

@@ -6,7 +6,7 @@
 #include "TestPrinting.h"
 #include "engine/FileTree.h"
 
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/file.h>
@@ -24,7 +24,7 @@ protected:
         ASSERT_TRUE(tree.makeAll(files));
     }
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     FileTree tree{dir.filePath(QStringLiteral("Trip"))};
     CliRunner cli;
 };

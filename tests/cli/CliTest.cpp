@@ -12,7 +12,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QSet>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -67,8 +67,8 @@ protected:
         EXPECT_EQ(actual, QString::fromUtf8(file.readAll()));
     }
 
-    QTemporaryDir tree;
-    QTemporaryDir data;
+    TemporaryFolder tree;
+    TemporaryFolder data;
 };
 
 TEST_F(Cli, DryRunTableAndJson)

@@ -7,7 +7,7 @@
 #include <QFile>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTimer>
 #include <functional>
 #include <gtest/gtest.h>
@@ -132,7 +132,7 @@ TEST(Alerts, ButtonsArePlacedByCountAndEachAnswersItsCode)
 // items; a message that says the program will quit offers "Quit".
 TEST(Alerts, ErrorsAreLoggedUnlessRoutineAndOfferQuitWhenQuitting)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     const QString log = folder.filePath(QStringLiteral("log.txt"));
     QFile existing(log);
     ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
@@ -253,7 +253,7 @@ TEST(Utilities, ScreenUpdatesNestAndResumeAfterTheLastYes)
 // wherever the search path finds one.
 TEST(Utilities, ClearSudoRunsSudoMinusK)
 {
-    QTemporaryDir bin;
+    TemporaryFolder bin;
     const QString record = bin.filePath(QStringLiteral("called"));
     QFile sudo(bin.filePath(QStringLiteral("sudo")));
     ASSERT_TRUE(sudo.open(QIODevice::WriteOnly));

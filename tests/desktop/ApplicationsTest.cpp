@@ -4,7 +4,7 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QThread>
 
 #include <fcntl.h>
@@ -58,7 +58,7 @@ protected:
         return lines;
     }
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QString recorder;
 };
 

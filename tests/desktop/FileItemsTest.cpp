@@ -6,7 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -50,7 +50,7 @@ protected:
     }
     static QString hfs(const QString &path) { return PathConversion::pathHFS(path); }
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
 };
 
 TEST_F(FileItems, BothPathFormsGiveTheSameAnswers)

@@ -6,7 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -59,7 +59,7 @@ protected:
     {
         return QDir(path(relative)).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     }
-    QTemporaryDir folder;
+    TemporaryFolder folder;
 };
 
 // A move keeps the item's name; a copy may give it a new one. The
@@ -144,7 +144,7 @@ TEST_F(FileOperations, ReplacingLosesOnlyTheReplacedItem)
 // before anything is replaced, and the original goes last.
 TEST_F(FileOperations, ReplacingAcrossFileSystemsLosesOnlyTheReplacedItem)
 {
-    QTemporaryDir there(QStringLiteral("/dev/shm/nomen-operations-XXXXXX"));
+    TemporaryFolder there(QStringLiteral("/dev/shm/nomen-operations-XXXXXX"));
     struct stat here, away;
     if (!there.isValid() || stat(bytes(there.path()).constData(), &away) != 0
         || stat(bytes(folder.path()).constData(), &here) != 0 || here.st_dev == away.st_dev)
@@ -169,10 +169,10 @@ TEST_F(FileOperations, ReplacingAcrossFileSystemsLosesOnlyTheReplacedItem)
 // and the log names what stayed behind.
 TEST_F(FileOperations, WhatADestinationCannotHoldStaysBehindAndIsLogged)
 {
-    QTemporaryDir stick;
+    TemporaryFolder stick;
     if (geteuid() != 0 || mount("ramfs", bytes(stick.path()).constData(), "ramfs", 0, nullptr) != 0)
         GTEST_SKIP() << "a file system without extended attributes is mounted only by root";
-    const std::unique_ptr<QTemporaryDir, void (*)(QTemporaryDir *)> unmount(&stick, [](QTemporaryDir *mounted) {
+    const std::unique_ptr<TemporaryFolder, void (*)(TemporaryFolder *)> unmount(&stick, [](TemporaryFolder *mounted) {
         umount2(bytes(mounted->path()).constData(), MNT_DETACH);
     });
     ASSERT_TRUE(QDir(path("a")).mkpath("album"));
@@ -325,7 +325,7 @@ TEST_F(FileOperations, FolderChainsAndFreeNames)
 // Applications are desktop entries found by their identifier.
 TEST(Applications, AreFoundByTheirDesktopEntry)
 {
-    QTemporaryDir data;
+    TemporaryFolder data;
     ASSERT_TRUE(QDir(data.path()).mkpath("applications"));
     write(data.filePath("applications/org.example.Shell.desktop"),
           "[Desktop Entry]\nType=Application\nName=Shell\nExec=sh -c true %F\n");

@@ -7,7 +7,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QThread>
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ protected:
         file.write(text.toUtf8());
     }
 
-    QTemporaryDir config;
+    TemporaryFolder config;
 };
 
 TEST_F(LoginItems, SettingWritesOneEntryThatStartsThisExecutable)
@@ -65,7 +65,7 @@ TEST_F(LoginItems, HiddenOrForeignEntriesDoNotCount)
 // (the desktop's own launcher) reads the entry.
 TEST(ExecLines, AnyProgramPathStartsAsItself)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QString program = dir.path() + QStringLiteral("/my 100% \"best\" `app` $HOME \\x");
     const QString marker = dir.filePath(QStringLiteral("started"));
     QFile script(program);

@@ -11,7 +11,7 @@
 #include <QStandardPaths>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -40,7 +40,7 @@ protected:
         }
     }
     std::vector<std::unique_ptr<QProcess>> started;
-    QTemporaryDir dir;
+    TemporaryFolder dir;
 };
 
 TEST_F(Processes, AreFoundByAnyTextOnTheirCommandLineFirstListedFirst)
@@ -133,7 +133,7 @@ protected:
         UserDefaults::registerDefault(server.address(), QStringLiteral("SMSGatewayURL"));
         UserDefaults::registerDefault(server.address(), QStringLiteral("ReversePhoneLookupURL"));
     }
-    QTemporaryDir config;
+    TemporaryFolder config;
 };
 
 TEST_F(PhoneServicesTest, TheGatewayGetsTheFormAndAnswersWhetherItWasSent)

@@ -11,7 +11,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QScreen>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QWidget>
 #include <QWindow>
 #include <gtest/gtest.h>
@@ -174,7 +174,7 @@ int main(int argc, char **argv)
     if (argc == 3 && QByteArray(argv[1]) == "--client")
         return runClient(application, QString::fromLatin1(argv[2]));
     // Desktop entries of our own, installed before anything reads them.
-    QTemporaryDir data;
+    TemporaryFolder data;
     QDir(data.path()).mkpath(QStringLiteral("applications"));
     writeEntry(data.filePath("applications/org.example.Claimed.desktop"),
                "[Desktop Entry]\nType=Application\nName=Claimed Client\nExec=true\nStartupWMClass=NomenTestClient\n");

@@ -4,7 +4,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <QFile>
@@ -62,7 +62,7 @@ TEST(RunTask, ACharacterCutByAReadIsKeptAndOnlyBytesThatAreNotUtf8AreDropped)
 
 TEST(RunTask, BlankWorkingDirectoryMeansTheCurrentOne)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QString here = QDir::currentPath();
     EXPECT_EQ(run(QStringLiteral("/bin/pwd"), QStringList{"-P"}, std::nullopt, QString()), QDir(here).canonicalPath());
     EXPECT_EQ(run(QStringLiteral("/bin/pwd"), QStringList{"-P"}, std::nullopt, QStringLiteral("   ")),
@@ -75,7 +75,7 @@ TEST(RunTask, BlankWorkingDirectoryMeansTheCurrentOne)
 // names are not UTF-8 reach the system unchanged.
 TEST(RunTask, PathsThatAreNotUtf8PassByteForByte)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QByteArray odd = QFile::encodeName(dir.path()) + "/caf\xe9 $(x)";
     ASSERT_EQ(mkdir(odd.constData(), 0700), 0);
     const QByteArray tool = odd + "/t\xff";
@@ -93,7 +93,7 @@ TEST(RunTask, LaunchFailuresAnswerAnErrorText)
 {
     testing::internal::CaptureStderr();
     const QString missing = run(QStringLiteral("/no/such/tool"), std::nullopt, QStringLiteral("x"));
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QFile plain(dir.filePath(QStringLiteral("not-a-tool")));
     ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
     plain.close();

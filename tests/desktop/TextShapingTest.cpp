@@ -9,7 +9,7 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QFontMetricsF>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -113,7 +113,7 @@ TEST(TextShaping, ColoursCaptionsAndPhonemes)
 
 TEST(TextShaping, AnAliasIsThePathsBytesAndComesBackAsThePath)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     const QByteArray name = PathCodec::encode(folder.path()) + "/caf\xe9 $(x)";
     const int fd = open(name.constData(), O_CREAT | O_WRONLY, 0600);
     ASSERT_GE(fd, 0);

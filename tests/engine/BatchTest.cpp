@@ -6,7 +6,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -94,7 +94,7 @@ protected:
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    QTemporaryDir dir;
+    TemporaryFolder dir;
 };
 
 TEST_F(Moves, NeverOntoAnExistingFile)

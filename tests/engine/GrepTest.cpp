@@ -10,7 +10,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -195,7 +195,7 @@ TEST(GrepInEveryScript, EveryNameAsPerlReadsIt)
 
 TEST(Worker, HostileNamesRunNoCodeAndTouchNoFile)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QString marker = dir.filePath(QStringLiteral("pwned"));
     const QStringList hostile = {
         QStringLiteral("x@{[ system(\"touch %1\") ]}").arg(marker),

@@ -4,7 +4,7 @@
 #include "RenameRule.h"
 #include "SavedRules.h"
 
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -66,7 +66,7 @@ TEST(RenameRule, AMistakeIsRefusedWithItsKeyNamed)
 
 TEST(SavedRules, NamesBecomeFilesAndBadNamesAreRefused)
 {
-    QTemporaryDir home;
+    TemporaryFolder home;
     const SavedRules rules(home.path() + QStringLiteral("/deep/rules"));
     EXPECT_TRUE(rules.names().isEmpty()) << "no folder yet";
     EXPECT_TRUE(rules.save(QStringLiteral("Trip & Beach"), everyFieldChanged()));

@@ -9,7 +9,7 @@
 #include "SafeMover.h"
 #include "TestPrinting.h"
 
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <csignal>
 #include <functional>
 #include <gtest/gtest.h>
@@ -271,7 +271,7 @@ protected:
         }
     }
 
-    QTemporaryDir m_dir;
+    TemporaryFolder m_dir;
     FileTree tree{m_dir.path() + QStringLiteral("/files")};
 };
 

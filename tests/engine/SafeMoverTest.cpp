@@ -5,7 +5,7 @@
 #include "TestPrinting.h"
 
 #include <QDir>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -32,7 +32,7 @@ protected:
         return list;
     }
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     FileTree tree{dir.filePath(QStringLiteral("files"))};
     QString journals = dir.filePath(QStringLiteral("journal"));
     SafeMover mover{journals};

@@ -3,7 +3,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
@@ -42,8 +42,8 @@ protected:
         if (!there.isValid() || statusOf(here.path()).st_dev == statusOf(there.path()).st_dev)
             GTEST_SKIP() << "no second file system at /dev/shm";
     }
-    QTemporaryDir here;
-    QTemporaryDir there{QStringLiteral("/dev/shm/nomen-moves-XXXXXX")};
+    TemporaryFolder here;
+    TemporaryFolder there{QStringLiteral("/dev/shm/nomen-moves-XXXXXX")};
 };
 
 // A folder with a file that has its own permissions, time and extended
@@ -104,7 +104,7 @@ TEST_F(AcrossFileSystems, TheCopyKeepsContentsPermissionsTimesAttributesAndLinks
 // A copy that meets an item it cannot copy stops, and what it made goes.
 TEST(Copies, AFailedCopyLeavesNothingBehind)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     const QString source = folder.filePath("source");
     makeAlbum(source);
     ASSERT_EQ(mkfifo(bytes(source + "/z-pipe").constData(), 0600), 0);

@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -39,7 +39,7 @@ TEST(NomenScript, ADialogWhoseTextsHoldLineSeparatorsAppears)
 // unchanged through the dialog script.
 TEST(NomenScript, AnswersEveryAlertUtilityAndFileOperationSelectorByName)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     const QString script = readFile(QStringLiteral(NOMEN_TEST_DATA "/alerts_and_files.js"));
     const ScriptRun run =
         nomenScript({QStringLiteral("-e"), QStringLiteral("var DIR = %1;\n").arg(JsonString::quoted(folder.path())) + script});
@@ -56,7 +56,7 @@ TEST(NomenScript, AnswersEveryAlertUtilityAndFileOperationSelectorByName)
 
 TEST(NomenScript, AnswersEveryCollectionDateAndDefaultsSelectorByName)
 {
-    QTemporaryDir folder;
+    TemporaryFolder folder;
     const QString table = folder.filePath(QStringLiteral("people.tsv"));
     writeFile(table, "# who\r\nname\tage\r\nAnn\t31\r\n\r\nBo\n");
     const QString script = readFile(QStringLiteral(NOMEN_TEST_DATA "/collections_and_defaults.js"));
@@ -82,7 +82,7 @@ TEST(NomenScript, AnswersEveryDesktopSelectorByName)
 {
     // Without a display: the clipboard lives in the process, and the paste
     // has no window to go to but the old contents still come back.
-    QTemporaryDir config;
+    TemporaryFolder config;
     const QString script = QStringLiteral(R"JS(
         var M = "ROZ_MiscMethods";
         var r = {};
@@ -116,7 +116,7 @@ TEST(NomenScript, AnswersEveryFileItemSelectorByName)
 {
     // One call per selector, against a folder of ours; each line is
     // "selector value" with the folder's path written as DIR.
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QDir().mkpath(dir.filePath(QStringLiteral("Sub")));
     writeFile(dir.filePath(QStringLiteral("a.txt")), "text");
     const QString script = QStringLiteral(R"JS(
@@ -213,7 +213,7 @@ TEST(NomenScript, PrintsTheCompletionValue)
 
 TEST(NomenScript, ReportsErrorsWithFileAndLine)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QString path = dir.filePath(QStringLiteral("broken.js"));
     writeFile(path, "var a = 1;\n\ncallMethod('x', 'noSuchSelector', []);\n");
     const ScriptRun run = nomenScript({path});

@@ -6,7 +6,7 @@
 #include "TestPrinting.h"
 
 #include <QFile>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -41,7 +41,7 @@ TEST_F(ScriptCalls, HandlerNamesAreMatchedInLowerCase)
 TEST(HelperScriptFile, LowerCaseHandlerAnswersAMixedCaseCall)
 {
     const MethodRegistry methods = buildMethodTable();
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QFile file(dir.filePath(QStringLiteral("perl.scpt")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("function execute_perl(program) { return program.split('').reverse().join(''); }\n");
@@ -142,7 +142,7 @@ TEST(CompiledScriptLoading, ReportsMissingFilesAndSyntaxErrors)
     EXPECT_EQ(CompiledScript::fromFile(methods, QStringLiteral("/nonexistent/perl.scpt"), &error), nullptr);
     EXPECT_EQ(error.value(QStringLiteral("NSAppleScriptErrorNumber")), QVariant(-43));
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QFile broken(dir.filePath(QStringLiteral("broken.scpt")));
     ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
     broken.write("function ok() {}\nvar x = ;\n");
@@ -164,7 +164,7 @@ TEST(CompiledScriptLoading, TopLevelRunsOnceBeforeTheFirstHandler)
 
 TEST(ScriptFiles, HandlerNamesAreFoundAsByteSubstrings)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QFile file(dir.filePath(QStringLiteral("helper.scpt")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("function foo() {}\n");
@@ -208,7 +208,7 @@ TEST(RunScript, AnswersTheLastValueOrNil)
         << "scripts reach native code too";
     // A script that runs itself stops at the nesting limit instead of
     // exhausting the stack; each level counts the ones below it.
-    QTemporaryDir selfFolder;
+    TemporaryFolder selfFolder;
     QFile self(selfFolder.filePath(QStringLiteral("self.js")));
     ASSERT_TRUE(self.open(QIODevice::WriteOnly));
     self.write(QStringLiteral("var below = callClassMethod('ROZ_MiscMethods', 'runScriptFile:', [%1]);\n"
@@ -220,7 +220,7 @@ TEST(RunScript, AnswersTheLastValueOrNil)
     EXPECT_EQ(ScriptRunner::runScriptFile(methods, self.fileName()), QVariant(24));
     EXPECT_NE(testing::internal::GetCapturedStderr().find("scripts nested more than 24 deep"), std::string::npos);
 
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     QFile file(dir.filePath(QStringLiteral("answer.js")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("'answer: ' + (40 + 2)");

@@ -8,7 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QObject>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QTimeZone>
 #include <gtest/gtest.h>
 #include <plist/plist.h>
@@ -45,7 +45,10 @@ QVariantMap typedValues()
 class Defaults : public testing::Test {
 protected:
     void SetUp() override { qputenv("XDG_CONFIG_HOME", PathCodec::encode(config.path())); }
-    QTemporaryDir config;
+    // Written now, while the folder is there: else the defaults are written
+    // as the process ends and make the folder again.
+    void TearDown() override { D::synchronizeDefaults(); }
+    TemporaryFolder config;
 };
 
 TEST_F(Defaults, KeepTheirTypesAcrossARestartOverTheRegisteredFallbacks)
@@ -132,7 +135,7 @@ TEST_F(Defaults, TheCountryCodeIsTheCityRecordsFifthFieldInCapitals)
     EXPECT_THROW(D::returnUserCountryCode(), NamedException);
 }
 
-QString writeFile(const QTemporaryDir &folder, const QString &name, const QByteArray &bytes)
+QString writeFile(const TemporaryFolder &folder, const QString &name, const QByteArray &bytes)
 {
     QFile file(folder.filePath(name));
     file.open(QIODevice::WriteOnly);
@@ -159,7 +162,7 @@ TEST_F(Defaults, PropertyListFilesInXmlOrBinaryAndGarbageLogsOneLine)
     plist_to_xml(dict, &xml, &xmlLength);
     plist_to_bin(dict, &binary, &binaryLength);
     plist_free(dict);
-    const QTemporaryDir folder;
+    const TemporaryFolder folder;
     const QStringList files{writeFile(folder, "a.plist", QByteArray(xml, xmlLength)),
                             writeFile(folder, "b.plist", QByteArray(binary, binaryLength))};
     free(xml);
@@ -229,8 +232,11 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(RelativeDescription, AnEmptyFormatFallsBackToTheDefaultThenTheLocale)
 {
-    QTemporaryDir config;
+    TemporaryFolder config;
     qputenv("XDG_CONFIG_HOME", PathCodec::encode(config.path()));
+    const struct Written {
+        ~Written() { D::synchronizeDefaults(); } // while the folder is there
+    } written;
     qputenv("LC_ALL", "en_US.UTF-8");
     const QDateTime now(QDate(2026, 5, 10), QTime(12, 0));
     DateHelpers::setClock([now] { return now; });

@@ -4,7 +4,7 @@
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -94,7 +94,7 @@ protected:
     }
     QString country(const QString &zone) const { return SystemTimeZone::countryOfZone(zone, path("zoneinfo/zone.tab")); }
 
-    QTemporaryDir folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(TimeZoneCountry, ComesFromTheZoneTableOrTheZoneALinkNames)

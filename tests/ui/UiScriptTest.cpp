@@ -6,7 +6,7 @@
 #include "TestPrinting.h"
 
 #include <QImage>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 
 namespace {
 
@@ -140,7 +140,7 @@ TEST(ResourceAndKeySelectors, FindRtfResourcesAndAnswerNoWithoutADisplay)
 
 TEST(SwatchSelectors, WriteByTheExactExtensionAndReadBackAtTheirSizeAndColour)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QString folder = JsonString::quoted(dir.path());
     EXPECT_EQ(run(QStringLiteral("var D = %1, c = 'swatchForColor:withWidth:withHeight:atPath:';\n"
                                  "[callClassMethod(M, c, ['#ff8000', 30, 20, D + '/a.png']),\n"

@@ -23,7 +23,7 @@
 #include <QCheckBox>
 #include <QScrollBar>
 #include <QTextBlock>
-#include <QTemporaryDir>
+#include "TemporaryFolder.h"
 #include <QWindow>
 #include <gtest/gtest.h>
 
@@ -76,7 +76,7 @@ TEST(Menus, EmptySubmenusDepthFirst)
 
 TEST(InterfaceFiles, MakePromotedWindowsAndViewsAndWakeThemWithTheFileSizes)
 {
-    QTemporaryDir dir;
+    TemporaryFolder dir;
     const QString path = dir.filePath(QStringLiteral("panel.ui"));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -270,7 +270,7 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     // User defaults the tests write stay in a folder of their own.
-    QTemporaryDir config;
+    TemporaryFolder config;
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(config.path()));
     QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
