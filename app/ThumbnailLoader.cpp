@@ -109,6 +109,9 @@ ThumbnailLoader::ThumbnailLoader(int side, QObject *parent)
     // About twenty screens of rows at hand.
     m_pixmaps.setMaxCost(1500);
     m_workers.setMaxThreadCount(2);
+    // Pictures are made with what the window leaves over: on a machine
+    // of two cores, two workers at the usual priority made typing wait.
+    m_workers.setThreadPriority(QThread::IdlePriority);
 }
 
 ThumbnailLoader::~ThumbnailLoader()
