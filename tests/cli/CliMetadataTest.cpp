@@ -6,9 +6,11 @@
 #include "CliRunner.h"
 #include "TestPrinting.h"
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 
@@ -158,6 +160,52 @@ TEST_F(Metadata, XmpDatesNameAPictureInEveryZone)
         EXPECT_EQ(newNameOf(found.value("BlueSquare.jpg")), "2005-09-07 15.07.40 -0700 BlueSquare.jpg") << zone.toStdString();
         EXPECT_EQ(newNameOf(found.value("camera.jpg")).left(19), "2024-05-01 10.11.12") << zone.toStdString();
     }
+}
+
+// A run over photographs and music maps no codec, window, video-acceleration
+// or network library; those come with the reader of HEIF pictures or of
+// recordings, and only when such a file is read. The dynamic loader tells
+// what it mapped (LD_DEBUG).
+TEST_F(Metadata, LibrariesForOtherKindsOfFileAreMappedOnlyWhenOneIsRead)
+{
+    TemporaryFolder mixed;
+    TemporaryFolder traces;
+    for (const char *name : {"Canon_40D.jpg", "Nikon_D70.jpg", "Panasonic_DMC-FZ30.jpg", "BlueSquare.jpg", "id3v24.mp3"})
+        ASSERT_TRUE(QFile::copy(files->filePath(QLatin1String(name)), mixed.filePath(QLatin1String(name)))) << name;
+    int runs = 0;
+    const auto mapped = [&] {
+        const QString trace = traces.filePath(QStringLiteral("run%1").arg(++runs));
+        cli.environment.insert(QStringLiteral("LD_DEBUG"), QStringLiteral("files"));
+        cli.environment.insert(QStringLiteral("LD_DEBUG_OUTPUT"), trace);
+        const CliRun run = cli.run({"--exif", "--prefix", "«camera» «lens» «artist» «duration» «date %Y» ", mixed.path()});
+        cli.environment.remove(QStringLiteral("LD_DEBUG"));
+        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+        QStringList libraries;
+        for (const QFileInfo &written : QDir(traces.path()).entryInfoList({QStringLiteral("run%1.*").arg(runs)})) {
+            QFile file(written.filePath());
+            EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+            for (const QByteArray &line : file.readAll().split('\n'))
+                if (const qsizetype at = line.indexOf("calling init: "); at >= 0)
+                    libraries.append(QString::fromUtf8(line.mid(at + 14)).section(u'/', -1));
+        }
+        return libraries.join(u' ');
+    };
+    const QRegularExpression heavy(QStringLiteral(
+        "\\b(libav\\w+|libsw\\w+|libheif|libde265|libx26[45]|libdav1d|libaom|libvpx|libX11|libxcb|libva[-\\w]*|libOpenCL|libgnutls|libzmq|libssh[\\w]*|libvdpau)\\.so"));
+
+    const QString photographs = mapped();
+    EXPECT_TRUE(photographs.contains(QLatin1String("libexif.so"))) << "the trace names what was mapped: " << photographs.toStdString();
+    EXPECT_FALSE(heavy.match(photographs).hasMatch()) << heavy.match(photographs).captured().toStdString();
+
+    ASSERT_TRUE(QFile::copy(files->filePath(QStringLiteral("IMG_5195.HEIC")), mixed.filePath(QStringLiteral("IMG_5195.HEIC"))));
+    const QString withHeif = mapped();
+    EXPECT_TRUE(withHeif.contains(QLatin1String("libheif.so"))) << withHeif.toStdString();
+    EXPECT_FALSE(withHeif.contains(QLatin1String("libavformat.so")));
+
+    ASSERT_TRUE(QFile::copy(files->filePath(QStringLiteral("hd.mp4")), mixed.filePath(QStringLiteral("hd.mp4"))));
+    const QString withRecording = mapped();
+    EXPECT_TRUE(withRecording.contains(QLatin1String("libavformat.so"))) << withRecording.toStdString();
+    EXPECT_TRUE(heavy.match(withRecording).hasMatch()) << "what the first run was held to";
 }
 
 } // namespace
