@@ -59,7 +59,17 @@ bool FileSource::read(qint64 offset, void *into, size_t length) const
         std::memcpy(into, m_head.constData() + offset, length);
         return true;
     }
-    return readAt(m_file.get(), static_cast<char *>(into), length, offset) == ssize_t(length);
+    if (length > size_t(headSize))
+        return readAt(m_file.get(), static_cast<char *>(into), length, offset) == ssize_t(length);
+    if (m_windowAt < 0 || offset < m_windowAt || offset + qint64(length) > m_windowAt + m_window.size()) {
+        m_window.resize(std::min(m_size - offset, headSize));
+        const ssize_t got = readAt(m_file.get(), m_window.data(), size_t(m_window.size()), offset);
+        m_windowAt = got == m_window.size() ? offset : -1;
+        if (m_windowAt < 0)
+            return false;
+    }
+    std::memcpy(into, m_window.constData() + (offset - m_windowAt), length);
+    return true;
 }
 
 QByteArray FileSource::bytes(qint64 offset, qint64 length) const
@@ -69,6 +79,10 @@ QByteArray FileSource::bytes(qint64 offset, qint64 length) const
     length = std::min(length, m_size - offset);
     if (offset + length <= m_head.size())
         return m_head.mid(offset, length);
+    if (length <= headSize) {
+        QByteArray data(length, Qt::Uninitialized);
+        return read(offset, data.data(), size_t(length)) ? data : QByteArray();
+    }
     QByteArray data(length, Qt::Uninitialized);
     const ssize_t got = readAt(m_file.get(), data.data(), size_t(length), offset);
     data.truncate(got < 0 ? 0 : got);

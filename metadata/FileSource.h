@@ -34,5 +34,9 @@ private:
     FileDescriptor m_file;
     qint64 m_size = 0;
     QByteArray m_head;
+    // The last small read past the head, a block wide: the segment
+    // headers that follow one another there are read with one call.
+    mutable QByteArray m_window;
+    mutable qint64 m_windowAt = -1;
     void *m_mapping = nullptr;
 };
