@@ -28,7 +28,7 @@ void declare(QCommandLineParser &options)
         "A dry run unless --apply is given.\n\n"
         "Examples:\n"
         "  nomen-cli --prefix 'Trip «#» ' --zeros 3 --ext-filter jpg ~/Pictures/Trip\n"
-        "  nomen-cli --exif --date-source created --prefix '«date %Y-%m-%d» «camera» «lens» ' ~/Pictures/Trip\n"
+        "  nomen-cli --exif --prefix '«date %Y-%m-%d» «camera» «lens» ' ~/Pictures/Trip\n"
         "  nomen-cli --no-original --prefix '«track» «artist» - «title»' ~/Music/Album\n"
         "  nomen-cli --grep --search 'IMG_(\\d+)' --replace 'photo $1' --apply ~/Pictures/Trip\n"
         "  nomen-cli --rule Trip --start 10 ~/Pictures/Trip\n"
@@ -60,7 +60,8 @@ void declare(QCommandLineParser &options)
         {"ext-case", "Case of the extension.", "name"},
         {"date-source", "Date for date tokens: none, now, created or modified.", "source", "none"},
         {{"exif", "date-taken"}, "Creation dates are the dates photographs were taken and recordings made (JPEG, HEIC, "
-                                 "camera raws, MP4, MOV...), as the camera's clock read; files without one keep their own."},
+                                 "camera raws, MP4, MOV...), as the camera's clock read; files without one keep their own. Without --date-source "
+                                 "the date tokens use them (created)."},
         {"recursive", "Descend into subfolders."},
         {"folders", "Rename the folders below the named ones too, after their contents; files are then renamed only when --type, --ext-filter or --long-names picks them."},
         {"long-names", "With --folders: the files whose names have 32 characters or more."},
@@ -163,6 +164,12 @@ RenameRule rule(const QCommandLineParser &options, RenameRule base)
     rule.folders = rule.folders || given("folders");
     rule.longNames = rule.longNames || given("long-names");
     rule.datesTaken = rule.datesTaken || given("exif");
+    // Dates taken replace the creation date: --exif alone makes the date
+    // tokens use it, unless the rule chose the modification date.
+    if (given("exif") && !given("date-source"))
+        for (RenameRule::Part *part : {&rule.prefix, &rule.suffix})
+            if (part->date == RenameRule::NoDate || part->date == RenameRule::Now)
+                part->date = RenameRule::Created;
     return rule;
 }
 

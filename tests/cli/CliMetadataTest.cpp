@@ -160,6 +160,10 @@ TEST_F(Metadata, XmpDatesNameAPictureInEveryZone)
         EXPECT_EQ(newNameOf(found.value("BlueSquare.jpg")), "2005-09-07 15.07.40 -0700 BlueSquare.jpg") << zone.toStdString();
         EXPECT_EQ(newNameOf(found.value("camera.jpg")).left(19), "2024-05-01 10.11.12") << zone.toStdString();
     }
+    // --exif alone has the date tokens use the dates taken; a date chosen
+    // with it stays chosen.
+    EXPECT_EQ(newNameOf(rows({"--exif", "--prefix", "«date %Y-%m-%d» "}).value("BlueSquare.jpg")), "2005-09-07 BlueSquare.jpg");
+    EXPECT_NE(newNameOf(rows({"--exif", "--date-source", "modified", "--prefix", "«date %Y» "}).value("BlueSquare.jpg")).left(4), "2005");
 }
 
 // A run over photographs and music maps no codec, window, video-acceleration
