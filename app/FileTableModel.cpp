@@ -487,15 +487,15 @@ QVariant FileTableModel::thumbnailOf(const ItemRecord &row) const
     return icon->pixmap(side / 2, side / 2);
 }
 
-bool FileTableModel::holdsMostlyPictures() const
+bool FileTableModel::holdsMostlyPictures(const std::vector<ItemRecord> &rows)
 {
     const QMimeDatabase types;
     size_t files = 0;
     size_t pictures = 0;
     // A thousand rows spread over the table tell as well as all of them.
-    const size_t step = std::max<size_t>(1, m_rows->size() / 1000);
-    for (size_t i = 0; i < m_rows->size(); i += step) {
-        const ItemRecord &row = (*m_rows)[i];
+    const size_t step = std::max<size_t>(1, rows.size() / 1000);
+    for (size_t i = 0; i < rows.size(); i += step) {
+        const ItemRecord &row = rows[i];
         if (!row.size)
             continue;
         ++files;

@@ -105,7 +105,7 @@ public:
     // each file type's icon.
     void setThumbnails(ThumbnailLoader *thumbnails);
     // Whether most of the rows' files are pictures (by their names).
-    bool holdsMostlyPictures() const;
+    static bool holdsMostlyPictures(const std::vector<ItemRecord> &rows);
 
     // Whether the creation column shows dates taken (and is titled so).
     void setShowsDatesTaken(bool taken);

@@ -161,7 +161,9 @@ void MainWindowController::showThumbnails(bool shown)
         return;
     m_tableView->setColumnHidden(FileTableModel::Thumbnail, !shown);
     const int textRow = m_tableView->fontMetrics().height() + 6;
-    m_tableView->verticalHeader()->setDefaultSectionSize(shown ? std::max(textRow, m_thumbnails->side() + 4) : textRow);
+    const int height = shown ? std::max(textRow, m_thumbnails->side() + 4) : textRow;
+    if (m_tableView->verticalHeader()->defaultSectionSize() != height) // each change goes over every row
+        m_tableView->verticalHeader()->setDefaultSectionSize(height);
 }
 
 void MainWindowController::showColumnMenu(const QPoint &at)
@@ -346,9 +348,6 @@ void MainWindowController::showNewListing()
         return row.location == rows.front().location;
     });
     table->setColumnHidden(FileTableModel::Location, oneLocation && !rows.empty());
-    // Thumbnails for folders of pictures, unless the person chose.
-    const QVariant chosen = QSettings().value(QStringLiteral("columns/thumbnails"));
-    showThumbnails(chosen.isValid() ? chosen.toBool() : m_table.holdsMostlyPictures());
     // Widths remembered from a run with a narrower font do not cut numbers.
     for (auto least = m_numberWidths.cbegin(); least != m_numberWidths.cend(); ++least)
         if (header->sectionSize(least.key()) > 0 && header->sectionSize(least.key()) < least.value())
@@ -416,6 +415,15 @@ bool MainWindowController::listIntoTable(const ListingRequest &request)
 {
     Listing listed = list(request);
     const bool stopped = listed.stopped || !listed.stoppedInside.empty();
+    // Thumbnails for folders of pictures, unless the person chose; shown or
+    // hidden while the table is empty, as changing the rows' height goes
+    // over every row (40 ms for a million).
+    const QVariant chosen = QSettings().value(QStringLiteral("columns/thumbnails"));
+    const bool thumbnails = chosen.isValid() ? chosen.toBool() : FileTableModel::holdsMostlyPictures(listed.items);
+    if (m_tableView && thumbnails == m_tableView->isColumnHidden(FileTableModel::Thumbnail)) {
+        m_table.setRows({});
+        showThumbnails(thumbnails);
+    }
     m_table.setRows(std::move(listed.items));
     m_table.setShowsDatesTaken(m_engine.readsDatesTaken);
     showNewListing();

@@ -35,6 +35,8 @@ int main(int argc, char **argv)
     QTimer tick;
     QObject::connect(&tick, &QTimer::timeout, [&] {
         const qint64 now = clock.elapsed();
+        if (now - lastTick > 50 && qEnvironmentVariableIsSet("NOMEN_BENCH_GAPS"))
+            std::fprintf(stderr, "gap of %lld ms ending at %lld ms\n", (long long)(now - lastTick), (long long)now);
         longestGap = std::max(longestGap, now - lastTick);
         lastTick = now;
         ++ticks;
