@@ -17,6 +17,12 @@ namespace {
 
 std::mutex xmpLock;
 
+// The XMP toolkit parses without a lock of its own and registers the
+// namespaces a packet declares in one table for the process: two packets
+// decoded at once can see each other's half-made entries ("namespace URI and
+// prefix mismatch") and lose every XMP value. Every decode goes one at a time.
+std::mutex decodeLock;
+
 void prepare()
 {
     static std::once_flag ready;
@@ -251,7 +257,10 @@ void fromImage(const unsigned char *data, size_t size, const Metadata::Request &
 #pragma GCC diagnostic pop
         if (!image.get())
             return;
-        image->readMetadata();
+        {
+            const std::lock_guard decoding(decodeLock);
+            image->readMetadata();
+        }
         fill({&image->exifData(), &image->xmpData(), &image->iptcData()}, request, values);
         if (values.width <= 0 && request.fields.intersects({Field::Width, Field::Height, Field::Resolution})) {
             values.width = image->pixelWidth();
@@ -269,7 +278,10 @@ void fromXmpPacket(const QByteArray &packet, const Metadata::Request &request, M
     prepare();
     try {
         Exiv2::XmpData xmp;
-        if (Exiv2::XmpParser::decode(xmp, packet.toStdString()) == 0)
+        std::unique_lock decoding(decodeLock);
+        const int failed = Exiv2::XmpParser::decode(xmp, packet.toStdString());
+        decoding.unlock();
+        if (failed == 0)
             fill({nullptr, &xmp, nullptr}, request, values);
     } catch (const std::exception &) {
         // A packet the toolkit cannot read holds nothing for us.

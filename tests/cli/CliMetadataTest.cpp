@@ -212,4 +212,42 @@ TEST_F(Metadata, LibrariesForOtherKindsOfFileAreMappedOnlyWhenOneIsRead)
     EXPECT_TRUE(heavy.match(withRecording).hasMatch()) << "what the first run was held to";
 }
 
+// Files are read on several threads. A thousand pictures, each declaring a
+// namespace of its own under a prefix another already uses, are decoded at
+// once: each keeps its own title (the XMP toolkit's namespace table is one
+// for the process, and a decode that met it half-made lost every value).
+TEST(MetadataOnThreads, PacketsDecodedAtOnceEachKeepTheirValues)
+{
+    TemporaryFolder pictures;
+    constexpr int count = 1000;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray packet = QStringLiteral(
+            "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+            "<rdf:Description rdf:about='' xmlns:dc='http://purl.org/dc/elements/1.1/'"
+            " xmlns:xap='http://ns.adobe.com/xap/1.0/' xmlns:MicrosoftPhoto='http://ns.example.com/photo/%1'>"
+            "<dc:title><rdf:Alt><rdf:li xml:lang='x-default'>Title %1</rdf:li></rdf:Alt></dc:title>"
+            "<MicrosoftPhoto:Rating>%1</MicrosoftPhoto:Rating>"
+            "</rdf:Description></rdf:RDF></x:xmpmeta>").arg(i).toUtf8();
+        const QByteArray body = QByteArray("http://ns.adobe.com/xap/1.0/", 29) + packet;
+        QByteArray jpeg("\xff\xd8\xff\xe1");
+        jpeg.append(char((body.size() + 2) >> 8)).append(char((body.size() + 2) & 0xff)).append(body).append("\xff\xd9");
+        QFile file(pictures.filePath(QStringLiteral("f%1.jpg").arg(i)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(jpeg) == jpeg.size()) << file.fileName().toStdString();
+    }
+    CliRunner cli;
+    cli.environment.insert(QStringLiteral("XDG_CONFIG_HOME"), cli.data.path());
+    for (int run = 0; run < 3; ++run) { // a fresh table each run
+        const CliRun listed = cli.run({"--json", "--no-original", "--prefix", "«tag Xmp.dc.title»", pictures.path()});
+        ASSERT_EQ(listed.exitCode, 0) << listed.err.toStdString();
+        const QJsonArray rows = QJsonDocument::fromJson(listed.out.toUtf8()).array();
+        ASSERT_EQ(rows.size(), count);
+        int lost = 0;
+        for (const QJsonValue &row : rows) {
+            const QString from = QFileInfo(row.toObject().value("from").toString()).completeBaseName();
+            lost += newNameOf(row.toObject()) != QStringLiteral("Title %1.jpg").arg(from.mid(1));
+        }
+        EXPECT_EQ(lost, 0) << "of " << count << " in run " << run + 1;
+    }
+}
+
 } // namespace
