@@ -30,6 +30,15 @@ ssize_t readAt(int descriptor, char *into, size_t length, qint64 offset)
     return ssize_t(got);
 }
 
+// Up to `length` bytes from `offset` in one read, fewer at the end.
+QByteArray readBytes(int descriptor, qint64 offset, qint64 length)
+{
+    QByteArray data(length, Qt::Uninitialized);
+    const ssize_t got = readAt(descriptor, data.data(), size_t(length), offset);
+    data.truncate(got < 0 ? 0 : got);
+    return data;
+}
+
 } // namespace
 
 FileSource::FileSource(const QByteArray &path)
@@ -42,7 +51,7 @@ FileSource::FileSource(const QByteArray &path)
         return;
     }
     m_size = status.st_size;
-    m_head = bytes(0, std::min(m_size, headSize));
+    m_head = readBytes(m_file.get(), 0, std::min(m_size, headSize));
 }
 
 FileSource::~FileSource()
@@ -79,14 +88,10 @@ QByteArray FileSource::bytes(qint64 offset, qint64 length) const
     length = std::min(length, m_size - offset);
     if (offset + length <= m_head.size())
         return m_head.mid(offset, length);
-    if (length <= headSize) {
-        QByteArray data(length, Qt::Uninitialized);
-        return read(offset, data.data(), size_t(length)) ? data : QByteArray();
-    }
+    if (length > headSize)
+        return readBytes(m_file.get(), offset, length);
     QByteArray data(length, Qt::Uninitialized);
-    const ssize_t got = readAt(m_file.get(), data.data(), size_t(length), offset);
-    data.truncate(got < 0 ? 0 : got);
-    return data;
+    return read(offset, data.data(), size_t(length)) ? data : QByteArray();
 }
 
 const unsigned char *FileSource::mapped()

@@ -22,6 +22,16 @@ const QStringList tokens = {"make",  "model", "camera", "lens", "iso",   "apertu
                             "tag Exif.Photo.ExposureTime", "tag Xmp.dc.title", "tag Iptc.Application2.City"};
 const QString between = QStringLiteral("¦"); // in no value
 
+// The rows of a dry run as JSON, by the old name.
+QMap<QString, QJsonObject> rowsByName(const CliRun &run)
+{
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    QMap<QString, QJsonObject> found;
+    for (const QJsonValue &row : QJsonDocument::fromJson(run.out.toUtf8()).array())
+        found.insert(QFileInfo(row.toObject().value("from").toString()).fileName(), row.toObject());
+    return found;
+}
+
 // The files, made once for every test here (they only read them).
 class Metadata : public testing::Test {
 protected:
@@ -59,12 +69,7 @@ protected:
     QMap<QString, QJsonObject> rows(const QStringList &arguments, const QString &zone = QStringLiteral("UTC"))
     {
         cli.environment.insert(QStringLiteral("TZ"), zone);
-        const CliRun run = cli.run(QStringList{"--json"} + arguments + QStringList{folder()});
-        EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-        QMap<QString, QJsonObject> found;
-        for (const QJsonValue &row : QJsonDocument::fromJson(run.out.toUtf8()).array())
-            found.insert(QFileInfo(row.toObject().value("from").toString()).fileName(), row.toObject());
-        return found;
+        return rowsByName(cli.run(QStringList{"--json"} + arguments + QStringList{folder()}));
     }
 
     static inline TemporaryFolder *files = nullptr;
@@ -237,15 +242,11 @@ TEST(MetadataOnThreads, PacketsDecodedAtOnceEachKeepTheirValues)
     CliRunner cli;
     cli.environment.insert(QStringLiteral("XDG_CONFIG_HOME"), cli.data.path());
     for (int run = 0; run < 3; ++run) { // a fresh table each run
-        const CliRun listed = cli.run({"--json", "--no-original", "--prefix", "«tag Xmp.dc.title»", pictures.path()});
-        ASSERT_EQ(listed.exitCode, 0) << listed.err.toStdString();
-        const QJsonArray rows = QJsonDocument::fromJson(listed.out.toUtf8()).array();
+        const auto rows = rowsByName(cli.run({"--json", "--no-original", "--prefix", "«tag Xmp.dc.title»", pictures.path()}));
         ASSERT_EQ(rows.size(), count);
         int lost = 0;
-        for (const QJsonValue &row : rows) {
-            const QString from = QFileInfo(row.toObject().value("from").toString()).completeBaseName();
-            lost += newNameOf(row.toObject()) != QStringLiteral("Title %1.jpg").arg(from.mid(1));
-        }
+        for (auto row = rows.begin(); row != rows.end(); ++row)
+            lost += newNameOf(row.value()) != QStringLiteral("Title %1.jpg").arg(QFileInfo(row.key()).completeBaseName().mid(1));
         EXPECT_EQ(lost, 0) << "of " << count << " in run " << run + 1;
     }
 }
