@@ -63,13 +63,14 @@ std::vector<SafeMover::Move> movesFromScript(const QVariantList &rows)
     return moves;
 }
 
-QVariantList outcomesToScript(const std::vector<SafeMover::Outcome> &outcomes)
+QVariantList outcomesToScript(const std::vector<SafeMover::Outcome> &outcomes, const Batch::TableRows &table = {})
 {
     static const char *const names[] = {"renamed", "unchanged", "conflict", "failed"};
     QVariantList list;
     for (const SafeMover::Outcome &outcome : outcomes) {
-        QVariantMap answer{{QStringLiteral("from"), outcome.move.from},
-                           {QStringLiteral("to"), outcome.move.to},
+        const SafeMover::Move move = table.moveOf(outcome);
+        QVariantMap answer{{QStringLiteral("from"), move.from},
+                           {QStringLiteral("to"), move.to},
                            {QStringLiteral("status"), QString::fromLatin1(names[int(outcome.status)])},
                            {QStringLiteral("reason"), outcome.reason},
                            {QStringLiteral("warning"), outcome.warning}};
@@ -104,17 +105,18 @@ QString runCommand(const QString &launchPath, const QStringList &arguments)
 }
 
 // A batch that was refused moved nothing: the script hears why as an error.
-QVariant reportToScript(const SafeMover::Report &report)
+QVariant reportToScript(const SafeMover::Report &report, const Batch::TableRows &table = {})
 {
     if (report.refusal != SafeMover::Refusal::None)
         throw NamedException(NSGenericException, report.refusalText);
     if (!report.notice.isEmpty())
         SystemLog::write(report.notice);
-    return outcomesToScript(report.outcomes);
+    return outcomesToScript(report.outcomes, table);
 }
 
 // A batch of moves is a long pass of the window, its progress in the panel.
-QVariant moving(RZApplication &app, const std::function<SafeMover::Report(SafeMover &)> &call)
+QVariant moving(RZApplication &app, const std::function<SafeMover::Report(SafeMover &)> &call,
+               const Batch::TableRows &table = {})
 {
     const ProgressPanel::LongPass pass(app.progress());
     SafeMover &mover = sharedMover();
@@ -128,7 +130,7 @@ QVariant moving(RZApplication &app, const std::function<SafeMover::Report(SafeMo
     const SafeMover::Report report = call(mover);
     mover.progress = nullptr;
     app.mainWindow().renamed();
-    return reportToScript(report);
+    return reportToScript(report, table);
 }
 
 QVariant pendingToScript(const std::optional<SafeMover::Pending> &pending)
@@ -332,11 +334,13 @@ void addBatchMethods(MethodRegistry &registry)
     // names its "row".
     add(registry, "planTableRenames", [](RZApplication &app, const QVariantList &) {
         const std::vector<ItemRecord> &rows = app.fileTableDataSource().rows();
-        return QVariant(outcomesToScript(SafeMover::plan(rows, tableNewNames(rows))));
+        const QStringList newNames = tableNewNames(rows);
+        return QVariant(outcomesToScript(SafeMover::plan(rows, newNames), {&rows, &newNames}));
     });
     add(registry, "applyTableRenames", [](RZApplication &app, const QVariantList &) {
         const std::vector<ItemRecord> rows = app.fileTableDataSource().rows();
-        return moving(app, [&rows](SafeMover &mover) { return mover.apply(rows, tableNewNames(rows)); });
+        const QStringList newNames = tableNewNames(rows);
+        return moving(app, [&](SafeMover &mover) { return mover.apply(rows, newNames); }, {&rows, &newNames});
     });
     add(registry, "undoLastRename", [](RZApplication &app, const QVariantList &) {
         return moving(app, [](SafeMover &mover) { return mover.undoLast(); });

@@ -42,7 +42,7 @@ void say(FILE *stream, const QString &text)
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
 }
 
-int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied)
+int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied, const Batch::TableRows &table)
 {
     int conflicts = 0;
     int failures = 0;
@@ -58,7 +58,7 @@ int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applie
         const SafeMover::Outcome &outcome = outcomes[i];
         conflicts += outcome.status == SafeMover::Status::Conflict;
         failures += outcome.status == SafeMover::Status::Failed;
-        const SafeMover::Move &move = outcome.move;
+        const SafeMover::Move move = table.moveOf(outcome);
         const QLatin1String status(statusName(outcome.status, applied));
         QString line;
         if (json) {
@@ -110,11 +110,11 @@ int refusal(SafeMover::Refusal refusal, const QString &text)
     return Failures;
 }
 
-int report(const SafeMover::Report &report, bool json)
+int report(const SafeMover::Report &report, bool json, const Batch::TableRows &table)
 {
     if (report.refusal != SafeMover::Refusal::None)
         return refusal(report.refusal, report.refusalText);
-    const int code = rows(report.outcomes, json, true);
+    const int code = rows(report.outcomes, json, true, table);
     if (!report.notice.isEmpty())
         say(stderr, QStringLiteral("nomen-cli: ") + report.notice);
     if (report.interrupted) {

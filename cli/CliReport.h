@@ -17,10 +17,11 @@ enum ExitCode { Success = 0, Conflicts = 1, Failures = 2, Refused = 3, Usage = 6
 
 void say(FILE *stream, const QString &text);
 
-// The rows and a summary line; the exit code they call for.
-int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied);
+// The rows and a summary line; the exit code they call for. A table's
+// outcomes are told where their items are by its rows.
+int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applied, const Batch::TableRows &table = {});
 // A whole report of the mover: a refusal, the rows, an interruption.
-int report(const SafeMover::Report &report, bool json);
+int report(const SafeMover::Report &report, bool json, const Batch::TableRows &table = {});
 // Why nothing can be renamed, with what to do next; its exit code.
 int refusal(SafeMover::Refusal refusal, const QString &text);
 

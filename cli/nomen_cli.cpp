@@ -75,6 +75,8 @@ void sortRows(std::vector<ItemRecord> &rows, const QString &order)
 struct Table {
     std::vector<ItemRecord> rows;
     Composed composed;
+
+    Batch::TableRows rowsOfOutcomes() const { return {&rows, &composed.names}; }
 };
 
 Table compose(const QCommandLineParser &options, const RenameRule &rule, const QStringList &roots)
@@ -276,12 +278,13 @@ int main(int argc, char **argv)
     try {
         const Table table = compose(options, rule, roots);
         if (!apply)
-            endNow(CliReport::rows(withComposingNotes(SafeMover::plan(table.rows, table.composed.names), table), json, false));
+            endNow(CliReport::rows(withComposingNotes(SafeMover::plan(table.rows, table.composed.names), table), json, false,
+                                   table.rowsOfOutcomes()));
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
         SafeMover::Report report = mover.apply(table.rows, table.composed.names);
         report.outcomes = withComposingNotes(std::move(report.outcomes), table);
-        return CliReport::report(report, json);
+        return CliReport::report(report, json, table.rowsOfOutcomes());
     } catch (const NamedException &failure) {
         say(stderr, QStringLiteral("nomen-cli: %1: %2").arg(failure.name(), failure.reason()));
         return CliReport::Failures;

@@ -204,10 +204,10 @@ Request requestFor(const Move &move)
 
 // A rule works on the characters of a name: what it makes of them may not
 // hold half of one, nor bytes the name never had.
-Request requestFor(const ItemRecord &row, const QString &newName, const Move &move)
+Request requestFor(const ItemRecord &row, const QString &newName)
 {
     const bool known = row.identity.inode != 0;
-    Request request{&move, row.location, row.name, newName, known ? std::optional(row.identity) : std::nullopt,
+    Request request{nullptr, row.location, row.name, newName, known ? std::optional(row.identity) : std::nullopt,
                     Status::Renamed, {}};
     if (PathCodec::splitsCharacter(row.name, newName)) {
         request.refusedAs = Status::Conflict;
@@ -514,26 +514,44 @@ BatchPlan BatchPlan::make(const std::vector<Move> &moves, BatchJournal::Kind kin
     return plan;
 }
 
+namespace {
+
+// The table rows that are planned: the included ones that have a new name.
+std::vector<int> plannedRows(const std::vector<ItemRecord> &rows, const QStringList &newNames)
+{
+    std::vector<int> planned;
+    planned.reserve(rows.size());
+    for (size_t i = 0; i < rows.size() && qsizetype(i) < newNames.size(); ++i)
+        if (rows[i].include)
+            planned.push_back(int(i));
+    return planned;
+}
+
+} // namespace
+
+Move Batch::TableRows::moveOf(const Outcome &outcome) const
+{
+    if (outcome.row < 0 || !rows || !newNames || size_t(outcome.row) >= rows->size() || outcome.row >= newNames->size())
+        return outcome.move;
+    return BatchPlan::moveOf((*rows)[size_t(outcome.row)], (*newNames)[outcome.row]);
+}
+
 std::vector<BatchPlan::RowMove> BatchPlan::movesOf(const std::vector<ItemRecord> &rows, const QStringList &newNames)
 {
     std::vector<RowMove> moves;
-    moves.reserve(rows.size());
-    for (size_t i = 0; i < rows.size() && qsizetype(i) < newNames.size(); ++i)
-        if (rows[i].include)
-            moves.push_back({int(i), {rows[i].path(), rows[i].location + newNames[qsizetype(i)]}});
+    for (const int row : plannedRows(rows, newNames))
+        moves.push_back({row, moveOf(rows[size_t(row)], newNames[row])});
     return moves;
 }
 
 BatchPlan BatchPlan::make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind, bool ordered)
 {
     BatchPlan plan;
-    const std::vector<RowMove> moves = movesOf(rows, newNames);
-    for (const RowMove &move : moves)
-        plan.rows.push_back(move.row);
+    plan.rows = plannedRows(rows, newNames);
     plan.journal.kind = kind;
     const auto requestAt = [&](size_t outcome) {
-        const int row = moves[outcome].row;
-        return requestFor(rows[size_t(row)], newNames[row], moves[outcome].move);
+        const int row = plan.rows[outcome];
+        return requestFor(rows[size_t(row)], newNames[row]);
     };
     Planner(plan.rows.size(), requestAt, plan).run(ordered);
     for (size_t i = 0; i < plan.outcomes.size(); ++i)

@@ -18,11 +18,22 @@ struct Move {
 enum class Status { Renamed, Unchanged, Conflict, Failed };
 
 struct Outcome {
-    Move move;
+    Move move;       // planned from moves; left empty for a table's row, named by `row`
     Status status = Status::Renamed;
     QString reason;  // why a row is a conflict or failed, naming the files
     QString warning; // a name that will be given but may surprise (hidden, a space at an end)
     int row = -1;    // planned from a table: the table row it speaks of
+};
+
+// The table a plan's outcomes were made from: a row's outcome holds no
+// paths (a hundred thousand rows would hold two hundred thousand), so
+// where each item is and where it goes is told from its row when asked.
+struct TableRows {
+    const std::vector<ItemRecord> *rows = nullptr;
+    const QStringList *newNames = nullptr;
+
+    // The outcome's own move, or its row's path and new one.
+    Move moveOf(const Outcome &outcome) const;
 };
 
 } // namespace Batch
@@ -44,7 +55,8 @@ struct BatchPlan {
     // Without `ordered` only the outcomes are worked out, as for a dry run.
     static BatchPlan make(const std::vector<Batch::Move> &moves, BatchJournal::Kind kind, bool ordered = true);
     // A table's included rows, each to take its new name, planned from the
-    // rows' own strings and identities; each outcome names its row.
+    // rows' own strings and identities; each outcome names its row and
+    // holds no move (Batch::TableRows tells it).
     static BatchPlan make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind,
                           bool ordered = true);
 
@@ -56,4 +68,5 @@ struct BatchPlan {
         Batch::Move move;
     };
     static std::vector<RowMove> movesOf(const std::vector<ItemRecord> &rows, const QStringList &newNames);
+    static Batch::Move moveOf(const ItemRecord &row, const QString &newName) { return {row.path(), row.location + newName}; }
 };

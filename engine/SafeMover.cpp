@@ -188,7 +188,7 @@ SafeMover::Report SafeMover::applyPlanned(const std::function<BatchPlan()> &make
 // plan was made from keep their order; `alsoReported` follows them.
 SafeMover::Report SafeMover::execute(BatchPlan &plan, std::vector<Outcome> alsoReported)
 {
-    Report report{plan.outcomes, Refusal::None, {}, false, {}};
+    Report report{std::move(plan.outcomes), Refusal::None, {}, false, {}};
     if (const auto written = m_store.writePending(plan.journal, observer); !written) {
         report.refusal = Refusal::NoJournal;
         report.refusalText = QStringLiteral("the journal cannot be written (%1); nothing was moved").arg(written.reason());

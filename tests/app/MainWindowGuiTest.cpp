@@ -131,6 +131,13 @@ TEST(MainWindow, FilesDroppedOnTheWindowAreListed)
     EXPECT_NO_SURPRISES();
     EXPECT_EQ(column(FileTableModel::Original), QStringList({"one.txt", "three.txt"}));
     EXPECT_EQ(control<QLineEdit>("source_folder")->text(), folder.path() + u'/');
+
+    // Renamed, the dropped files are listed again under their new names.
+    control<QLineEdit>("prefix")->setText(QStringLiteral("x-"));
+    QTest::mouseClick(control<QAbstractButton>("rename"), Qt::LeftButton);
+    EXPECT_NO_SURPRISES();
+    EXPECT_EQ(namesIn(folder.path()), QStringList({"two.txt", "x-one.txt", "x-three.txt"}));
+    EXPECT_EQ(column(FileTableModel::Original), QStringList({"x-one.txt", "x-three.txt"}));
 }
 
 // Input that arrives while a long pass lets events through (here a listing)
