@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <QHash>
 #include <QRandomGenerator>
-#include <QSet>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -20,6 +19,7 @@
 #include <linux/magic.h>
 #include <functional>
 #include <map>
+#include <tuple>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -227,17 +227,81 @@ struct Candidate {
     FileIdentity identity;
 };
 
-// A name in a folder, as a hash key made of strings the plan already holds.
-struct NameKey {
-    int folder;
-    QString name;
-    bool operator==(const NameKey &) const = default;
-};
+// Names in folders, one per row, found by their hash and then compared: a
+// sorted list of (hash, folder, row) holds a quarter of what a hash table
+// of the strings would, and rows that want one name sit side by side.
+class NameIndex {
+public:
+    using NameOf = std::function<const QString &(int row)>;
 
-size_t qHash(const NameKey &key, size_t seed = 0)
-{
-    return qHashMulti(seed, key.folder, key.name);
-}
+    explicit NameIndex(NameOf nameOf) : m_nameOf(std::move(nameOf)) {}
+
+    void add(int folder, int row) { m_entries.push_back({qHash(m_nameOf(row)), folder, row}); }
+    void reserve(size_t count) { m_entries.reserve(count); }
+    void sort()
+    {
+        std::sort(m_entries.begin(), m_entries.end(), [this](const Entry &a, const Entry &b) {
+            if (a.hash != b.hash || a.folder != b.folder)
+                return a.hash != b.hash ? a.hash < b.hash : a.folder < b.folder;
+            const int byName = QtPrivate::compareStrings(m_nameOf(a.row), m_nameOf(b.row), Qt::CaseSensitive);
+            return byName != 0 ? byName < 0 : a.row < b.row;
+        });
+        m_gone.assign(m_entries.size(), 0);
+    }
+
+    // The rows whose name is `name` in `folder`, in row order.
+    std::pair<size_t, size_t> find(int folder, const QString &name) const
+    {
+        const size_t hash = qHash(name);
+        const auto before = [&](const Entry &entry) {
+            if (entry.hash != hash || entry.folder != folder)
+                return entry.hash != hash ? entry.hash < hash : entry.folder < folder;
+            return QtPrivate::compareStrings(m_nameOf(entry.row), name, Qt::CaseSensitive) < 0;
+        };
+        const auto first = std::partition_point(m_entries.begin(), m_entries.end(), before);
+        auto last = first;
+        while (last != m_entries.end() && last->hash == hash && last->folder == folder && m_nameOf(last->row) == name)
+            ++last;
+        return {size_t(first - m_entries.begin()), size_t(last - m_entries.begin())};
+    }
+    bool contains(int folder, const QString &name) const
+    {
+        const auto [first, last] = find(folder, name);
+        for (size_t i = first; i < last; ++i)
+            if (!m_gone[i])
+                return true;
+        return false;
+    }
+    void remove(int folder, const QString &name)
+    {
+        const auto [first, last] = find(folder, name);
+        std::fill(m_gone.begin() + qsizetype(first), m_gone.begin() + qsizetype(last), 1);
+    }
+    // Each run of rows that share one name: its first and its end.
+    template <class Each> void forEachRun(Each each) const
+    {
+        for (size_t first = 0, last; first < m_entries.size(); first = last) {
+            const Entry &entry = m_entries[first];
+            for (last = first + 1; last < m_entries.size() && m_entries[last].hash == entry.hash
+                                   && m_entries[last].folder == entry.folder
+                                   && m_nameOf(m_entries[last].row) == m_nameOf(entry.row);
+                 ++last) {
+            }
+            each(first, last);
+        }
+    }
+    int rowAt(size_t index) const { return m_entries[index].row; }
+
+private:
+    struct Entry {
+        size_t hash;
+        int folder;
+        int row;
+    };
+    NameOf m_nameOf;
+    std::vector<Entry> m_entries;
+    std::vector<char> m_gone; // by entry: taken out of the index
+};
 
 class Planner {
 public:
@@ -336,31 +400,48 @@ private:
     // by it).
     void refuseDuplicates()
     {
-        QHash<NameKey, int> wanted;
-        wanted.reserve(qsizetype(m_candidates.size()));
+        NameIndex wanted([this](int row) -> const QString & { return m_candidates[size_t(row)]->newName; });
+        wanted.reserve(m_candidates.size());
         for (const auto &candidate : m_candidates)
             if (candidate)
-                wanted[{candidate->folder, candidate->newName}] += 1;
+                wanted.add(candidate->folder, candidate->row);
+        wanted.sort();
+        std::vector<int> sharedNames;
+        wanted.forEachRun([&](size_t first, size_t last) {
+            if (last - first > 1)
+                for (size_t i = first; i < last; ++i)
+                    sharedNames.push_back(wanted.rowAt(i));
+        });
+        std::sort(sharedNames.begin(), sharedNames.end());
+        for (const int row : sharedNames)
+            refuse(row, QStringLiteral("another row takes the same new name \"%1\"").arg(m_candidates[size_t(row)]->newName));
         // Every candidate's file was identified, so one name twice is one
-        // identity twice.
-        QHash<FileIdentity, int> files;
-        files.reserve(qsizetype(m_candidates.size()));
-        for (size_t row = 0; row < m_candidates.size(); ++row) {
-            const auto &candidate = m_candidates[row];
-            if (!candidate)
+        // identity twice. Of the rows left, the first to move a file keeps it.
+        struct Owner {
+            quint64 device;
+            quint64 inode;
+            int row;
+        };
+        std::vector<Owner> owners;
+        owners.reserve(m_candidates.size());
+        for (const auto &candidate : m_candidates)
+            if (candidate)
+                owners.push_back({candidate->identity.device, candidate->identity.inode, candidate->row});
+        std::sort(owners.begin(), owners.end(), [](const Owner &a, const Owner &b) {
+            return std::tie(a.device, a.inode, a.row) < std::tie(b.device, b.inode, b.row);
+        });
+        for (size_t i = 1, first = 0; i < owners.size(); ++i) {
+            if (owners[first].device != owners[i].device || owners[first].inode != owners[i].inode) {
+                first = i;
                 continue;
-            if (wanted.value({candidate->folder, candidate->newName}) > 1) {
-                refuse(int(row), QStringLiteral("another row takes the same new name \"%1\"").arg(candidate->newName));
-            } else if (const auto other = files.constFind(candidate->identity); other != files.cend()) {
-                const Candidate &earlier = *m_candidates[size_t(*other)];
-                if (earlier.folder == candidate->folder && earlier.name == candidate->name)
-                    refuse(int(row), QStringLiteral("an earlier row moves the same file"));
-                else
-                    refuse(int(row), QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
-                                         .arg(candidate->name, earlier.name));
-            } else {
-                files.insert(candidate->identity, int(row));
             }
+            const Candidate &earlier = *m_candidates[size_t(owners[first].row)];
+            const Candidate &candidate = *m_candidates[size_t(owners[i].row)];
+            if (earlier.folder == candidate.folder && earlier.name == candidate.name)
+                refuse(owners[i].row, QStringLiteral("an earlier row moves the same file"));
+            else
+                refuse(owners[i].row, QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
+                                          .arg(candidate.name, earlier.name));
         }
     }
 
@@ -371,25 +452,30 @@ private:
     void refuseTakenNames()
     {
         std::vector<int> uses(size_t(m_folderPaths.size()));
-        QSet<NameKey> leaving;
-        leaving.reserve(qsizetype(m_candidates.size()));
+        // Names are taken from the candidates as they are now: a refused
+        // row's name stays taken, and its entry is only marked gone.
+        std::vector<QString> names(m_candidates.size());
+        NameIndex leaving([&names](int row) -> const QString & { return names[size_t(row)]; });
+        leaving.reserve(m_candidates.size());
         for (const auto &candidate : m_candidates)
             if (candidate) {
                 uses[size_t(candidate->folder)] += 2;
-                leaving.insert({candidate->folder, candidate->name});
+                names[size_t(candidate->row)] = candidate->name;
+                leaving.add(candidate->folder, candidate->row);
             }
+        leaving.sort();
         m_existing.readFoldersOf(m_folderPaths, uses);
         for (bool changed = true; changed;) {
             changed = false;
             for (size_t row = 0; row < m_candidates.size(); ++row) {
                 const auto &candidate = m_candidates[row];
-                if (!candidate || leaving.contains({candidate->folder, candidate->newName})
+                if (!candidate || leaving.contains(candidate->folder, candidate->newName)
                     || !m_existing.contains(candidate->folder, m_folderPaths[candidate->folder], candidate->newName))
                     continue;
                 // The same file under another case, on a file system that ignores case.
                 if (FileIdentity::at(PathCodec::encode(pathOf(candidate->folder, candidate->newName))) == candidate->identity)
                     continue;
-                leaving.remove({candidate->folder, candidate->name});
+                leaving.remove(candidate->folder, candidate->name);
                 refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(candidate->newName));
                 changed = true;
             }

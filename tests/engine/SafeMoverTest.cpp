@@ -51,7 +51,7 @@ private:
 
 TEST_F(SafeMoves, EveryRowIsCheckedBeforeAnythingMoves)
 {
-    ASSERT_TRUE(tree.makeAll({"a", "b", "c", "taken", "linked", "sub/z"}));
+    ASSERT_TRUE(tree.makeAll({"a", "b", "c", "d", "taken", "linked", "sub/z"}));
     ASSERT_EQ(link(PathCodec::encode(tree.path("linked")).constData(), PathCodec::encode(tree.path("hardlink")).constData()), 0);
     const Files before = tree.files();
     struct Row {
@@ -62,6 +62,8 @@ TEST_F(SafeMoves, EveryRowIsCheckedBeforeAnythingMoves)
     const Row rows[] = {
         {move("a", "same"), S::Conflict, "another row takes the same new name \"same\""},
         {move("b", "same"), S::Conflict, "another row takes the same new name \"same\""},
+        // "c" is refused below, so the name it would free stays taken.
+        {move("d", "c"), S::Conflict, "a file named \"c\" is already there"},
         {move("c", "taken"), S::Conflict, "a file named \"taken\" is already there"},
         {move("taken", "taken"), S::Unchanged, ""},
         {move("a", ""), S::Conflict, "the new name is empty"},
