@@ -96,10 +96,11 @@ TEST_F(Listings, TypeCodesFromTheFinderInformation)
     unsigned char info[32] = {'T', 'E', 'X', 'T'};
     if (setxattr(PathCodec::encode(text).constData(), "user.com.apple.FinderInfo", info, 32, 0) != 0)
         GTEST_SKIP() << "no user extended attributes here";
+    ASSERT_EQ(symlink("notes", PathCodec::encode(root() + "/link").constData()), 0);
     ListingRequest request;
     request.typeCodes = {"TEXT"};
     request.extensions = {""};
-    EXPECT_EQ(rows(parse(request)), QStringList({"+notes"}));
+    EXPECT_EQ(rows(parse(request)), QStringList({"+notes"})) << "a link's own information, not its target's";
     EXPECT_TRUE(FolderListing::fileTypeCode(0x54455854, {"JPEG", "TEXT"}));
     EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {}));
     EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {"TEX"}));
