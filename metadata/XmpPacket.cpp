@@ -2,8 +2,9 @@
 
 #include "ValueTexts.h"
 
-#include <QHash>
+#include <bitset>
 #include <expat.h>
+#include <random>
 #include <memory>
 #include <type_traits>
 #include <cmath>
@@ -12,38 +13,54 @@ using Metadata::Field;
 
 namespace {
 
-const QString xmp = QStringLiteral("http://ns.adobe.com/xap/1.0/");
-const QString exif = QStringLiteral("http://ns.adobe.com/exif/1.0/");
-const QString exifEx = QStringLiteral("http://cipa.jp/exif/1.0/");
-const QString aux = QStringLiteral("http://ns.adobe.com/exif/1.0/aux/");
-const QString tiff = QStringLiteral("http://ns.adobe.com/tiff/1.0/");
-const QString photoshop = QStringLiteral("http://ns.adobe.com/photoshop/1.0/");
+// The properties read, each as expat names it: "namespace local".
+enum Wanted { DateTimeOriginal, DateCreated, CreateDate, DateTimeDigitized, Make, Model, LensModel, Lens, Iso, FNumber,
+              ExposureTime, FocalLength, WantedCount };
+constexpr QByteArrayView wantedNames[WantedCount] = {
+    "http://ns.adobe.com/exif/1.0/ DateTimeOriginal", "http://ns.adobe.com/photoshop/1.0/ DateCreated",
+    "http://ns.adobe.com/xap/1.0/ CreateDate",        "http://ns.adobe.com/exif/1.0/ DateTimeDigitized",
+    "http://ns.adobe.com/tiff/1.0/ Make",             "http://ns.adobe.com/tiff/1.0/ Model",
+    "http://cipa.jp/exif/1.0/ LensModel",             "http://ns.adobe.com/exif/1.0/aux/ Lens",
+    "http://ns.adobe.com/exif/1.0/ ISOSpeedRatings",  "http://ns.adobe.com/exif/1.0/ FNumber",
+    "http://ns.adobe.com/exif/1.0/ ExposureTime",     "http://ns.adobe.com/exif/1.0/ FocalLength"};
 
-QString keyOf(const QString &namespaceUri, const QString &name)
+int wantedIndex(QByteArrayView name)
 {
-    return namespaceUri + u' ' + name;
+    for (int i = 0; i < WantedCount; ++i)
+        if (name == wantedNames[i])
+            return i;
+    return -1;
 }
 
-// Each top-level property of every rdf:Description, written as an attribute
-// or as an element: a simple value as it stands, an array's first item (a
-// language alternative's default one); structures are passed over. Names
-// reach the handlers as "namespace local" (expat's namespace processing,
-// with a space between).
+using WantedSet = std::bitset<WantedCount>;
+
+// The wanted top-level properties of every rdf:Description, written as an
+// attribute or as an element: a simple value as it stands, an array's
+// first item (a language alternative's default one); structures are passed
+// over. The first value of each is kept; the text of any other property is
+// never copied, and reading stops once every wanted property is found.
 class Properties {
 public:
-    explicit Properties(const QByteArray &packet)
+    Properties(const QByteArray &packet, WantedSet wanted) : m_wanted(wanted)
     {
+        if (m_wanted.none())
+            return;
         const std::unique_ptr<std::remove_pointer_t<XML_Parser>, void (*)(XML_Parser)> parser(XML_ParserCreateNS(nullptr, ' '),
                                                                                              XML_ParserFree);
         if (!parser)
             return;
+        m_parser = parser.get();
+        // The salt of expat's hash tables, drawn once a thread rather than
+        // with a system call for every packet.
+        thread_local const unsigned long salt = std::random_device()();
+        XML_SetHashSalt(m_parser, salt);
         XML_SetUserData(parser.get(), this);
         XML_SetElementHandler(parser.get(), &Properties::started, &Properties::ended);
         XML_SetCharacterDataHandler(parser.get(), &Properties::characters);
         // A packet that is not well formed keeps what was read before the fault.
         XML_Parse(parser.get(), packet.constData(), int(packet.size()), XML_TRUE);
     }
-    QString value(const QString &key) const { return m_found.value(key); }
+    QString value(Wanted wanted) const { return QString::fromUtf8(m_found[wanted]).trimmed(); }
 
 private:
     static void started(void *data, const XML_Char *name, const XML_Char **attributes)
@@ -54,13 +71,13 @@ private:
         if (self.m_description < 0 && element == rdfDescription) {
             self.m_description = self.m_depth;
             for (const XML_Char **attribute = attributes; *attribute; attribute += 2)
-                if (!QByteArrayView(attribute[0]).startsWith(rdfNamespace))
-                    self.keep(QString::fromUtf8(attribute[0]), QString::fromUtf8(attribute[1]));
+                self.keep(wantedIndex(attribute[0]), attribute[1]);
         } else if (self.m_description >= 0 && self.m_depth == self.m_description + 1) {
-            self.m_property = QString::fromUtf8(name);
+            const int property = wantedIndex(element);
+            self.m_property = property >= 0 && self.m_wanted[property] ? property : -1;
             self.m_text.clear();
             self.m_item = None;
-        } else if (self.m_description >= 0 && self.m_depth == self.m_description + 3 && element == rdfItem) {
+        } else if (self.m_property >= 0 && self.m_depth == self.m_description + 3 && element == rdfItem) {
             bool preferred = false;
             for (const XML_Char **attribute = attributes; *attribute; attribute += 2)
                 preferred = preferred || (QByteArrayView(attribute[0]) == xmlLanguage && QByteArrayView(attribute[1]) == "x-default");
@@ -77,9 +94,9 @@ private:
         auto &self = *static_cast<Properties *>(data);
         if (self.m_item == Reading && self.m_depth == self.m_description + 3)
             self.m_item = self.m_preferred ? Preferred : Taken;
-        if (self.m_description >= 0 && self.m_depth == self.m_description + 1 && !self.m_property.isEmpty()) {
-            self.keep(self.m_property, self.m_text.trimmed());
-            self.m_property.clear();
+        if (self.m_description >= 0 && self.m_depth == self.m_description + 1) {
+            self.keep(self.m_property, self.m_text);
+            self.m_property = -1;
         } else if (self.m_depth == self.m_description) {
             self.m_description = -1;
         }
@@ -89,26 +106,31 @@ private:
     {
         auto &self = *static_cast<Properties *>(data);
         const bool simple = self.m_depth == self.m_description + 1 && self.m_item == None;
-        if (self.m_description >= 0 && (simple || self.m_item == Reading))
-            self.m_text += QString::fromUtf8(text, length);
+        if (self.m_property >= 0 && (simple || self.m_item == Reading))
+            self.m_text.append(text, length);
     }
-    void keep(const QString &key, const QString &text)
+    void keep(int wanted, QByteArrayView text)
     {
-        if (!m_found.contains(key))
-            m_found.insert(key, text);
+        if (wanted < 0 || !m_wanted[wanted])
+            return;
+        m_wanted[wanted] = false;
+        m_found[wanted] = text.toByteArray();
+        if (m_wanted.none())
+            XML_StopParser(m_parser, XML_FALSE);
     }
 
-    static constexpr QByteArrayView rdfNamespace = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
     static constexpr QByteArrayView rdfDescription = "http://www.w3.org/1999/02/22-rdf-syntax-ns# Description";
     static constexpr QByteArrayView rdfItem = "http://www.w3.org/1999/02/22-rdf-syntax-ns# li";
     static constexpr QByteArrayView xmlLanguage = "http://www.w3.org/XML/1998/namespace lang";
 
     enum Item { None, Reading, Taken, Preferred };
-    QHash<QString, QString> m_found;
+    WantedSet m_wanted; // wanted and not yet found
+    XML_Parser m_parser = nullptr;
+    QByteArray m_found[WantedCount];
     int m_depth = 0;
     int m_description = -1; // the depth of the rdf:Description being read
-    QString m_property;     // the property element being read
-    QString m_text;
+    int m_property = -1;    // the wanted property whose element is being read
+    QByteArray m_text;
     Item m_item = None;
     bool m_preferred = false;
 };
@@ -122,6 +144,27 @@ std::optional<double> numberOf(const QString &text)
     return ok && ok2 && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
+// What the packet is read for: what the request asks and the values lack,
+// and the packet names somewhere.
+WantedSet wanted(const QByteArray &packet, const Metadata::Request &request, const Metadata::Values &values)
+{
+    WantedSet asked;
+    if (request.dateTaken && !values.taken)
+        asked.set(DateTimeOriginal).set(DateCreated).set(CreateDate).set(DateTimeDigitized);
+    constexpr std::pair<Field, Wanted> fields[] = {
+        {Field::Make, Make},          {Field::Model, Model},           {Field::Lens, LensModel},     {Field::Lens, Lens},
+        {Field::Iso, Iso},            {Field::Aperture, FNumber},      {Field::Exposure, ExposureTime}, {Field::Focal, FocalLength}};
+    for (const auto &[field, property] : fields)
+        if (request.fields.has(field) && !values.has(field))
+            asked.set(property);
+    for (int i = 0; i < WantedCount; ++i) {
+        const QByteArrayView name = wantedNames[i];
+        if (asked[i] && !packet.contains(name.sliced(name.indexOf(' ') + 1)))
+            asked.reset(i);
+    }
+    return asked;
+}
+
 } // namespace
 
 namespace XmpPacket {
@@ -130,15 +173,10 @@ void read(const QByteArray &packet, const Metadata::Request &request, Metadata::
 {
     if (packet.isEmpty())
         return;
-    const Properties properties(packet);
-    const auto value = [&properties](const QString &namespaceUri, const char *name) {
-        return properties.value(keyOf(namespaceUri, QString::fromLatin1(name))).trimmed();
-    };
+    const Properties properties(packet, wanted(packet, request, values));
     if (request.dateTaken && !values.taken) {
-        const std::pair<const QString *, const char *> dates[] = {
-            {&exif, "DateTimeOriginal"}, {&photoshop, "DateCreated"}, {&xmp, "CreateDate"}, {&exif, "DateTimeDigitized"}};
-        for (const auto &[namespaceUri, name] : dates)
-            if (const auto stamp = RecordedStamp::parse(value(*namespaceUri, name))) {
+        for (const Wanted date : {DateTimeOriginal, DateCreated, CreateDate, DateTimeDigitized})
+            if (const auto stamp = RecordedStamp::parse(properties.value(date))) {
                 values.taken = stamp->taken();
                 break;
             }
@@ -147,17 +185,17 @@ void read(const QByteArray &packet, const Metadata::Request &request, Metadata::
         if (!values.has(field) && !text.isEmpty())
             values.set(field, text);
     };
-    setIfMissing(Field::Make, value(tiff, "Make"));
-    setIfMissing(Field::Model, value(tiff, "Model"));
-    setIfMissing(Field::Lens, value(exifEx, "LensModel"));
-    setIfMissing(Field::Lens, value(aux, "Lens"));
-    if (const auto iso = numberOf(value(exif, "ISOSpeedRatings")); iso && *iso > 0)
+    setIfMissing(Field::Make, properties.value(Make));
+    setIfMissing(Field::Model, properties.value(Model));
+    setIfMissing(Field::Lens, properties.value(LensModel));
+    setIfMissing(Field::Lens, properties.value(Lens));
+    if (const auto iso = numberOf(properties.value(Iso)); iso && *iso > 0)
         setIfMissing(Field::Iso, QString::number(qint64(*iso)));
-    if (const auto fNumber = numberOf(value(exif, "FNumber")))
+    if (const auto fNumber = numberOf(properties.value(FNumber)))
         setIfMissing(Field::Aperture, ValueTexts::aperture(*fNumber));
-    if (const auto time = numberOf(value(exif, "ExposureTime")))
+    if (const auto time = numberOf(properties.value(ExposureTime)))
         setIfMissing(Field::Exposure, ValueTexts::exposure(*time));
-    if (const auto focal = numberOf(value(exif, "FocalLength")))
+    if (const auto focal = numberOf(properties.value(FocalLength)))
         setIfMissing(Field::Focal, ValueTexts::focalLength(*focal));
 }
 

@@ -217,6 +217,54 @@ TEST_F(Metadata, LibrariesForOtherKindsOfFileAreMappedOnlyWhenOneIsRead)
     EXPECT_TRUE(heavy.match(withRecording).hasMatch()) << "what the first run was held to";
 }
 
+// A JPEG holding only this XMP packet.
+bool writeXmpPicture(const QString &path, const QByteArray &packet)
+{
+    const QByteArray body = QByteArray("http://ns.adobe.com/xap/1.0/", 29) + packet;
+    QByteArray jpeg("\xff\xd8\xff\xe1");
+    jpeg.append(char((body.size() + 2) >> 8)).append(char((body.size() + 2) & 0xff)).append(body).append("\xff\xd9");
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(jpeg) == jpeg.size();
+}
+
+// An XMP packet's values by their precedence, wherever each stands in the
+// packet: a date taken before a creation date, a lens model before a lens,
+// as attributes or elements of any description, and a name met only in
+// another property's text stands for nothing.
+TEST(XmpPackets, ValuesAreTakenByPrecedenceWhereverTheyStand)
+{
+    const QByteArray head = "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+                            "<rdf:Description rdf:about='' xmlns:xap='http://ns.adobe.com/xap/1.0/'"
+                            " xmlns:aux='http://ns.adobe.com/exif/1.0/aux/' xmlns:dc='http://purl.org/dc/elements/1.1/'";
+    const QByteArray tail = "</rdf:RDF></x:xmpmeta>";
+    const QByteArray later = "<rdf:Description rdf:about='' xmlns:exif='http://ns.adobe.com/exif/1.0/'"
+                             " xmlns:exifEX='http://cipa.jp/exif/1.0/'>"
+                             "<exif:DateTimeOriginal>2011-12-13T14:15:16</exif:DateTimeOriginal>"
+                             "<exifEX:LensModel>XF35mmF1.4 R</exifEX:LensModel></rdf:Description>";
+    const struct {
+        const char *name;
+        QByteArray packet;
+        const char *named;
+    } rows[] = {
+        {"later.jpg", head + " xap:CreateDate='2001-02-03T04:05:06' aux:Lens='35mm'></rdf:Description>" + later + tail,
+         "20111213 XF35mmF1.4 R later.jpg"},
+        {"first.jpg", head + " xap:CreateDate='2001-02-03T04:05:06' aux:Lens='35mm'></rdf:Description>" + tail,
+         "20010203 35mm first.jpg"},
+        {"text.jpg", head + " xap:CreateDate='2001-02-03T04:05:06'><dc:description><rdf:Alt><rdf:li xml:lang='x-default'>"
+                            "no DateTimeOriginal, no LensModel</rdf:li></rdf:Alt></dc:description></rdf:Description>" + tail,
+         "20010203  text.jpg"},
+    };
+    TemporaryFolder pictures;
+    for (const auto &row : rows)
+        ASSERT_TRUE(writeXmpPicture(pictures.filePath(QLatin1String(row.name)), row.packet)) << row.name;
+    CliRunner cli;
+    cli.environment.insert(QStringLiteral("XDG_CONFIG_HOME"), cli.data.path());
+    const auto found = rowsByName(cli.run({"--json", "--exif", "--date-source", "created", "--prefix", "«date %Y%m%d» «lens» ",
+                                           pictures.path()}));
+    for (const auto &row : rows)
+        EXPECT_EQ(newNameOf(found.value(QLatin1String(row.name))), QLatin1String(row.named)) << row.name;
+}
+
 // Files are read on several threads. A thousand pictures, each declaring a
 // namespace of its own under a prefix another already uses, are decoded at
 // once: each keeps its own title (the XMP toolkit's namespace table is one
@@ -233,11 +281,7 @@ TEST(MetadataOnThreads, PacketsDecodedAtOnceEachKeepTheirValues)
             "<dc:title><rdf:Alt><rdf:li xml:lang='x-default'>Title %1</rdf:li></rdf:Alt></dc:title>"
             "<MicrosoftPhoto:Rating>%1</MicrosoftPhoto:Rating>"
             "</rdf:Description></rdf:RDF></x:xmpmeta>").arg(i).toUtf8();
-        const QByteArray body = QByteArray("http://ns.adobe.com/xap/1.0/", 29) + packet;
-        QByteArray jpeg("\xff\xd8\xff\xe1");
-        jpeg.append(char((body.size() + 2) >> 8)).append(char((body.size() + 2) & 0xff)).append(body).append("\xff\xd9");
-        QFile file(pictures.filePath(QStringLiteral("f%1.jpg").arg(i)));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(jpeg) == jpeg.size()) << file.fileName().toStdString();
+        ASSERT_TRUE(writeXmpPicture(pictures.filePath(QStringLiteral("f%1.jpg").arg(i)), packet));
     }
     CliRunner cli;
     cli.environment.insert(QStringLiteral("XDG_CONFIG_HOME"), cli.data.path());
