@@ -42,26 +42,6 @@ Fields missingStill(const Request &request, const Values &values)
     return missing;
 }
 
-// Whether an XMP packet could hold what is missing: each property's name
-// must stand in it, whatever prefix its namespace has.
-bool xmpMayHold(const QByteArray &packet, const Request &request, const Values &values)
-{
-    if (packet.isEmpty())
-        return false;
-    if (!request.tags.isEmpty())
-        return true;
-    const auto holds = [&packet](std::initializer_list<const char *> names) {
-        return std::any_of(names.begin(), names.end(), [&packet](const char *name) { return packet.contains(name); });
-    };
-    if (request.dateTaken && !values.taken && holds({"DateTimeOriginal", "DateCreated", "CreateDate", "DateTimeDigitized"}))
-        return true;
-    const Fields missing = missingStill(request, values);
-    return (missing.has(Field::Make) && holds({"Make"})) || (missing.has(Field::Model) && holds({"Model"}))
-           || (missing.has(Field::Lens) && holds({"Lens"})) || (missing.has(Field::Iso) && holds({"ISOSpeedRatings"}))
-           || (missing.has(Field::Aperture) && holds({"FNumber"})) || (missing.has(Field::Exposure) && holds({"ExposureTime"}))
-           || (missing.has(Field::Focal) && holds({"FocalLength"}));
-}
-
 // A photograph from its EXIF block and XMP packet: the EXIF first, then
 // the XMP, then what exiv2 reads of maker notes or, for a JPEG, of the
 // whole file (IPTC, any tag).
@@ -69,8 +49,7 @@ void readStill(FileSource &file, const QByteArray &exif, const QByteArray &xmp, 
                Values &values)
 {
     const ExifBlock::MakerNote makerNote = ExifBlock::read(exif, request, values);
-    if (xmpMayHold(xmp, request, values))
-        XmpPacket::read(xmp, request, values);
+    XmpPacket::read(xmp, request, values);
     const bool dateMissing = request.dateTaken && !values.taken;
     if (jpeg && (dateMissing || !request.tags.isEmpty())) {
         Exiv2Reading::fromImage(file.mapped(), size_t(file.size()), request, values);
