@@ -1,5 +1,6 @@
 #include "ExifBlock.h"
 
+#include "ThreadArena.h"
 #include "ValueTexts.h"
 
 #include <libexif/exif-data.h>
@@ -16,100 +17,24 @@ using Metadata::Field;
 
 namespace {
 
-// Blocks handed out one after the other from a buffer of the thread's own,
-// each after a header holding its size (libexif reallocates); what does not
-// fit comes from the heap. Everything in the buffer is given up at once
-// when a file is done.
-class Arena {
-public:
-    static void *allocate(ExifLong size)
-    {
-        Arena &arena = current();
-        const size_t whole = ((size_t(size) + alignment - 1) & ~(alignment - 1)) + alignment;
-        unsigned char *block;
-        if (arena.m_active && arena.m_used + whole <= capacity) {
-            block = arena.m_buffer.get() + arena.m_used;
-            arena.m_used += whole;
-            std::memset(block + alignment, 0, size_t(size));
-        } else {
-            block = static_cast<unsigned char *>(std::calloc(1, whole));
-            if (!block)
-                return nullptr;
-        }
-        std::memcpy(block, &size, sizeof size);
-        return block + alignment;
-    }
-    static void release(void *data)
-    {
-        if (!data)
-            return;
-        unsigned char *block = static_cast<unsigned char *>(data) - alignment;
-        if (!current().holds(block))
-            std::free(block);
-    }
-    static void *reallocate(void *data, ExifLong size)
-    {
-        if (!data)
-            return allocate(size);
-        ExifLong old;
-        std::memcpy(&old, static_cast<unsigned char *>(data) - alignment, sizeof old);
-        void *moved = allocate(size);
-        if (moved) {
-            std::memcpy(moved, data, std::min(old, size));
-            release(data);
-        }
-        return moved;
-    }
-
-    // While one exists, what libexif allocates comes from the arena.
-    class Use {
-    public:
-        Use() { current().m_active = true; }
-        ~Use()
+// libexif's allocator for this thread, over the thread's arena; made
+// outside it (it outlives every file).
+ExifMem *arenaMemory()
+{
+    struct Held {
+        ExifMem *memory = nullptr;
+        Held()
         {
-            Arena &arena = current();
-            arena.m_active = false;
-            arena.m_used = 0;
+            const ThreadArena::Outside heap;
+            memory = exif_mem_new([](ExifLong size) { return ThreadArena::allocate(size); },
+                                  [](void *data, ExifLong size) { return ThreadArena::reallocate(data, size); },
+                                  ThreadArena::release);
         }
+        ~Held() { exif_mem_unref(memory); }
     };
-
-    // libexif's allocator for this thread, made outside the arena (it
-    // outlives every file).
-    static ExifMem *memory()
-    {
-        struct Held {
-            ExifMem *memory = nullptr;
-            Held()
-            {
-                Arena &arena = current();
-                const bool active = std::exchange(arena.m_active, false);
-                memory = exif_mem_new(allocate, reallocate, release);
-                arena.m_active = active;
-            }
-            ~Held() { exif_mem_unref(memory); }
-        };
-        thread_local Held held;
-        return held.memory;
-    }
-
-private:
-    static constexpr size_t capacity = 256 * 1024;
-    static constexpr size_t alignment = 16;
-
-    static Arena &current()
-    {
-        thread_local Arena arena;
-        return arena;
-    }
-    bool holds(const unsigned char *block) const
-    {
-        return block >= m_buffer.get() && block < m_buffer.get() + capacity;
-    }
-
-    std::unique_ptr<unsigned char[]> m_buffer{new unsigned char[capacity]};
-    size_t m_used = 0;
-    bool m_active = false;
-};
+    thread_local Held held;
+    return held.memory;
+}
 
 class Block {
 public:
@@ -233,8 +158,8 @@ namespace ExifBlock {
 
 MakerNote read(const QByteArray &block, const Metadata::Request &request, Metadata::Values &values)
 {
-    ExifMem *memory = Arena::memory();
-    const Arena::Use arena;
+    ExifMem *memory = arenaMemory();
+    const ThreadArena::Use arena;
     const Loaded data = load(block, memory);
     if (!data)
         return {};
@@ -266,8 +191,8 @@ MakerNote read(const QByteArray &block, const Metadata::Request &request, Metada
 
 Thumbnail thumbnail(const QByteArray &block)
 {
-    ExifMem *memory = Arena::memory();
-    const Arena::Use arena;
+    ExifMem *memory = arenaMemory();
+    const ThreadArena::Use arena;
     const Loaded data = load(block, memory);
     if (!data || !data->data || data->size == 0)
         return {};

@@ -1,5 +1,6 @@
 #include "XmpPacket.h"
 
+#include "ThreadArena.h"
 #include "ValueTexts.h"
 
 #include <bitset>
@@ -45,8 +46,10 @@ public:
     {
         if (m_wanted.none())
             return;
-        const std::unique_ptr<std::remove_pointer_t<XML_Parser>, void (*)(XML_Parser)> parser(XML_ParserCreateNS(nullptr, ' '),
-                                                                                             XML_ParserFree);
+        const ThreadArena::Use arena;
+        static const XML_Memory_Handling_Suite memory = {ThreadArena::allocate, ThreadArena::reallocate, ThreadArena::release};
+        const std::unique_ptr<std::remove_pointer_t<XML_Parser>, void (*)(XML_Parser)> parser(
+            XML_ParserCreate_MM(nullptr, &memory, " "), XML_ParserFree);
         if (!parser)
             return;
         m_parser = parser.get();
