@@ -303,6 +303,10 @@ Listing FolderListing::list(const ListingRequest &request)
         }
         addItem(request, filters, scanPath(path), request.descend, listing);
     }
+    // The rows stay for as long as the table does: room the vector kept to
+    // grow is given back (a quarter of it, over a large folder).
+    if (listing.items.capacity() - listing.items.size() > listing.items.size() / 8)
+        listing.items.shrink_to_fit();
     if (stopped)
         listing = Listing{{}, true, {}};
     else if (readMetadata && !metadata.isEmpty())

@@ -18,9 +18,9 @@ struct ItemRecord {
     QString name;
     QString location;            // the containing folder, ending with "/"; rows of a folder share it
     qint64 created = NoDate;     // milliseconds since 1970
-    qint32 createdOffset = NoOffset; // a date taken: the UTC offset it is shown at
     qint64 modified = NoDate;
     std::optional<quint64> size; // none for a folder
+    qint32 createdOffset = NoOffset; // a date taken: the UTC offset it is shown at
     quint32 typeCode = 0;
     quint32 creatorCode = 0;
     bool include = true;
