@@ -8,7 +8,13 @@
 #include <QFile>
 #include "TemporaryFolder.h"
 #include <gtest/gtest.h>
+#include <cerrno>
+#include <cstddef>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <mutex>
 #include <thread>
@@ -104,6 +110,44 @@ TEST_F(Listings, TypeCodesFromTheFinderInformation)
     EXPECT_TRUE(FolderListing::fileTypeCode(0x54455854, {"JPEG", "TEXT"}));
     EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {}));
     EXPECT_FALSE(FolderListing::fileTypeCode(0x54455854, {"TEX"}));
+}
+
+// Kernels before 6.13 (Debian 12's among them), and sandboxes that refuse
+// system calls they do not know, cannot read an item's attributes by its
+// folder: the listing reads them by path there. A child process that
+// refuses the call lists the folder.
+TEST_F(Listings, TypeCodesWhereAttributesCannotBeReadByFolder)
+{
+    const QString text = make("notes");
+    make("other");
+    unsigned char info[32] = {'T', 'E', 'X', 'T'};
+    if (setxattr(PathCodec::encode(text).constData(), "user.com.apple.FinderInfo", info, 32, 0) != 0)
+        GTEST_SKIP() << "no user extended attributes here";
+    for (const int refusal : {ENOSYS, EPERM}) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            constexpr unsigned getxattrat = 464;
+            sock_filter filter[] = {
+                BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, getxattrat, 0, 1),
+                BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | (unsigned(refusal) & SECCOMP_RET_DATA)),
+                BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+            };
+            const sock_fprog program = {sizeof filter / sizeof filter[0], filter};
+            if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+                _exit(2);
+            ListingRequest request;
+            request.typeCodes = {"TEXT"};
+            request.extensions = {""};
+            _exit(rows(parse(request)) == QStringList({"+notes"}) ? 0 : 1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_NE(WEXITSTATUS(status), 2) << "no system call filter here";
+        EXPECT_EQ(WEXITSTATUS(status), 0) << "refused with " << refusal;
+    }
 }
 
 TEST_F(Listings, DescentFolderRowsAndTheRootNeverARow)
