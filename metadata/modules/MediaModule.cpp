@@ -122,7 +122,7 @@ bool readRecording(int descriptor, ReaderModule::Recording &recording)
                                                                    av_rescale_q(stream->duration, stream->time_base, {1, 1000}));
                 }
             // Most containers say the picture's size in their headers; for
-            // an MPEG-4 Part 2 stream in MP4 it comes from the stream's own
+            // an MPEG-4 Visual stream (Xvid, DivX) in MP4 it comes from its own
             // first frames, so those are looked at, and no more.
             const auto unsized = [context] {
                 for (unsigned i = 0; i < context->nb_streams; ++i)
