@@ -104,7 +104,7 @@ FolderListing::Status FolderListing::statusAt(int at, const char *relative, cons
     Status found;
     const unsigned int wanted = STATX_TYPE | STATX_MODE | STATX_INO | STATX_SIZE | STATX_MTIME | STATX_BTIME;
     found.exists = statx(at, relative, AT_SYMLINK_NOFOLLOW, wanted, &found.status) == 0;
-    found.finder = at == AT_FDCWD ? FinderInfo::read(path, false) : FinderInfo::readAt(at, relative, path);
+    found.finder = FinderInfo::readAt(at, relative, path);
     return found;
 }
 

@@ -54,8 +54,9 @@ constexpr quint16 InvisibleFlag = 0x4000;
 
 std::optional<Info> read(const QString &path, bool followLinks = true);
 std::optional<Info> read(const QByteArray &path, bool followLinks);
-// The item `name` in the open folder `folder`, its link not followed;
-// `path` is its whole path, for kernels that cannot read it by its folder.
+// The item `name` in the open folder `folder` (or `name` itself with
+// AT_FDCWD), its link not followed; `path` is its whole path, for kernels
+// that cannot read it by its folder.
 std::optional<Info> readAt(int folder, const char *name, const QByteArray &path);
 bool writeCodes(const QString &path, std::optional<quint32> type, std::optional<quint32> creator);
 

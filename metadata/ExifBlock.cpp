@@ -8,24 +8,21 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
-#include <utility>
 
 using Metadata::Field;
 
 namespace {
 
-// libexif's allocator for this thread, over the thread's arena; made
-// outside it (it outlives every file).
+// libexif's allocator for this thread, over the thread's arena. It
+// outlives every file, so it is made before a file's use of the arena
+// begins: from the heap.
 ExifMem *arenaMemory()
 {
     struct Held {
         ExifMem *memory = nullptr;
         Held()
         {
-            const ThreadArena::Outside heap;
             memory = exif_mem_new([](ExifLong size) { return ThreadArena::allocate(size); },
                                   [](void *data, ExifLong size) { return ThreadArena::reallocate(data, size); },
                                   ThreadArena::release);

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -82,13 +81,6 @@ Use::~Use()
     Arena &arena = current();
     arena.active = false;
     arena.used = 0;
-}
-
-Outside::Outside() : m_active(std::exchange(current().active, false)) {}
-
-Outside::~Outside()
-{
-    current().active = m_active;
 }
 
 } // namespace ThreadArena

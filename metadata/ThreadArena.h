@@ -6,8 +6,8 @@
 // out one after the other from a buffer of the thread's own, each after a
 // header holding its size (the libraries reallocate), all given up at once
 // when the file is done. What does not fit, and what is asked for while no
-// file is being read, comes from the heap. Reading a file so takes no lock
-// and no heap work per entry.
+// file is being read (what outlives every file), comes from the heap.
+// Reading a file so takes no lock and no heap work per entry.
 namespace ThreadArena {
 
 void *allocate(size_t size); // zeroed
@@ -22,19 +22,6 @@ public:
     ~Use();
     Use(const Use &) = delete;
     Use &operator=(const Use &) = delete;
-};
-
-// While one exists, allocate() takes from the heap, inside a Use too: for
-// what outlives every file.
-class Outside {
-public:
-    Outside();
-    ~Outside();
-    Outside(const Outside &) = delete;
-    Outside &operator=(const Outside &) = delete;
-
-private:
-    bool m_active;
 };
 
 } // namespace ThreadArena
