@@ -217,14 +217,65 @@ Request requestFor(const ItemRecord &row, const QString &newName)
     return request;
 }
 
-// A row that will be renamed, as the plan works it out: the folder (an index
-// into the resolved folders), its name and the new one.
+// What a plan is made from: each row's request, asked once and in order as
+// the row is checked, and then its name and new name as often as the plan
+// needs them, kept by the rows themselves rather than copied per row.
+class PlanRows {
+public:
+    virtual ~PlanRows() = default;
+    virtual size_t count() const = 0;
+    virtual Request request(size_t row) = 0;
+    virtual const QString &name(size_t row) const = 0;
+    virtual const QString &newName(size_t row) const = 0;
+};
+
+// A list of moves: each path is split into its folder and name as its row
+// is checked, and the names kept.
+class MovedRows final : public PlanRows {
+public:
+    explicit MovedRows(const std::vector<Move> &moves) : m_moves(moves), m_names(moves.size()) {}
+    size_t count() const override { return m_moves.size(); }
+    Request request(size_t row) override
+    {
+        Request asked = requestFor(m_moves[row]);
+        m_names[row] = {asked.name, asked.newName};
+        return asked;
+    }
+    const QString &name(size_t row) const override { return m_names[row].first; }
+    const QString &newName(size_t row) const override { return m_names[row].second; }
+
+private:
+    const std::vector<Move> &m_moves;
+    std::vector<std::pair<QString, QString>> m_names;
+};
+
+// A table's planned rows (indexes into it), with their composed names.
+class TableRowsPlanned final : public PlanRows {
+public:
+    TableRowsPlanned(const std::vector<ItemRecord> &rows, const QStringList &newNames, const std::vector<int> &planned)
+        : m_rows(rows), m_newNames(newNames), m_planned(planned)
+    {
+    }
+    size_t count() const override { return m_planned.size(); }
+    Request request(size_t row) override { return requestFor(m_rows[tableRow(row)], newName(row)); }
+    const QString &name(size_t row) const override { return m_rows[tableRow(row)].name; }
+    const QString &newName(size_t row) const override { return m_newNames[qsizetype(tableRow(row))]; }
+
+private:
+    size_t tableRow(size_t row) const { return size_t(m_planned[row]); }
+
+    const std::vector<ItemRecord> &m_rows;
+    const QStringList &m_newNames;
+    const std::vector<int> &m_planned;
+};
+
+// A row that will be renamed, as the plan works it out: its folder (an index
+// into the resolved folders; none once the row is refused) and its file.
 struct Candidate {
-    int row;
-    int folder;
-    QString name;
-    QString newName;
+    int folder = -1;
     FileIdentity identity;
+
+    explicit operator bool() const { return folder >= 0; }
 };
 
 // Names in folders, one per row, found by their hash and then compared: a
@@ -305,17 +356,14 @@ private:
 
 class Planner {
 public:
-    // The rows' requests are made one at a time, as each row is checked.
-    Planner(size_t count, std::function<Request(size_t)> requestAt, BatchPlan &plan)
-        : m_count(count), m_requestAt(std::move(requestAt)), m_plan(plan)
-    {
-    }
+    Planner(PlanRows &rows, BatchPlan &plan) : m_rows(rows), m_plan(plan) {}
 
     void run(bool ordered)
     {
-        m_candidates.resize(m_count);
-        m_plan.outcomes.reserve(m_count);
-        for (size_t row = 0; row < m_count; ++row)
+        const size_t count = m_rows.count();
+        m_candidates.resize(count);
+        m_plan.outcomes.reserve(count);
+        for (size_t row = 0; row < count; ++row)
             m_plan.outcomes.push_back(check(int(row)));
         refuseDuplicates();
         refuseTakenNames();
@@ -327,6 +375,9 @@ public:
     }
 
 private:
+    const QString &nameOf(int row) const { return m_rows.name(size_t(row)); }
+    const QString &newNameOf(int row) const { return m_rows.newName(size_t(row)); }
+
     QString pathOf(int folder, const QString &name) const
     {
         const QString &path = m_folderPaths[folder];
@@ -358,8 +409,8 @@ private:
     // One row on its own: the name, its folder, its file.
     Outcome check(int row)
     {
-        const Request request = m_requestAt(size_t(row));
-        Outcome outcome{request.move ? *request.move : Move(), Status::Renamed, {}, {}};
+        const Request request = m_rows.request(size_t(row));
+        Outcome outcome{request.move ? std::make_shared<const Move>(*request.move) : nullptr, Status::Renamed, -1, {}, {}};
         auto refuse = [&](Status status, const QString &reason) {
             outcome.status = status;
             outcome.reason = reason;
@@ -376,15 +427,13 @@ private:
         const auto folder = folderIndex(request.folder);
         if (!folder)
             return refuse(Status::Failed, folder.reason());
-        Candidate candidate{row, *folder, request.name, request.newName, {}};
         const auto identity =
-            request.identity ? request.identity : FileIdentity::at(PathCodec::encode(pathOf(candidate.folder, candidate.name)));
+            request.identity ? request.identity : FileIdentity::at(PathCodec::encode(pathOf(*folder, request.name)));
         if (!identity)
             return refuse(Status::Failed, errno == ENOENT ? QStringLiteral("\"%1\" is no longer there").arg(request.path())
                                                           : QStringLiteral("\"%1\": %2").arg(request.path(), errnoText(errno)));
-        candidate.identity = *identity;
-        outcome.warning = surprise(candidate.name, candidate.newName);
-        m_candidates[size_t(row)] = std::move(candidate);
+        outcome.warning = surprise(request.name, request.newName);
+        m_candidates[size_t(row)] = {*folder, *identity};
         return outcome;
     }
 
@@ -392,7 +441,7 @@ private:
     {
         m_plan.outcomes[size_t(row)].status = Status::Conflict;
         m_plan.outcomes[size_t(row)].reason = reason;
-        m_candidates[size_t(row)].reset();
+        m_candidates[size_t(row)] = {};
     }
 
     // Two rows may not want one name, nor move one file (under one name or
@@ -400,11 +449,11 @@ private:
     // by it).
     void refuseDuplicates()
     {
-        NameIndex wanted([this](int row) -> const QString & { return m_candidates[size_t(row)]->newName; });
+        NameIndex wanted([this](int row) -> const QString & { return newNameOf(row); });
         wanted.reserve(m_candidates.size());
-        for (const auto &candidate : m_candidates)
-            if (candidate)
-                wanted.add(candidate->folder, candidate->row);
+        for (size_t row = 0; row < m_candidates.size(); ++row)
+            if (m_candidates[row])
+                wanted.add(m_candidates[row].folder, int(row));
         wanted.sort();
         std::vector<int> sharedNames;
         wanted.forEachRun([&](size_t first, size_t last) {
@@ -414,7 +463,7 @@ private:
         });
         std::sort(sharedNames.begin(), sharedNames.end());
         for (const int row : sharedNames)
-            refuse(row, QStringLiteral("another row takes the same new name \"%1\"").arg(m_candidates[size_t(row)]->newName));
+            refuse(row, QStringLiteral("another row takes the same new name \"%1\"").arg(newNameOf(row)));
         // Every candidate's file was identified, so one name twice is one
         // identity twice. Of the rows left, the first to move a file keeps it.
         struct Owner {
@@ -424,9 +473,9 @@ private:
         };
         std::vector<Owner> owners;
         owners.reserve(m_candidates.size());
-        for (const auto &candidate : m_candidates)
-            if (candidate)
-                owners.push_back({candidate->identity.device, candidate->identity.inode, candidate->row});
+        for (size_t row = 0; row < m_candidates.size(); ++row)
+            if (const Candidate &candidate = m_candidates[row])
+                owners.push_back({candidate.identity.device, candidate.identity.inode, int(row)});
         std::sort(owners.begin(), owners.end(), [](const Owner &a, const Owner &b) {
             return std::tie(a.device, a.inode, a.row) < std::tie(b.device, b.inode, b.row);
         });
@@ -435,13 +484,13 @@ private:
                 first = i;
                 continue;
             }
-            const Candidate &earlier = *m_candidates[size_t(owners[first].row)];
-            const Candidate &candidate = *m_candidates[size_t(owners[i].row)];
-            if (earlier.folder == candidate.folder && earlier.name == candidate.name)
-                refuse(owners[i].row, QStringLiteral("an earlier row moves the same file"));
+            const int earlier = owners[first].row;
+            const int row = owners[i].row;
+            if (m_candidates[size_t(earlier)].folder == m_candidates[size_t(row)].folder && nameOf(earlier) == nameOf(row))
+                refuse(row, QStringLiteral("an earlier row moves the same file"));
             else
-                refuse(owners[i].row, QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
-                                          .arg(candidate.name, earlier.name));
+                refuse(row, QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
+                                .arg(nameOf(row), nameOf(earlier)));
         }
     }
 
@@ -452,31 +501,32 @@ private:
     void refuseTakenNames()
     {
         std::vector<int> uses(size_t(m_folderPaths.size()));
-        // Names are taken from the candidates as they are now: a refused
-        // row's name stays taken, and its entry is only marked gone.
-        std::vector<QString> names(m_candidates.size());
-        NameIndex leaving([&names](int row) -> const QString & { return names[size_t(row)]; });
+        // The rows that move as things stand now: a refused row's name
+        // stays taken, and its entry is only marked gone.
+        NameIndex leaving([this](int row) -> const QString & { return nameOf(row); });
         leaving.reserve(m_candidates.size());
-        for (const auto &candidate : m_candidates)
-            if (candidate) {
-                uses[size_t(candidate->folder)] += 2;
-                names[size_t(candidate->row)] = candidate->name;
-                leaving.add(candidate->folder, candidate->row);
+        for (size_t row = 0; row < m_candidates.size(); ++row)
+            if (const Candidate &candidate = m_candidates[row]) {
+                uses[size_t(candidate.folder)] += 2;
+                leaving.add(candidate.folder, int(row));
             }
         leaving.sort();
         m_existing.readFoldersOf(m_folderPaths, uses);
         for (bool changed = true; changed;) {
             changed = false;
             for (size_t row = 0; row < m_candidates.size(); ++row) {
-                const auto &candidate = m_candidates[row];
-                if (!candidate || leaving.contains(candidate->folder, candidate->newName)
-                    || !m_existing.contains(candidate->folder, m_folderPaths[candidate->folder], candidate->newName))
+                const Candidate &candidate = m_candidates[row];
+                if (!candidate)
+                    continue;
+                const QString &newName = newNameOf(int(row));
+                if (leaving.contains(candidate.folder, newName)
+                    || !m_existing.contains(candidate.folder, m_folderPaths[candidate.folder], newName))
                     continue;
                 // The same file under another case, on a file system that ignores case.
-                if (FileIdentity::at(PathCodec::encode(pathOf(candidate->folder, candidate->newName))) == candidate->identity)
+                if (FileIdentity::at(PathCodec::encode(pathOf(candidate.folder, newName))) == candidate.identity)
                     continue;
-                leaving.remove(candidate->folder, candidate->name);
-                refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(candidate->newName));
+                leaving.remove(candidate.folder, nameOf(int(row)));
+                refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(newName));
                 changed = true;
             }
         }
@@ -507,11 +557,13 @@ private:
         QHash<int, std::vector<int>> itemsOfFolder;
         journal.items.reserve(m_candidates.size());
         journal.steps.reserve(m_candidates.size());
-        for (const auto &candidate : m_candidates) {
+        for (size_t row = 0; row < m_candidates.size(); ++row) {
+            const Candidate &candidate = m_candidates[row];
             if (!candidate)
                 continue;
-            itemsOfFolder[candidate->folder].push_back(int(journal.items.size()));
-            journal.items.push_back({candidate->row, candidate->folder, {candidate->name, candidate->newName}, candidate->identity, std::nullopt});
+            itemsOfFolder[candidate.folder].push_back(int(journal.items.size()));
+            journal.items.push_back(
+                {int(row), candidate.folder, {nameOf(int(row)), newNameOf(int(row))}, candidate.identity, std::nullopt});
         }
         std::vector<int> folders(itemsOfFolder.keyBegin(), itemsOfFolder.keyEnd());
         const auto depth = [this](int folder) {
@@ -576,8 +628,7 @@ private:
         }
     }
 
-    size_t m_count;
-    std::function<Request(size_t)> m_requestAt;
+    PlanRows &m_rows;
     BatchPlan &m_plan;
     FolderResolver m_resolver;
     ExistingItems m_existing;
@@ -585,7 +636,7 @@ private:
     QHash<QString, int> m_folderIndex;
     std::optional<QString> m_lastRaw;
     std::optional<Result<int>> m_lastAnswer;
-    std::vector<std::optional<Candidate>> m_candidates; // by row
+    std::vector<Candidate> m_candidates; // by row
     QString m_token;
     int m_temporaries = 0;
 };
@@ -596,7 +647,8 @@ BatchPlan BatchPlan::make(const std::vector<Move> &moves, BatchJournal::Kind kin
 {
     BatchPlan plan;
     plan.journal.kind = kind;
-    Planner(moves.size(), [&moves](size_t row) { return requestFor(moves[row]); }, plan).run(ordered);
+    MovedRows moved(moves);
+    Planner(moved, plan).run(ordered);
     return plan;
 }
 
@@ -618,7 +670,7 @@ std::vector<int> plannedRows(const std::vector<ItemRecord> &rows, const QStringL
 Move Batch::TableRows::moveOf(const Outcome &outcome) const
 {
     if (outcome.row < 0 || !rows || !newNames || size_t(outcome.row) >= rows->size() || outcome.row >= newNames->size())
-        return outcome.move;
+        return outcome.move ? *outcome.move : Move();
     return BatchPlan::moveOf((*rows)[size_t(outcome.row)], (*newNames)[outcome.row]);
 }
 
@@ -635,11 +687,8 @@ BatchPlan BatchPlan::make(const std::vector<ItemRecord> &rows, const QStringList
     BatchPlan plan;
     plan.rows = plannedRows(rows, newNames);
     plan.journal.kind = kind;
-    const auto requestAt = [&](size_t outcome) {
-        const int row = plan.rows[outcome];
-        return requestFor(rows[size_t(row)], newNames[row]);
-    };
-    Planner(plan.rows.size(), requestAt, plan).run(ordered);
+    TableRowsPlanned planned(rows, newNames, plan.rows);
+    Planner(planned, plan).run(ordered);
     for (size_t i = 0; i < plan.outcomes.size(); ++i)
         plan.outcomes[i].row = plan.rows[i];
     return plan;

@@ -4,6 +4,7 @@
 #include "ItemRecord.h"
 
 #include <QString>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,11 +19,13 @@ struct Move {
 enum class Status { Renamed, Unchanged, Conflict, Failed };
 
 struct Outcome {
-    Move move;       // planned from moves; left empty for a table's row, named by `row`
+    // Planned from moves; none for a table's row, named by `row` (a hundred
+    // thousand rows would hold two hundred thousand empty strings).
+    std::shared_ptr<const Move> move;
     Status status = Status::Renamed;
+    int row = -1;    // planned from a table: the table row it speaks of
     QString reason;  // why a row is a conflict or failed, naming the files
     QString warning; // a name that will be given but may surprise (hidden, a space at an end)
-    int row = -1;    // planned from a table: the table row it speaks of
 };
 
 // The table a plan's outcomes were made from: a row's outcome holds no

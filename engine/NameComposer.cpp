@@ -238,7 +238,7 @@ QString NameComposer::generateNewName(const CompositionRequest &request)
     if (valued)
         newName = PathNames::fittedBefore(newName, extension, PathNames::longestName);
     if (!request.numberDuplicates)
-        return newName + extension;
+        return exactly(newName, extension);
     return numbered(request.location, newName, extension);
 }
 
@@ -256,12 +256,19 @@ QString NameComposer::extensionFor(const QString &currentName) const
     return extension;
 }
 
+// A name and its extension in a string of just their length: a table keeps
+// every new name, and appending would leave each with room to grow.
+QString NameComposer::exactly(QStringView name, QStringView extension)
+{
+    return name % extension;
+}
+
 QString NameComposer::numbered(const QString &location, const QString &newName, const QString &extension)
 {
     // Duplicates are counted among names given out earlier in this pass,
     // never against the files on disk. Built by concatenation: names may
     // hold "%" sequences of their own.
-    const QString name = newName % extension;
+    const QString name = exactly(newName, extension);
     if (duplicate_check_list.appendNew(location, name))
         return name;
     int n = 1;

@@ -61,6 +61,7 @@ public:
     }
 
 private:
+    static QString exactly(QStringView name, QStringView extension);
     struct Entry {
         QString location;
         QString name;
@@ -167,6 +168,7 @@ public:
     QString numbered(const QString &location, const QString &newName, const QString &extension);
 
 private:
+    static QString exactly(QStringView name, QStringView extension);
     QString counterText(qint32 counter, qint32 rowCount, qint32 minimum, bool padded) const;
     // `room`: characters to leave room for after the text. Tokens of what
     // files say take their values from `values`; `valued` is set when one
