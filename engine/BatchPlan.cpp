@@ -20,6 +20,7 @@
 #include <functional>
 #include <map>
 #include <tuple>
+#include <unordered_map>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -52,8 +53,8 @@ public:
     {
         // Most names are not there: the whole path is made only to be sure.
         if (size_t(folder) < m_hashes.size() && m_hashes[size_t(folder)]) {
-            const std::vector<size_t> &hashes = *m_hashes[size_t(folder)];
-            if (!std::binary_search(hashes.cbegin(), hashes.cend(), qHash(QByteArrayView(PathCodec::encode(name)))))
+            const std::vector<quint32> &hashes = *m_hashes[size_t(folder)];
+            if (!std::binary_search(hashes.cbegin(), hashes.cend(), quint32(qHash(QByteArrayView(PathCodec::encode(name))))))
                 return false;
         }
         struct stat info;
@@ -80,22 +81,22 @@ private:
         }
     }
 
-    static std::optional<std::vector<size_t>> hashesIn(const QString &folder)
+    static std::optional<std::vector<quint32>> hashesIn(const QString &folder)
     {
         FileDescriptor descriptor(open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!descriptor.isOpen() || !comparesBytes(descriptor.get()))
             return std::nullopt;
         FolderEntries listing(std::move(descriptor));
-        std::vector<size_t> hashes;
+        std::vector<quint32> hashes;
         while (const dirent *entry = listing.next())
-            hashes.push_back(qHash(QByteArrayView(entry->d_name)));
+            hashes.push_back(quint32(qHash(QByteArrayView(entry->d_name))));
         if (!listing.isOpen() || listing.error() != 0)
             return std::nullopt;
         std::sort(hashes.begin(), hashes.end());
         return hashes;
     }
 
-    std::vector<std::optional<std::vector<size_t>>> m_hashes; // by folder index
+    std::vector<std::optional<std::vector<quint32>>> m_hashes; // by folder index
 };
 
 // Folders made absolute and free of links, each worked out once.
@@ -218,8 +219,8 @@ Request requestFor(const ItemRecord &row, const QString &newName)
 }
 
 // What a plan is made from: each row's request, asked once and in order as
-// the row is checked, and then its name and new name as often as the plan
-// needs them, kept by the rows themselves rather than copied per row.
+// the row is checked, and then its name, new name and file as often as the
+// plan needs them, kept by the rows themselves rather than copied per row.
 class PlanRows {
 public:
     virtual ~PlanRows() = default;
@@ -227,13 +228,17 @@ public:
     virtual Request request(size_t row) = 0;
     virtual const QString &name(size_t row) const = 0;
     virtual const QString &newName(size_t row) const = 0;
+    // The file the row's name led to when it was checked: as the request
+    // knew it, or as the check found it (`found`).
+    virtual const FileIdentity &identity(size_t row) const = 0;
+    virtual void found(size_t row, const FileIdentity &identity) = 0;
 };
 
 // A list of moves: each path is split into its folder and name as its row
 // is checked, and the names kept.
 class MovedRows final : public PlanRows {
 public:
-    explicit MovedRows(const std::vector<Move> &moves) : m_moves(moves), m_names(moves.size()) {}
+    explicit MovedRows(const std::vector<Move> &moves) : m_moves(moves), m_names(moves.size()), m_identities(moves.size()) {}
     size_t count() const override { return m_moves.size(); }
     Request request(size_t row) override
     {
@@ -243,10 +248,13 @@ public:
     }
     const QString &name(size_t row) const override { return m_names[row].first; }
     const QString &newName(size_t row) const override { return m_names[row].second; }
+    const FileIdentity &identity(size_t row) const override { return m_identities[row]; }
+    void found(size_t row, const FileIdentity &identity) override { m_identities[row] = identity; }
 
 private:
     const std::vector<Move> &m_moves;
     std::vector<std::pair<QString, QString>> m_names;
+    std::vector<FileIdentity> m_identities;
 };
 
 // A table's planned rows (indexes into it), with their composed names.
@@ -260,6 +268,18 @@ public:
     Request request(size_t row) override { return requestFor(m_rows[tableRow(row)], newName(row)); }
     const QString &name(size_t row) const override { return m_rows[tableRow(row)].name; }
     const QString &newName(size_t row) const override { return m_newNames[qsizetype(tableRow(row))]; }
+    // A listed row knows its file; one that was not found by the listing
+    // (no inode) is looked up by the check.
+    const FileIdentity &identity(size_t row) const override
+    {
+        const FileIdentity &listed = m_rows[tableRow(row)].identity;
+        return listed.inode != 0 ? listed : m_found.at(row);
+    }
+    void found(size_t row, const FileIdentity &identity) override
+    {
+        if (m_rows[tableRow(row)].identity.inode == 0)
+            m_found[row] = identity;
+    }
 
 private:
     size_t tableRow(size_t row) const { return size_t(m_planned[row]); }
@@ -267,33 +287,28 @@ private:
     const std::vector<ItemRecord> &m_rows;
     const QStringList &m_newNames;
     const std::vector<int> &m_planned;
-};
-
-// A row that will be renamed, as the plan works it out: its folder (an index
-// into the resolved folders; none once the row is refused) and its file.
-struct Candidate {
-    int folder = -1;
-    FileIdentity identity;
-
-    explicit operator bool() const { return folder >= 0; }
+    std::unordered_map<size_t, FileIdentity> m_found;
 };
 
 // Names in folders, one per row, found by their hash and then compared: a
-// sorted list of (hash, folder, row) holds a quarter of what a hash table
-// of the strings would, and rows that want one name sit side by side.
+// sorted list of (hash, row) holds a tenth of what a hash table of the
+// strings would, and rows that want one name sit side by side.
 class NameIndex {
 public:
     using NameOf = std::function<const QString &(int row)>;
+    using FolderOf = std::function<int(int row)>;
 
-    explicit NameIndex(NameOf nameOf) : m_nameOf(std::move(nameOf)) {}
+    NameIndex(NameOf nameOf, FolderOf folderOf) : m_nameOf(std::move(nameOf)), m_folderOf(std::move(folderOf)) {}
 
-    void add(int folder, int row) { m_entries.push_back({qHash(m_nameOf(row)), folder, row}); }
+    void add(int row) { m_entries.push_back({hashOf(m_nameOf(row)), row}); }
     void reserve(size_t count) { m_entries.reserve(count); }
     void sort()
     {
         std::sort(m_entries.begin(), m_entries.end(), [this](const Entry &a, const Entry &b) {
-            if (a.hash != b.hash || a.folder != b.folder)
-                return a.hash != b.hash ? a.hash < b.hash : a.folder < b.folder;
+            if (a.hash != b.hash)
+                return a.hash < b.hash;
+            if (const int folderA = m_folderOf(a.row), folderB = m_folderOf(b.row); folderA != folderB)
+                return folderA < folderB;
             const int byName = QtPrivate::compareStrings(m_nameOf(a.row), m_nameOf(b.row), Qt::CaseSensitive);
             return byName != 0 ? byName < 0 : a.row < b.row;
         });
@@ -303,15 +318,17 @@ public:
     // The rows whose name is `name` in `folder`, in row order.
     std::pair<size_t, size_t> find(int folder, const QString &name) const
     {
-        const size_t hash = qHash(name);
+        const quint32 hash = hashOf(name);
         const auto before = [&](const Entry &entry) {
-            if (entry.hash != hash || entry.folder != folder)
-                return entry.hash != hash ? entry.hash < hash : entry.folder < folder;
+            if (entry.hash != hash)
+                return entry.hash < hash;
+            if (const int held = m_folderOf(entry.row); held != folder)
+                return held < folder;
             return QtPrivate::compareStrings(m_nameOf(entry.row), name, Qt::CaseSensitive) < 0;
         };
         const auto first = std::partition_point(m_entries.begin(), m_entries.end(), before);
         auto last = first;
-        while (last != m_entries.end() && last->hash == hash && last->folder == folder && m_nameOf(last->row) == name)
+        while (last != m_entries.end() && sameName(*last, hash, folder, name))
             ++last;
         return {size_t(first - m_entries.begin()), size_t(last - m_entries.begin())};
     }
@@ -333,10 +350,9 @@ public:
     {
         for (size_t first = 0, last; first < m_entries.size(); first = last) {
             const Entry &entry = m_entries[first];
-            for (last = first + 1; last < m_entries.size() && m_entries[last].hash == entry.hash
-                                   && m_entries[last].folder == entry.folder
-                                   && m_nameOf(m_entries[last].row) == m_nameOf(entry.row);
-                 ++last) {
+            const int folder = m_folderOf(entry.row);
+            const QString &name = m_nameOf(entry.row);
+            for (last = first + 1; last < m_entries.size() && sameName(m_entries[last], entry.hash, folder, name); ++last) {
             }
             each(first, last);
         }
@@ -345,11 +361,17 @@ public:
 
 private:
     struct Entry {
-        size_t hash;
-        int folder;
+        quint32 hash;
         int row;
     };
+    static quint32 hashOf(const QString &name) { return quint32(qHash(name)); }
+    bool sameName(const Entry &entry, quint32 hash, int folder, const QString &name) const
+    {
+        return entry.hash == hash && m_folderOf(entry.row) == folder && m_nameOf(entry.row) == name;
+    }
+
     NameOf m_nameOf;
+    FolderOf m_folderOf;
     std::vector<Entry> m_entries;
     std::vector<char> m_gone; // by entry: taken out of the index
 };
@@ -361,7 +383,7 @@ public:
     void run(bool ordered)
     {
         const size_t count = m_rows.count();
-        m_candidates.resize(count);
+        m_folders.assign(count, -1);
         m_plan.outcomes.reserve(count);
         for (size_t row = 0; row < count; ++row)
             m_plan.outcomes.push_back(check(int(row)));
@@ -375,6 +397,7 @@ public:
     }
 
 private:
+    bool moves(size_t row) const { return m_plan.outcomes[row].status == Status::Renamed; }
     const QString &nameOf(int row) const { return m_rows.name(size_t(row)); }
     const QString &newNameOf(int row) const { return m_rows.newName(size_t(row)); }
 
@@ -410,7 +433,7 @@ private:
     Outcome check(int row)
     {
         const Request request = m_rows.request(size_t(row));
-        Outcome outcome{request.move ? std::make_shared<const Move>(*request.move) : nullptr, Status::Renamed, -1, {}, {}};
+        Outcome outcome{request.move ? Batch::HeldMove::of(*request.move) : Batch::HeldMove::Pointer(), Status::Renamed, -1, {}, {}};
         auto refuse = [&](Status status, const QString &reason) {
             outcome.status = status;
             outcome.reason = reason;
@@ -433,7 +456,8 @@ private:
             return refuse(Status::Failed, errno == ENOENT ? QStringLiteral("\"%1\" is no longer there").arg(request.path())
                                                           : QStringLiteral("\"%1\": %2").arg(request.path(), errnoText(errno)));
         outcome.warning = surprise(request.name, request.newName);
-        m_candidates[size_t(row)] = {*folder, *identity};
+        m_rows.found(size_t(row), *identity);
+        m_folders[size_t(row)] = *folder;
         return outcome;
     }
 
@@ -441,7 +465,6 @@ private:
     {
         m_plan.outcomes[size_t(row)].status = Status::Conflict;
         m_plan.outcomes[size_t(row)].reason = reason;
-        m_candidates[size_t(row)] = {};
     }
 
     // Two rows may not want one name, nor move one file (under one name or
@@ -449,11 +472,11 @@ private:
     // by it).
     void refuseDuplicates()
     {
-        NameIndex wanted([this](int row) -> const QString & { return newNameOf(row); });
-        wanted.reserve(m_candidates.size());
-        for (size_t row = 0; row < m_candidates.size(); ++row)
-            if (m_candidates[row])
-                wanted.add(m_candidates[row].folder, int(row));
+        NameIndex wanted([this](int row) -> const QString & { return newNameOf(row); }, m_folderOf);
+        wanted.reserve(m_folders.size());
+        for (size_t row = 0; row < m_folders.size(); ++row)
+            if (moves(row))
+                wanted.add(int(row));
         wanted.sort();
         std::vector<int> sharedNames;
         wanted.forEachRun([&](size_t first, size_t last) {
@@ -466,27 +489,32 @@ private:
             refuse(row, QStringLiteral("another row takes the same new name \"%1\"").arg(newNameOf(row)));
         // Every candidate's file was identified, so one name twice is one
         // identity twice. Of the rows left, the first to move a file keeps it.
+        // The rows that move, by their file and then in order; the device
+        // is looked up only for the rare rows whose inode numbers are equal.
         struct Owner {
-            quint64 device;
             quint64 inode;
             int row;
         };
+        const auto deviceOf = [this](const Owner &owner) { return m_rows.identity(size_t(owner.row)).device; };
         std::vector<Owner> owners;
-        owners.reserve(m_candidates.size());
-        for (size_t row = 0; row < m_candidates.size(); ++row)
-            if (const Candidate &candidate = m_candidates[row])
-                owners.push_back({candidate.identity.device, candidate.identity.inode, int(row)});
-        std::sort(owners.begin(), owners.end(), [](const Owner &a, const Owner &b) {
-            return std::tie(a.device, a.inode, a.row) < std::tie(b.device, b.inode, b.row);
+        owners.reserve(m_folders.size());
+        for (size_t row = 0; row < m_folders.size(); ++row)
+            if (moves(row))
+                owners.push_back({m_rows.identity(row).inode, int(row)});
+        std::sort(owners.begin(), owners.end(), [&](const Owner &a, const Owner &b) {
+            if (a.inode != b.inode)
+                return a.inode < b.inode;
+            const quint64 deviceA = deviceOf(a), deviceB = deviceOf(b);
+            return deviceA != deviceB ? deviceA < deviceB : a.row < b.row;
         });
         for (size_t i = 1, first = 0; i < owners.size(); ++i) {
-            if (owners[first].device != owners[i].device || owners[first].inode != owners[i].inode) {
+            if (owners[first].inode != owners[i].inode || deviceOf(owners[first]) != deviceOf(owners[i])) {
                 first = i;
                 continue;
             }
             const int earlier = owners[first].row;
             const int row = owners[i].row;
-            if (m_candidates[size_t(earlier)].folder == m_candidates[size_t(row)].folder && nameOf(earlier) == nameOf(row))
+            if (m_folders[size_t(earlier)] == m_folders[size_t(row)] && nameOf(earlier) == nameOf(row))
                 refuse(row, QStringLiteral("an earlier row moves the same file"));
             else
                 refuse(row, QStringLiteral("\"%1\" is another name of the file \"%2\", which an earlier row moves")
@@ -503,29 +531,28 @@ private:
         std::vector<int> uses(size_t(m_folderPaths.size()));
         // The rows that move as things stand now: a refused row's name
         // stays taken, and its entry is only marked gone.
-        NameIndex leaving([this](int row) -> const QString & { return nameOf(row); });
-        leaving.reserve(m_candidates.size());
-        for (size_t row = 0; row < m_candidates.size(); ++row)
-            if (const Candidate &candidate = m_candidates[row]) {
-                uses[size_t(candidate.folder)] += 2;
-                leaving.add(candidate.folder, int(row));
+        NameIndex leaving([this](int row) -> const QString & { return nameOf(row); }, m_folderOf);
+        leaving.reserve(m_folders.size());
+        for (size_t row = 0; row < m_folders.size(); ++row)
+            if (moves(row)) {
+                uses[size_t(m_folders[row])] += 2;
+                leaving.add(int(row));
             }
         leaving.sort();
         m_existing.readFoldersOf(m_folderPaths, uses);
         for (bool changed = true; changed;) {
             changed = false;
-            for (size_t row = 0; row < m_candidates.size(); ++row) {
-                const Candidate &candidate = m_candidates[row];
-                if (!candidate)
+            for (size_t row = 0; row < m_folders.size(); ++row) {
+                if (!moves(row))
                     continue;
+                const int folder = m_folders[row];
                 const QString &newName = newNameOf(int(row));
-                if (leaving.contains(candidate.folder, newName)
-                    || !m_existing.contains(candidate.folder, m_folderPaths[candidate.folder], newName))
+                if (leaving.contains(folder, newName) || !m_existing.contains(folder, m_folderPaths[folder], newName))
                     continue;
                 // The same file under another case, on a file system that ignores case.
-                if (FileIdentity::at(PathCodec::encode(pathOf(candidate.folder, newName))) == candidate.identity)
+                if (FileIdentity::at(PathCodec::encode(pathOf(folder, newName))) == m_rows.identity(row))
                     continue;
-                leaving.remove(candidate.folder, nameOf(int(row)));
+                leaving.remove(folder, nameOf(int(row)));
                 refuse(int(row), QStringLiteral("a file named \"%1\" is already there").arg(newName));
                 changed = true;
             }
@@ -555,15 +582,14 @@ private:
         for (const QString &folder : std::as_const(m_folderPaths))
             journal.folders.append(folder.isEmpty() ? QStringLiteral("/") : folder);
         QHash<int, std::vector<int>> itemsOfFolder;
-        journal.items.reserve(m_candidates.size());
-        journal.steps.reserve(m_candidates.size());
-        for (size_t row = 0; row < m_candidates.size(); ++row) {
-            const Candidate &candidate = m_candidates[row];
-            if (!candidate)
+        journal.items.reserve(m_folders.size());
+        journal.steps.reserve(m_folders.size());
+        for (size_t row = 0; row < m_folders.size(); ++row) {
+            if (!moves(row))
                 continue;
-            itemsOfFolder[candidate.folder].push_back(int(journal.items.size()));
+            itemsOfFolder[m_folders[row]].push_back(int(journal.items.size()));
             journal.items.push_back(
-                {int(row), candidate.folder, {nameOf(int(row)), newNameOf(int(row))}, candidate.identity, std::nullopt});
+                {int(row), m_folders[row], {nameOf(int(row)), newNameOf(int(row))}, m_rows.identity(row), std::nullopt});
         }
         std::vector<int> folders(itemsOfFolder.keyBegin(), itemsOfFolder.keyEnd());
         const auto depth = [this](int folder) {
@@ -636,7 +662,11 @@ private:
     QHash<QString, int> m_folderIndex;
     std::optional<QString> m_lastRaw;
     std::optional<Result<int>> m_lastAnswer;
-    std::vector<Candidate> m_candidates; // by row
+    // The resolved folder (an index into m_folderPaths) of each row that
+    // will be renamed, as the check found it; a refused row keeps it, as
+    // its name is still there.
+    std::vector<int> m_folders;
+    const NameIndex::FolderOf m_folderOf = [this](int row) { return m_folders[size_t(row)]; };
     QString m_token;
     int m_temporaries = 0;
 };
@@ -670,7 +700,7 @@ std::vector<int> plannedRows(const std::vector<ItemRecord> &rows, const QStringL
 Move Batch::TableRows::moveOf(const Outcome &outcome) const
 {
     if (outcome.row < 0 || !rows || !newNames || size_t(outcome.row) >= rows->size() || outcome.row >= newNames->size())
-        return outcome.move ? *outcome.move : Move();
+        return outcome.held ? outcome.held->move : Move();
     return BatchPlan::moveOf((*rows)[size_t(outcome.row)], (*newNames)[outcome.row]);
 }
 

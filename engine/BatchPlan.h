@@ -4,7 +4,7 @@
 #include "ItemRecord.h"
 
 #include <QString>
-#include <memory>
+#include <QExplicitlySharedDataPointer>
 #include <optional>
 #include <vector>
 
@@ -18,10 +18,18 @@ struct Move {
 
 enum class Status { Renamed, Unchanged, Conflict, Failed };
 
+// A move an outcome holds itself, shared by the outcome's copies.
+struct HeldMove : QSharedData {
+    using Pointer = QExplicitlySharedDataPointer<const HeldMove>;
+    explicit HeldMove(Move held) : move(std::move(held)) {}
+    static Pointer of(Move move) { return Pointer(new HeldMove(std::move(move))); }
+    Move move;
+};
+
 struct Outcome {
     // Planned from moves; none for a table's row, named by `row` (a hundred
     // thousand rows would hold two hundred thousand empty strings).
-    std::shared_ptr<const Move> move;
+    HeldMove::Pointer held;
     Status status = Status::Renamed;
     int row = -1;    // planned from a table: the table row it speaks of
     QString reason;  // why a row is a conflict or failed, naming the files

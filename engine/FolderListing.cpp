@@ -9,6 +9,7 @@
 
 #include <QSet>
 #include <climits>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -157,11 +158,13 @@ bool FolderListing::visible(const Scanned &item, const QByteArray &path, const Q
 }
 
 // A folder's visible items in the order the file system gives them, read
-// through one descriptor for the folder. Entries are taken in blocks, each
-// read by this thread and a helper (two system calls an item are most of a
-// listing's time, and making the item's record is most of the rest), then
-// handed on in order here.
-void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each)
+// through one descriptor for the folder. The names are read first, all of
+// them, into one buffer; then items are taken in blocks, each read by this
+// thread and a helper (two system calls an item are most of a listing's
+// time, and making the item's record is most of the rest), then handed on
+// in order here.
+void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each,
+                                   const Reading &reading)
 {
     const QString folder = PathNames::withoutTrailingSlashes(location);
     const QByteArray folderBytes = PathCodec::encode(folder);
@@ -172,42 +175,42 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
     const QSet<QString> hidden = HiddenItems::listedIn(folder);
     const QString shared = fullPath(folder, QString()); // one location for every row of the folder
     const QByteArray base = folderBytes == "/" ? folderBytes : folderBytes + '/';
+    QByteArray allNames; // each name followed by its NUL
+    std::vector<quint32> starts;
+    while (const dirent *entry = entries.next()) {
+        starts.push_back(quint32(allNames.size()));
+        allNames.append(entry->d_name, qsizetype(std::strlen(entry->d_name)) + 1);
+        if (reading && starts.size() % 4096 == 0)
+            reading(starts.size(), false);
+    }
+    if (reading)
+        reading(starts.size(), true);
     constexpr size_t block = 1024;
-    std::vector<QByteArray> names;
     std::vector<Scanned> items(block);
     std::vector<char> shown(block);
-    const auto readRange = [&](size_t from, size_t to) {
+    const auto readRange = [&](size_t first, size_t from, size_t to) {
         QByteArray path = base; // one buffer for every path of the range
         for (size_t i = from; i < to; ++i) {
+            const char *name = allNames.constData() + starts[first + i];
+            const QByteArray bytes = QByteArray::fromRawData(name, qsizetype(std::strlen(name)));
             path.truncate(base.size());
-            path += names[i];
-            items[i] = scanned(statusAt(descriptor, names[i].constData(), path), shared, PathCodec::decode(names[i]));
+            path += bytes;
+            items[i] = scanned(statusAt(descriptor, name, path), shared, PathCodec::decode(bytes));
             shown[i] = visible(items[i], path, hidden);
         }
     };
-    for (bool more = true; more;) {
-        names.clear();
-        while (names.size() < block) {
-            const dirent *entry = entries.next();
-            if (!entry) {
-                more = false;
-                break;
-            }
-            names.emplace_back(entry->d_name);
-        }
-        const size_t count = names.size();
+    for (size_t first = 0; first < starts.size(); first += block) {
+        const size_t count = std::min(block, starts.size() - first);
         if (count >= 64) {
-            std::thread helper(readRange, count / 2, count);
-            readRange(0, count / 2);
+            std::thread helper(readRange, first, count / 2, count);
+            readRange(first, 0, count / 2);
             helper.join();
         } else {
-            readRange(0, count);
+            readRange(first, 0, count);
         }
         for (size_t i = 0; i < count; ++i)
-            if (shown[i] && !each(items[i])) {
-                more = false;
-                break;
-            }
+            if (shown[i] && !each(items[i]))
+                return;
     }
 }
 
@@ -327,14 +330,30 @@ bool FolderListing::shouldStop(const ListingRequest &request)
 void FolderListing::addFolder(const ListingRequest &request, const Filters &filters, const QString &location, bool descend,
                               Listing &listing, bool &stopped)
 {
-    forEachVisible(location, [&](Scanned &item) {
-        if (shouldStop(request)) {
-            stopped = true;
-            return false;
+    const auto makeRoom = [&](size_t count, bool all) {
+        if (!all) {
+            if (keepResponsive)
+                keepResponsive();
+            return;
         }
-        addItem(request, filters, item, descend, listing);
-        return true;
-    });
+        // Exactly the folder's room when it is the first; else growing by
+        // half at least, so a tree of many small folders is not copied for
+        // each.
+        std::vector<ItemRecord> &items = listing.items;
+        if (items.size() + count > items.capacity())
+            items.reserve(std::max(items.size() + count, items.capacity() + items.capacity() / 2));
+    };
+    forEachVisible(
+        location,
+        [&](Scanned &item) {
+            if (shouldStop(request)) {
+                stopped = true;
+                return false;
+            }
+            addItem(request, filters, item, descend, listing);
+            return true;
+        },
+        makeRoom);
 }
 
 void FolderListing::addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend,

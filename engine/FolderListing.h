@@ -96,8 +96,12 @@ private:
     static Scanned scanPath(const QString &path);
     static bool visible(const Scanned &item, const QByteArray &path, const QSet<QString> &hidden);
     // Calls `each` with every visible item of a folder, until it answers
-    // false.
-    static void forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each);
+    // false. The folder's names are read first: `reading` is told how many
+    // so far, every few thousand, and then how many in all (`all`, an upper
+    // bound of the items), so a table can make room for them at once.
+    using Reading = std::function<void(size_t names, bool all)>;
+    static void forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each,
+                               const Reading &reading = {});
     ItemRecord fileRecord(const Scanned &item, bool include) const;
     ItemRecord folderRecord(const Scanned &item) const;
     bool shouldStop(const ListingRequest &request);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DateTokens.h"
+#include "DuplicateList.h"
 #include "MetadataTokens.h"
 #include "RenameRule.h"
 
@@ -21,84 +22,6 @@ struct CompositionRequest {
     QDateTime prefixDate;  // invalid for none
     QDateTime suffixDate;
     const Metadata::Values *values = nullptr; // what the item's file says, for «camera» and the like
-};
-
-// New names given out in the current pass, each with its folder, in order,
-// with a set beside the list so that each check is one lookup, not a scan.
-// Folder and name are kept apart: both are strings the pass holds anyway.
-class DuplicateList {
-public:
-    void append(const QString &location, const QString &name) { add(entryOf(location, name)); }
-    bool contains(const QString &location, const QString &name) const { return m_set.contains(entryOf(location, name)); }
-    // Appends the name unless it is there already; answers whether it was added.
-    bool appendNew(const QString &location, const QString &name)
-    {
-        Entry entry = entryOf(location, name);
-        const qsizetype before = m_set.size();
-        m_set.insert(entry);
-        if (m_set.size() == before)
-            return false;
-        m_list.push_back(std::move(entry));
-        return true;
-    }
-    void clear()
-    {
-        m_list.clear();
-        m_set.clear();
-    }
-    // The full paths, in the order they were given out.
-    QStringList toList() const
-    {
-        QStringList paths;
-        for (const Entry &entry : m_list)
-            paths.append(entry.location + entry.name);
-        return paths;
-    }
-    void reserve(qsizetype size)
-    {
-        m_list.reserve(size_t(size));
-        m_set.reserve(size);
-    }
-
-private:
-    static QString exactly(QStringView name, QStringView extension);
-    struct Entry {
-        QString location;
-        QString name;
-        size_t locationHash = 0; // the location's: most rows share one, so it is worked out once
-        bool operator==(const Entry &other) const { return name == other.name && location == other.location; }
-        friend size_t qHash(const Entry &entry, size_t seed = 0) { return qHashMulti(seed, entry.locationHash, entry.name); }
-    };
-
-    void add(Entry entry)
-    {
-        m_set.insert(entry);
-        m_list.push_back(std::move(entry));
-    }
-    // Two entries are equal exactly when their full paths are: each is
-    // split after the path's last "/" (as it already is in a listing's rows).
-    Entry entryOf(const QString &location, const QString &name) const
-    {
-        if (location.endsWith(u'/') && !name.contains(u'/'))
-            return {location, name, locationHash(location)};
-        const QString path = location + name;
-        const qsizetype slash = path.lastIndexOf(u'/');
-        const QString folder = path.left(slash + 1);
-        return {folder, path.mid(slash + 1), locationHash(folder)};
-    }
-    size_t locationHash(const QString &location) const
-    {
-        if (location.constData() != m_lastLocation.constData() || location.size() != m_lastLocation.size()) {
-            m_lastLocation = location;
-            m_lastLocationHash = qHash(location);
-        }
-        return m_lastLocationHash;
-    }
-
-    std::vector<Entry> m_list;
-    QSet<Entry> m_set;
-    mutable QString m_lastLocation; // held, so its characters stay where they are
-    mutable size_t m_lastLocationHash = 0;
 };
 
 // Turns an item's current name into its new name by the rename rule:

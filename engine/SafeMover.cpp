@@ -26,12 +26,12 @@ std::vector<Outcome> itemOutcomes(const BatchJournal &journal, BatchRunner &runn
     std::vector<Outcome> outcomes;
     for (size_t item = 0; item < journal.items.size(); ++item) {
         const BatchJournal::Item &entry = journal.items[item];
-        const auto move = std::make_shared<const Move>(Move{journal.pathOf(entry, 0), journal.pathOf(entry, entry.last())});
-        Outcome outcome{move, Status::Renamed, -1, {}, {}};
+        const Move move{journal.pathOf(entry, 0), journal.pathOf(entry, entry.last())};
+        Outcome outcome{Batch::HeldMove::of(move), Status::Renamed, -1, {}, {}};
         const int at = result.positions[item];
         if (at == BatchRunner::NotFound) {
             outcome.status = Status::Failed;
-            outcome.reason = changedReason(runner.pathNow(int(item), entry.last()), move->from);
+            outcome.reason = changedReason(runner.pathNow(int(item), entry.last()), move.from);
         } else if (at != entry.last()) {
             outcome.status = Status::Failed;
             outcome.reason = result.problems[item].isEmpty() ? QStringLiteral("not renamed yet") : result.problems[item];
@@ -60,9 +60,8 @@ MovesBack movesBack(BatchJournal &journal)
     for (size_t item = 0; item < journal.items.size(); ++item) {
         const int at = back.positions[item];
         if (at == BatchRunner::NotFound) {
-            const auto move = std::make_shared<const Move>(
-                Move{located.pathNow(int(item), journal.items[item].last()), located.pathNow(int(item), 0)});
-            back.changed.push_back({move, Status::Failed, -1, changedReason(move->from, move->to), {}});
+            const Move move{located.pathNow(int(item), journal.items[item].last()), located.pathNow(int(item), 0)};
+            back.changed.push_back({Batch::HeldMove::of(move), Status::Failed, -1, changedReason(move.from, move.to), {}});
         } else if (at > 0) {
             back.moves.push_back({located.pathNow(int(item), at), located.pathNow(int(item), 0)});
             back.items.push_back(int(item));

@@ -4,6 +4,7 @@
 #include "TestPrinting.h"
 
 #include <QProcess>
+#include <QSet>
 
 #include <gtest/gtest.h>
 
@@ -119,6 +120,44 @@ TEST(Composer, CountersAndTheDuplicateListAfterAPass)
     EXPECT_EQ(composer.suffixCounter, 1);
     EXPECT_EQ(composer.duplicate_check_list.toList(), QStringList({"/f/a.jpg", "/f/a 1.jpg"}))
         << "a pass without numbering leaves the list alone";
+}
+
+// The list against a plain model (full paths in a list and a set), over
+// thousands of names in a few folders, so its index grows many times; a
+// folder given without its "/" or a name holding one is the same path.
+TEST(Composer, TheDuplicateListAnswersAsAListOfFullPathsWould)
+{
+    DuplicateList list;
+    QStringList given;
+    QSet<QString> held;
+    const QStringList folders = {"/a/", "/a/b/", "/c/", "/"};
+    for (int i = 0; i < 5000; ++i) {
+        const QString folder = folders[(i * 7) % folders.size()];
+        const QString name = QStringLiteral("n%1.jpg").arg((i * 13) % 1700);
+        const QString path = folder + name;
+        // Asked three ways that name one path: as split, without the
+        // folder's "/", and with part of the folder in the name.
+        const qsizetype cut = path.lastIndexOf(u'/', -2 - name.size());
+        ASSERT_EQ(list.contains(folder, name), held.contains(path)) << path.toStdString();
+        if (folder.size() > 1) {
+            ASSERT_EQ(list.contains(folder.chopped(1), u'/' + name), held.contains(path)) << path.toStdString();
+        }
+        ASSERT_EQ(list.contains(path.left(cut + 1), path.mid(cut + 1)), held.contains(path)) << path.toStdString();
+        if (i % 5 == 0) {
+            list.append(folder, name); // given out again or not, it is listed
+            given.append(path);
+            held.insert(path);
+        } else {
+            ASSERT_EQ(list.appendNew(folder, name), !held.contains(path)) << path.toStdString();
+            if (!held.contains(path))
+                given.append(path);
+            held.insert(path);
+        }
+    }
+    EXPECT_EQ(list.toList(), given);
+    list.clear();
+    EXPECT_FALSE(list.contains("/a/", "n0.jpg"));
+    EXPECT_TRUE(list.appendNew("/a/", "n0.jpg")) << "a cleared list starts again";
 }
 
 TEST(Composer, PaddingFollowsTheControlNotItsCheckBox)
