@@ -46,8 +46,10 @@ int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applie
 {
     int conflicts = 0;
     int failures = 0;
-    // Written in blocks: a hundred thousand rows are a hundred thousand lines.
+    // Written in blocks: a hundred thousand rows are a hundred thousand lines,
+    // each made in one buffer.
     QByteArray out;
+    QString line;
     const auto flush = [&out] {
         std::fwrite(out.constData(), 1, size_t(out.size()), stdout);
         out.clear();
@@ -58,10 +60,10 @@ int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applie
         const SafeMover::Outcome &outcome = outcomes[i];
         conflicts += outcome.status == SafeMover::Status::Conflict;
         failures += outcome.status == SafeMover::Status::Failed;
-        const SafeMover::Move move = table.moveOf(outcome);
         const QLatin1String status(statusName(outcome.status, applied));
-        QString line;
+        line.resize(0);
         if (json) {
+            const SafeMover::Move move = table.moveOf(outcome);
             line = (i ? QStringLiteral(",\n  {\"from\": ") : QStringLiteral("\n  {\"from\": ")) + JsonString::quoted(move.from)
                    + QStringLiteral(", \"to\": ") + JsonString::quoted(move.to) + QStringLiteral(", \"status\": \"") + status
                    + QStringLiteral("\", \"reason\": ") + JsonString::quoted(outcome.reason);
@@ -69,7 +71,21 @@ int rows(const std::vector<SafeMover::Outcome> &outcomes, bool json, bool applie
                 line += QStringLiteral(", \"warning\": ") + JsonString::quoted(outcome.warning);
             line += u'}';
         } else {
-            line = QString(status).leftJustified(9) + QStringLiteral("  ") + move.from + QStringLiteral(" -> ") + newName(move);
+            line += status;
+            for (qsizetype width = status.size(); width < 9; ++width)
+                line += u' ';
+            line += QLatin1String("  ");
+            if (const ItemRecord *row = table.rowOf(outcome)) {
+                line += row->location;
+                line += row->name;
+                line += QLatin1String(" -> ");
+                line += (*table.newNames)[outcome.row];
+            } else {
+                const SafeMover::Move move = table.moveOf(outcome);
+                line += move.from;
+                line += QLatin1String(" -> ");
+                line += newName(move);
+            }
             if (!outcome.reason.isEmpty())
                 line += QStringLiteral("  (") + outcome.reason + u')';
             if (!outcome.warning.isEmpty())

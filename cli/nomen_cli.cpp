@@ -75,6 +75,7 @@ void sortRows(std::vector<ItemRecord> &rows, const QString &order)
 struct Table {
     std::vector<ItemRecord> rows;
     Composed composed;
+    SeenFolders seen; // the names the listing saw, so the plan need not read its folders again
 
     Batch::TableRows rowsOfOutcomes() const { return {&rows, &composed.names}; }
 };
@@ -95,7 +96,9 @@ Table compose(const QCommandLineParser &options, const RenameRule &rule, const Q
         request.longNames = rule.longNames;
         request.extensions = rule.extensions;
         request.typeCodes = rule.types;
+        request.keepsNames = true;
         Listing listing = engine.listing().list(request);
+        std::move(listing.seen.begin(), listing.seen.end(), std::back_inserter(table.seen));
         if (rows.empty())
             rows = std::move(listing.items);
         else
@@ -278,11 +281,11 @@ int main(int argc, char **argv)
     try {
         const Table table = compose(options, rule, roots);
         if (!apply)
-            endNow(CliReport::rows(withComposingNotes(SafeMover::plan(table.rows, table.composed.names), table), json, false,
-                                   table.rowsOfOutcomes()));
+            endNow(CliReport::rows(withComposingNotes(SafeMover::plan(table.rows, table.composed.names, &table.seen), table),
+                                   json, false, table.rowsOfOutcomes()));
         const StopBetweenMoves stop;
         const CliReport::ProgressBar bar(mover);
-        SafeMover::Report report = mover.apply(table.rows, table.composed.names);
+        SafeMover::Report report = mover.apply(table.rows, table.composed.names, &table.seen);
         report.outcomes = withComposingNotes(std::move(report.outcomes), table);
         return CliReport::report(report, json, table.rowsOfOutcomes());
     } catch (const NamedException &failure) {

@@ -18,6 +18,7 @@
 #include <linux/fs.h>
 #include <linux/magic.h>
 #include <functional>
+#include <deque>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -37,16 +38,17 @@ namespace {
 // call per name, each walking the whole path again), and kept as sorted
 // hashes of their bytes; a name whose hash is there is looked up to be
 // sure. Only on file systems that compare names byte for byte; elsewhere
-// each name is looked up.
+// each name is looked up. A folder a listing has just read (`seen`) is not
+// read again.
 class ExistingItems {
 public:
     // `uses` counts the look-ups each folder (by index) will have.
-    void readFoldersOf(const QStringList &folders, const std::vector<int> &uses)
+    void readFoldersOf(const QStringList &folders, const std::vector<int> &uses, const SeenFolders *seen)
     {
         m_hashes.resize(uses.size());
         for (size_t folder = 0; folder < uses.size(); ++folder)
-            if (uses[folder] >= 64)
-                m_hashes[folder] = hashesIn(folders[qsizetype(folder)]);
+            if (uses[folder] >= int(SeenFolder::fewest))
+                m_hashes[folder] = hashesIn(folders[qsizetype(folder)], seen);
     }
 
     bool contains(int folder, const QString &path, const QString &name) const
@@ -54,7 +56,7 @@ public:
         // Most names are not there: the whole path is made only to be sure.
         if (size_t(folder) < m_hashes.size() && m_hashes[size_t(folder)]) {
             const std::vector<quint32> &hashes = *m_hashes[size_t(folder)];
-            if (!std::binary_search(hashes.cbegin(), hashes.cend(), quint32(qHash(QByteArrayView(PathCodec::encode(name))))))
+            if (!std::binary_search(hashes.cbegin(), hashes.cend(), SeenFolder::hashOf(PathCodec::encode(name))))
                 return false;
         }
         struct stat info;
@@ -81,22 +83,30 @@ private:
         }
     }
 
-    static std::optional<std::vector<quint32>> hashesIn(const QString &folder)
+    const std::vector<quint32> *hashesIn(const QString &folder, const SeenFolders *seen)
     {
         FileDescriptor descriptor(open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!descriptor.isOpen() || !comparesBytes(descriptor.get()))
-            return std::nullopt;
+            return nullptr;
+        struct statx status;
+        if (seen && statx(descriptor.get(), "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &status) == 0) {
+            const FileIdentity identity = FileIdentity::of(status);
+            for (const SeenFolder &listed : *seen)
+                if (listed.folder.isSameFile(identity))
+                    return &listed.nameHashes;
+        }
         FolderEntries listing(std::move(descriptor));
         std::vector<quint32> hashes;
         while (const dirent *entry = listing.next())
-            hashes.push_back(quint32(qHash(QByteArrayView(entry->d_name))));
+            hashes.push_back(SeenFolder::hashOf(entry->d_name));
         if (!listing.isOpen() || listing.error() != 0)
-            return std::nullopt;
+            return nullptr;
         std::sort(hashes.begin(), hashes.end());
-        return hashes;
+        return &m_read.emplace_back(std::move(hashes));
     }
 
-    std::vector<std::optional<std::vector<quint32>>> m_hashes; // by folder index
+    std::vector<const std::vector<quint32> *> m_hashes; // by folder index; none where each name is looked up
+    std::deque<std::vector<quint32>> m_read;             // the folders read here
 };
 
 // Folders made absolute and free of links, each worked out once.
@@ -378,7 +388,7 @@ private:
 
 class Planner {
 public:
-    Planner(PlanRows &rows, BatchPlan &plan) : m_rows(rows), m_plan(plan) {}
+    Planner(PlanRows &rows, BatchPlan &plan, const SeenFolders *seen = nullptr) : m_rows(rows), m_plan(plan), m_seen(seen) {}
 
     void run(bool ordered)
     {
@@ -539,7 +549,7 @@ private:
                 leaving.add(int(row));
             }
         leaving.sort();
-        m_existing.readFoldersOf(m_folderPaths, uses);
+        m_existing.readFoldersOf(m_folderPaths, uses, m_seen);
         for (bool changed = true; changed;) {
             changed = false;
             for (size_t row = 0; row < m_folders.size(); ++row) {
@@ -656,6 +666,7 @@ private:
 
     PlanRows &m_rows;
     BatchPlan &m_plan;
+    const SeenFolders *m_seen;
     FolderResolver m_resolver;
     ExistingItems m_existing;
     QStringList m_folderPaths;          // resolved; "" for the root
@@ -697,11 +708,18 @@ std::vector<int> plannedRows(const std::vector<ItemRecord> &rows, const QStringL
 
 } // namespace
 
-Move Batch::TableRows::moveOf(const Outcome &outcome) const
+const ItemRecord *Batch::TableRows::rowOf(const Outcome &outcome) const
 {
     if (outcome.row < 0 || !rows || !newNames || size_t(outcome.row) >= rows->size() || outcome.row >= newNames->size())
-        return outcome.held ? outcome.held->move : Move();
-    return BatchPlan::moveOf((*rows)[size_t(outcome.row)], (*newNames)[outcome.row]);
+        return nullptr;
+    return &(*rows)[size_t(outcome.row)];
+}
+
+Move Batch::TableRows::moveOf(const Outcome &outcome) const
+{
+    if (const ItemRecord *row = rowOf(outcome))
+        return BatchPlan::moveOf(*row, (*newNames)[outcome.row]);
+    return outcome.held ? outcome.held->move : Move();
 }
 
 std::vector<BatchPlan::RowMove> BatchPlan::movesOf(const std::vector<ItemRecord> &rows, const QStringList &newNames)
@@ -712,13 +730,14 @@ std::vector<BatchPlan::RowMove> BatchPlan::movesOf(const std::vector<ItemRecord>
     return moves;
 }
 
-BatchPlan BatchPlan::make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind, bool ordered)
+BatchPlan BatchPlan::make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind, bool ordered,
+                          const SeenFolders *seen)
 {
     BatchPlan plan;
     plan.rows = plannedRows(rows, newNames);
     plan.journal.kind = kind;
     TableRowsPlanned planned(rows, newNames, plan.rows);
-    Planner(planned, plan).run(ordered);
+    Planner(planned, plan, seen).run(ordered);
     for (size_t i = 0; i < plan.outcomes.size(); ++i)
         plan.outcomes[i].row = plan.rows[i];
     return plan;

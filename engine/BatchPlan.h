@@ -2,6 +2,7 @@
 
 #include "BatchJournal.h"
 #include "ItemRecord.h"
+#include "SeenFolder.h"
 
 #include <QString>
 #include <QExplicitlySharedDataPointer>
@@ -45,6 +46,9 @@ struct TableRows {
 
     // The outcome's own move, or its row's path and new one.
     Move moveOf(const Outcome &outcome) const;
+    // The row an outcome speaks of (its new name at the same index), or
+    // none for an outcome that holds its move.
+    const ItemRecord *rowOf(const Outcome &outcome) const;
 };
 
 } // namespace Batch
@@ -67,9 +71,10 @@ struct BatchPlan {
     static BatchPlan make(const std::vector<Batch::Move> &moves, BatchJournal::Kind kind, bool ordered = true);
     // A table's included rows, each to take its new name, planned from the
     // rows' own strings and identities; each outcome names its row and
-    // holds no move (Batch::TableRows tells it).
+    // holds no move (Batch::TableRows tells it). `seen`: the names the
+    // rows' listing saw, when it was made just before.
     static BatchPlan make(const std::vector<ItemRecord> &rows, const QStringList &newNames, BatchJournal::Kind kind,
-                          bool ordered = true);
+                          bool ordered = true, const SeenFolders *seen = nullptr);
 
     // The moves that give a table's included rows their new names, one per
     // included row in row order, each with its row: the one way rows

@@ -164,7 +164,7 @@ bool FolderListing::visible(const Scanned &item, const QByteArray &path, const Q
 // time, and making the item's record is most of the rest), then handed on
 // in order here.
 void FolderListing::forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each,
-                                   const Reading &reading)
+                                   const Reading &reading, SeenFolder *seen)
 {
     const QString folder = PathNames::withoutTrailingSlashes(location);
     const QByteArray folderBytes = PathCodec::encode(folder);
@@ -185,6 +185,16 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
     }
     if (reading)
         reading(starts.size(), true);
+    if (seen && starts.size() >= SeenFolder::fewest) {
+        struct statx folderStatus;
+        if (statx(descriptor, "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &folderStatus) == 0) {
+            seen->folder = FileIdentity::of(folderStatus);
+            seen->nameHashes.reserve(starts.size());
+            for (const quint32 start : starts)
+                seen->nameHashes.push_back(SeenFolder::hashOf(QByteArrayView(allNames.constData() + start)));
+            std::sort(seen->nameHashes.begin(), seen->nameHashes.end());
+        }
+    }
     constexpr size_t block = 1024;
     std::vector<Scanned> items(block);
     std::vector<char> shown(block);
@@ -267,7 +277,7 @@ void FolderListing::takeMetadata(const ListingRequest &request, Listing &listing
         paths[i] = PathCodec::encode(listing.items[files[i]].path());
     auto found = MetadataReads::readEach(paths, metadata, readMetadata, [&] { return !shouldStop(request); });
     if (!found) {
-        listing = Listing{{}, true, {}};
+        listing = Listing{{}, true, {}, {}};
         return;
     }
     for (size_t i = 0; i < files.size(); ++i)
@@ -311,7 +321,7 @@ Listing FolderListing::list(const ListingRequest &request)
     if (listing.items.capacity() - listing.items.size() > listing.items.size() / 8)
         listing.items.shrink_to_fit();
     if (stopped)
-        listing = Listing{{}, true, {}};
+        listing = Listing{{}, true, {}, {}};
     else if (readMetadata && !metadata.isEmpty())
         takeMetadata(request, listing);
     return listing;
@@ -343,6 +353,7 @@ void FolderListing::addFolder(const ListingRequest &request, const Filters &filt
         if (items.size() + count > items.capacity())
             items.reserve(std::max(items.size() + count, items.capacity() + items.capacity() / 2));
     };
+    SeenFolder seen;
     forEachVisible(
         location,
         [&](Scanned &item) {
@@ -353,7 +364,9 @@ void FolderListing::addFolder(const ListingRequest &request, const Filters &filt
             addItem(request, filters, item, descend, listing);
             return true;
         },
-        makeRoom);
+        makeRoom, request.keepsNames ? &seen : nullptr);
+    if (!seen.nameHashes.empty())
+        listing.seen.push_back(std::move(seen));
 }
 
 void FolderListing::addItem(const ListingRequest &request, const Filters &filters, const Scanned &item, bool descend,

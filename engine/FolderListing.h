@@ -4,6 +4,7 @@
 #include "MetadataValues.h"
 #include "FileStatus.h"
 #include "ItemRecord.h"
+#include "SeenFolder.h"
 
 #include <QSet>
 #include <QStringList>
@@ -23,6 +24,7 @@ struct ListingRequest {
     bool listUnmatched = false;
     bool honourStop = false;
     QString root;
+    bool keepsNames = false; // each folder's names, for a plan made at once (Listing::seen)
 };
 
 // What a listing found: the rows in the order found, each folder's entries
@@ -31,6 +33,7 @@ struct Listing {
     std::vector<ItemRecord> items;
     bool stopped = false;              // a stop at the top level: nothing to show
     std::vector<size_t> stoppedInside; // where a subfolder's listing was stopped, as positions in items
+    SeenFolders seen;                  // asked for by keepsNames: the large folders' names
 };
 
 // Turns folders and files into the rows of the file table, dates clamped to
@@ -99,9 +102,10 @@ private:
     // false. The folder's names are read first: `reading` is told how many
     // so far, every few thousand, and then how many in all (`all`, an upper
     // bound of the items), so a table can make room for them at once.
+    // `seen`, when given, gets the folder's names (of a folder of many).
     using Reading = std::function<void(size_t names, bool all)>;
     static void forEachVisible(const QString &location, const std::function<bool(Scanned &)> &each,
-                               const Reading &reading = {});
+                               const Reading &reading = {}, SeenFolder *seen = nullptr);
     ItemRecord fileRecord(const Scanned &item, bool include) const;
     ItemRecord folderRecord(const Scanned &item) const;
     bool shouldStop(const ListingRequest &request);

@@ -156,9 +156,9 @@ std::optional<SafeMover::Report> SafeMover::pendingRefusal() const
                   false, {}};
 }
 
-std::vector<Outcome> SafeMover::plan(const std::vector<ItemRecord> &rows, const QStringList &newNames)
+std::vector<Outcome> SafeMover::plan(const std::vector<ItemRecord> &rows, const QStringList &newNames, const SeenFolders *seen)
 {
-    return BatchPlan::make(rows, newNames, BatchJournal::Kind::Apply, false).outcomes;
+    return BatchPlan::make(rows, newNames, BatchJournal::Kind::Apply, false, seen).outcomes;
 }
 
 SafeMover::Report SafeMover::apply(const std::vector<Move> &moves)
@@ -166,9 +166,9 @@ SafeMover::Report SafeMover::apply(const std::vector<Move> &moves)
     return applyPlanned([&moves] { return BatchPlan::make(moves, BatchJournal::Kind::Apply); });
 }
 
-SafeMover::Report SafeMover::apply(const std::vector<ItemRecord> &rows, const QStringList &newNames)
+SafeMover::Report SafeMover::apply(const std::vector<ItemRecord> &rows, const QStringList &newNames, const SeenFolders *seen)
 {
-    return applyPlanned([&] { return BatchPlan::make(rows, newNames, BatchJournal::Kind::Apply); });
+    return applyPlanned([&] { return BatchPlan::make(rows, newNames, BatchJournal::Kind::Apply, true, seen); });
 }
 
 // Planned only under the lock, and only when no batch cut short waits.

@@ -57,9 +57,11 @@ public:
     static std::vector<Outcome> plan(const std::vector<Move> &moves);
     Report apply(const std::vector<Move> &moves);
     // The same for a table's included rows and their new names, one outcome
-    // per included row in order (its move left empty).
-    static std::vector<Outcome> plan(const std::vector<ItemRecord> &rows, const QStringList &newNames);
-    Report apply(const std::vector<ItemRecord> &rows, const QStringList &newNames);
+    // per included row in order (its move left empty). `seen`: the names
+    // the rows' listing saw, when it was made just before.
+    static std::vector<Outcome> plan(const std::vector<ItemRecord> &rows, const QStringList &newNames,
+                                     const SeenFolders *seen = nullptr);
+    Report apply(const std::vector<ItemRecord> &rows, const QStringList &newNames, const SeenFolders *seen = nullptr);
     // Puts the most recent batch of the history back.
     Report undoLast();
 

@@ -1,10 +1,12 @@
 #include "BatchObserver.h"
 #include "FileMoves.h"
 #include "FileTree.h"
+#include "RenameEngine.h"
 #include "SafeMover.h"
 #include "TestPrinting.h"
 
 #include <QDir>
+#include <algorithm>
 #include "TemporaryFolder.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -142,6 +144,50 @@ TEST_F(SafeMoves, ManyMovesInOneFolderFindTheSameConflicts)
     EXPECT_EQ(tree.read("g99"), "99");
     ASSERT_EQ(reported.size(), 99u);
     EXPECT_EQ(reported.back(), 99u);
+}
+
+// A table planned with the names its listing saw finds what a plan that
+// reads the folder itself finds, names that are not UTF-8 included; a name
+// that appears after the listing is not seen, and the move still refuses
+// to replace it.
+TEST_F(SafeMoves, APlanFromTheListingsNamesFindsWhatTheFolderHolds)
+{
+    const QString latin = PathCodec::decode("\xe9"); // a byte that is not UTF-8
+    for (int i = 0; i < 100; ++i)
+        ASSERT_TRUE(tree.make(QStringLiteral("f%1").arg(i), QByteArray::number(i)));
+    ASSERT_TRUE(tree.makeAll({"f" + latin, "g" + latin, "g7"}));
+    RenameEngine engine;
+    ListingRequest request;
+    request.paths = {tree.root()};
+    request.root = tree.root();
+    request.keepsNames = true;
+    const Listing listing = engine.listing().list(request);
+    ASSERT_EQ(listing.seen.size(), 1u);
+    QStringList newNames;
+    for (const ItemRecord &row : listing.items)
+        newNames.append(row.name.startsWith(u'f') ? u'g' + row.name.mid(1) : row.name);
+    const auto reasons = [](const std::vector<SafeMover::Outcome> &outcomes) {
+        QStringList list;
+        for (const auto &outcome : outcomes)
+            list.append(outcome.reason);
+        return list;
+    };
+    const QStringList read = reasons(SafeMover::plan(listing.items, newNames));
+    EXPECT_EQ(reasons(SafeMover::plan(listing.items, newNames, &listing.seen)), read);
+    EXPECT_EQ(read.size(), 103);
+    EXPECT_EQ(read.count(QStringLiteral("a file named \"g7\" is already there")), 1);
+    EXPECT_EQ(read.count(QStringLiteral("a file named \"g%1\" is already there").arg(latin)), 1);
+
+    ASSERT_TRUE(tree.make("g5", "a newcomer"));
+    const auto outcomes = mover.apply(listing.items, newNames, &listing.seen).outcomes;
+    const auto g5 = std::find_if(outcomes.cbegin(), outcomes.cend(), [&](const SafeMover::Outcome &outcome) {
+        return listing.items[size_t(outcome.row)].name == QLatin1String("f5");
+    });
+    ASSERT_NE(g5, outcomes.cend());
+    EXPECT_EQ(g5->status, S::Failed) << "planned as free from what the listing saw, refused by the move";
+    EXPECT_EQ(tree.read("g5"), "a newcomer");
+    EXPECT_EQ(tree.read("f5"), "5");
+    EXPECT_EQ(tree.read("g6"), "6");
 }
 
 TEST_F(SafeMoves, AFailedMoveLeavesItsFileNamesItAndTheRestGoesOn)
