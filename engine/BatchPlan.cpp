@@ -1,113 +1,25 @@
 #include "BatchPlan.h"
 #include "ErrnoText.h"
-#include "OpenFiles.h"
-
+#include "ExistingItems.h"
+#include "NameIndex.h"
 #include "PathCodec.h"
 #include "PathNames.h"
 #include "Result.h"
 
-#include <algorithm>
 #include <QHash>
 #include <QRandomGenerator>
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
-#include <dirent.h>
-#include <fcntl.h>
-#include <linux/fs.h>
-#include <linux/magic.h>
-#include <functional>
-#include <deque>
-#include <map>
-#include <tuple>
-#include <unordered_map>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
-#include <unistd.h>
+#include <unordered_map>
 
 using Batch::Move;
 using Batch::Outcome;
 using Batch::Status;
 
 namespace {
-
-// Whether names exist, for a plan: the names of a folder that many moves
-// touch are read once (one pass over the folder instead of a file status
-// call per name, each walking the whole path again), and kept as sorted
-// hashes of their bytes; a name whose hash is there is looked up to be
-// sure. Only on file systems that compare names byte for byte; elsewhere
-// each name is looked up. A folder a listing has just read (`seen`) is not
-// read again.
-class ExistingItems {
-public:
-    // `uses` counts the look-ups each folder (by index) will have.
-    void readFoldersOf(const QStringList &folders, const std::vector<int> &uses, const SeenFolders *seen)
-    {
-        m_hashes.resize(uses.size());
-        for (size_t folder = 0; folder < uses.size(); ++folder)
-            if (uses[folder] >= int(SeenFolder::fewest))
-                m_hashes[folder] = hashesIn(folders[qsizetype(folder)], seen);
-    }
-
-    bool contains(int folder, const QString &path, const QString &name) const
-    {
-        // Most names are not there: the whole path is made only to be sure.
-        if (size_t(folder) < m_hashes.size() && m_hashes[size_t(folder)]) {
-            const std::vector<quint32> &hashes = *m_hashes[size_t(folder)];
-            if (!std::binary_search(hashes.cbegin(), hashes.cend(), SeenFolder::hashOf(PathCodec::encode(name))))
-                return false;
-        }
-        struct stat info;
-        return lstat(PathCodec::encode(PathNames::joined(path, name)).constData(), &info) == 0;
-    }
-
-private:
-    static bool comparesBytes(int folder)
-    {
-        struct statfs system;
-        if (fstatfs(folder, &system) != 0)
-            return false;
-        switch (system.f_type) {
-        case EXT4_SUPER_MAGIC: // also ext2 and ext3
-        case XFS_SUPER_MAGIC:
-        case BTRFS_SUPER_MAGIC:
-        case TMPFS_MAGIC: {
-            // ext4 and tmpfs can fold case in single folders.
-            long flags = 0;
-            return ioctl(folder, FS_IOC_GETFLAGS, &flags) != 0 || !(flags & 0x40000000 /* FS_CASEFOLD_FL */);
-        }
-        default:
-            return false;
-        }
-    }
-
-    const std::vector<quint32> *hashesIn(const QString &folder, const SeenFolders *seen)
-    {
-        FileDescriptor descriptor(open(PathCodec::encode(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!descriptor.isOpen() || !comparesBytes(descriptor.get()))
-            return nullptr;
-        struct statx status;
-        if (seen && statx(descriptor.get(), "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &status) == 0) {
-            const FileIdentity identity = FileIdentity::of(status);
-            for (const SeenFolder &listed : *seen)
-                if (listed.folder.isSameFile(identity))
-                    return &listed.nameHashes;
-        }
-        FolderEntries listing(std::move(descriptor));
-        std::vector<quint32> hashes;
-        while (const dirent *entry = listing.next())
-            hashes.push_back(SeenFolder::hashOf(entry->d_name));
-        if (!listing.isOpen() || listing.error() != 0)
-            return nullptr;
-        std::sort(hashes.begin(), hashes.end());
-        return &m_read.emplace_back(std::move(hashes));
-    }
-
-    std::vector<const std::vector<quint32> *> m_hashes; // by folder index; none where each name is looked up
-    std::deque<std::vector<quint32>> m_read;             // the folders read here
-};
 
 // Folders made absolute and free of links, each worked out once.
 class FolderResolver {
@@ -298,92 +210,6 @@ private:
     const QStringList &m_newNames;
     const std::vector<int> &m_planned;
     std::unordered_map<size_t, FileIdentity> m_found;
-};
-
-// Names in folders, one per row, found by their hash and then compared: a
-// sorted list of (hash, row) holds a tenth of what a hash table of the
-// strings would, and rows that want one name sit side by side.
-class NameIndex {
-public:
-    using NameOf = std::function<const QString &(int row)>;
-    using FolderOf = std::function<int(int row)>;
-
-    NameIndex(NameOf nameOf, FolderOf folderOf) : m_nameOf(std::move(nameOf)), m_folderOf(std::move(folderOf)) {}
-
-    void add(int row) { m_entries.push_back({hashOf(m_nameOf(row)), row}); }
-    void reserve(size_t count) { m_entries.reserve(count); }
-    void sort()
-    {
-        std::sort(m_entries.begin(), m_entries.end(), [this](const Entry &a, const Entry &b) {
-            if (a.hash != b.hash)
-                return a.hash < b.hash;
-            if (const int folderA = m_folderOf(a.row), folderB = m_folderOf(b.row); folderA != folderB)
-                return folderA < folderB;
-            const int byName = QtPrivate::compareStrings(m_nameOf(a.row), m_nameOf(b.row), Qt::CaseSensitive);
-            return byName != 0 ? byName < 0 : a.row < b.row;
-        });
-        m_gone.assign(m_entries.size(), 0);
-    }
-
-    // The rows whose name is `name` in `folder`, in row order.
-    std::pair<size_t, size_t> find(int folder, const QString &name) const
-    {
-        const quint32 hash = hashOf(name);
-        const auto before = [&](const Entry &entry) {
-            if (entry.hash != hash)
-                return entry.hash < hash;
-            if (const int held = m_folderOf(entry.row); held != folder)
-                return held < folder;
-            return QtPrivate::compareStrings(m_nameOf(entry.row), name, Qt::CaseSensitive) < 0;
-        };
-        const auto first = std::partition_point(m_entries.begin(), m_entries.end(), before);
-        auto last = first;
-        while (last != m_entries.end() && sameName(*last, hash, folder, name))
-            ++last;
-        return {size_t(first - m_entries.begin()), size_t(last - m_entries.begin())};
-    }
-    bool contains(int folder, const QString &name) const
-    {
-        const auto [first, last] = find(folder, name);
-        for (size_t i = first; i < last; ++i)
-            if (!m_gone[i])
-                return true;
-        return false;
-    }
-    void remove(int folder, const QString &name)
-    {
-        const auto [first, last] = find(folder, name);
-        std::fill(m_gone.begin() + qsizetype(first), m_gone.begin() + qsizetype(last), 1);
-    }
-    // Each run of rows that share one name: its first and its end.
-    template <class Each> void forEachRun(Each each) const
-    {
-        for (size_t first = 0, last; first < m_entries.size(); first = last) {
-            const Entry &entry = m_entries[first];
-            const int folder = m_folderOf(entry.row);
-            const QString &name = m_nameOf(entry.row);
-            for (last = first + 1; last < m_entries.size() && sameName(m_entries[last], entry.hash, folder, name); ++last) {
-            }
-            each(first, last);
-        }
-    }
-    int rowAt(size_t index) const { return m_entries[index].row; }
-
-private:
-    struct Entry {
-        quint32 hash;
-        int row;
-    };
-    static quint32 hashOf(const QString &name) { return quint32(qHash(name)); }
-    bool sameName(const Entry &entry, quint32 hash, int folder, const QString &name) const
-    {
-        return entry.hash == hash && m_folderOf(entry.row) == folder && m_nameOf(entry.row) == name;
-    }
-
-    NameOf m_nameOf;
-    FolderOf m_folderOf;
-    std::vector<Entry> m_entries;
-    std::vector<char> m_gone; // by entry: taken out of the index
 };
 
 class Planner {

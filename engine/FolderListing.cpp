@@ -186,9 +186,8 @@ void FolderListing::forEachVisible(const QString &location, const std::function<
     if (reading)
         reading(starts.size(), true);
     if (seen && starts.size() >= SeenFolder::fewest) {
-        struct statx folderStatus;
-        if (statx(descriptor, "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &folderStatus) == 0) {
-            seen->folder = FileIdentity::of(folderStatus);
+        if (const auto folder = FileIdentity::ofOpen(descriptor)) {
+            seen->folder = *folder;
             seen->nameHashes.reserve(starts.size());
             for (const quint32 start : starts)
                 seen->nameHashes.push_back(SeenFolder::hashOf(QByteArrayView(allNames.constData() + start)));

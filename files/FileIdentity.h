@@ -34,10 +34,15 @@ struct FileIdentity {
 
     // The item itself, not what a symbolic link points to; nullopt when
     // nothing is there.
-    static std::optional<FileIdentity> at(const QByteArray &path)
+    static std::optional<FileIdentity> at(const QByteArray &path) { return read(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW); }
+    // The item open at `descriptor`; nullopt when it cannot be read.
+    static std::optional<FileIdentity> ofOpen(int descriptor) { return read(descriptor, "", AT_EMPTY_PATH); }
+
+private:
+    static std::optional<FileIdentity> read(int at, const char *path, int flags)
     {
         struct statx info;
-        if (statx(AT_FDCWD, path.constData(), AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &info) != 0)
+        if (statx(at, path, flags, STATX_INO | STATX_BTIME, &info) != 0)
             return std::nullopt;
         return of(info);
     }
